@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Installs what building zor needs on a Debian machine; with --tests, also what its tests need
+# (the Windows cross compilers, Wine, qemu-user, GoogleTest).
+set -euo pipefail
+packages=(cmake ninja-build g++ ccache binutils)
+if [ "${1:-}" = --tests ]; then
+    packages+=(googletest gcc-mingw-w64-x86-64 g++-mingw-w64-x86-64 binutils-mingw-w64-x86-64 wine64 qemu-user
+               libc-bin)
+fi
+missing=()
+for p in "${packages[@]}"; do
+    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+sudo=""
+[ "$(id -u)" -ne 0 ] && sudo=sudo
+$sudo apt-get update
+DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y --no-install-recommends "${missing[@]}"

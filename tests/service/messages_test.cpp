@@ -1,0 +1,263 @@
+// Messages byte for byte on standard output: the built-in texts, xerbla's choice of message,
+// the overflow rule, and texts from a real message catalog.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include "service/handlers.hpp"
+#include "service/messages.hpp"
+#include "service/platform.hpp"
+#include "support/process.hpp"
+
+namespace zor {
+namespace {
+
+using ::testing::internal::CaptureStdout;
+using ::testing::internal::GetCapturedStdout;
+
+TEST(MessageTable, HoldsEveryNumberAndTheEmittedTexts) {
+    for (int i = 0; i < kMessageCount; ++i) ASSERT_EQ(builtin_message(i).number, i);
+    const struct {
+        int number;
+        MessageClass message_class;
+        const char* text;
+    } rows[] = {
+        {0, MessageClass::Plain, "\n"},
+        {4, MessageClass::Warning, "ZOR WARNING: ZOR_DEBUG_CPU_TYPE=%d not convenient for this processor."},
+        {6, MessageClass::Error, "ZOR ERROR: Parameter %d was incorrect on entry to %s"},
+        {7, MessageClass::Error, "ZOR INTERNAL ERROR: Condition %d detected in function %s"},
+        {8, MessageClass::Error, "ZOR INTERNAL ERROR: Not enough work memory in function %s"},
+        {9, MessageClass::Error, "ZOR ERROR: Incompatible optional parameters on entry to %s"},
+        {1089, MessageClass::Error, "ZOR INTERNAL ERROR: Not enough work memory in function %s"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(builtin_message(row.number).message_class, row.message_class) << row.number;
+        EXPECT_STREQ(builtin_message(row.number).text, row.text) << row.number;
+    }
+}
+
+struct XerblaCase {
+    const char* name;
+    int name_length;
+    int info;
+    const char* output;
+};
+
+class Xerbla : public ::testing::TestWithParam<XerblaCase> {};
+
+TEST_P(Xerbla, PrintsTheMessageOfItsInfo) {
+    const XerblaCase& c = GetParam();
+    CaptureStdout();
+    xerbla(c.name, &c.info, c.name_length);
+    EXPECT_EQ(GetCapturedStdout(), c.output);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Infos, Xerbla,
+    ::testing::Values(
+        XerblaCase{"DGEMM ", 6, 3, "\nZOR ERROR: Parameter 3 was incorrect on entry to DGEMM \n"},
+        XerblaCase{"DGESV", 5, 7, "\nZOR ERROR: Parameter 7 was incorrect on entry to DGESV\n"},
+        XerblaCase{"DGETRF", 6, 0, "\nZOR INTERNAL ERROR: Condition 0 detected in function DGETRF\n"},
+        XerblaCase{"DGETRF", 6, -12, "\nZOR INTERNAL ERROR: Condition 12 detected in function DGETRF\n"},
+        XerblaCase{"DGEQRF", 6, 1000, "\nZOR INTERNAL ERROR: Not enough work memory in function DGEQRF\n"},
+        XerblaCase{"DGEQRF", 6, 1001, "\nZOR ERROR: Incompatible optional parameters on entry to DGEQRF\n"},
+        XerblaCase{"DGESV", 5, 1089, "\nZOR INTERNAL ERROR: Not enough work memory in function DGESV\n"},
+        XerblaCase{"DGESV", 5, 1088, "\nZOR ERROR: Parameter 1088 was incorrect on entry to DGESV\n"},
+        // Only the given length of an unterminated name, and at most 20 characters of it.
+        XerblaCase{"DGEMVXYZ", 5, 2, "\nZOR ERROR: Parameter 2 was incorrect on entry to DGEMV\n"},
+        XerblaCase{"ABCDEFGHIJKLMNOPQRSTUVWXYZ0123", 30, 1,
+                   "\nZOR ERROR: Parameter 1 was incorrect on entry to ABCDEFGHIJKLMNOPQRST\n"},
+        // A name holding '%' is printed as it is, not formatted again.
+        XerblaCase{"A%sB%n", 6, 4, "\nZOR ERROR: Parameter 4 was incorrect on entry to A%sB%n\n"}));
+
+TEST(Xerbla, ReadsInfoAsA32BitValue) {
+    // The BLAS checks pass the address of a 64-bit info; its low half is the value.
+    const std::int64_t info = (std::int64_t{5} << 32) | 9;
+    CaptureStdout();
+    xerbla("DSYMV ", &info, 6);
+    EXPECT_EQ(GetCapturedStdout(), "\nZOR ERROR: Parameter 9 was incorrect on entry to DSYMV \n");
+}
+
+TEST(CblasXerbla, PrintsAnEmptyLineThenTheParameter) {
+    CaptureStdout();
+    cblas_xerbla("cblas_dgemm", 9);
+    EXPECT_EQ(GetCapturedStdout(), "\nZOR ERROR: Parameter 9 was incorrect on entry to cblas_dgemm\n");
+}
+
+TEST(SameConversions, ComparesTheConversionSequence) {
+    EXPECT_TRUE(same_conversions("a %d b %s", "%d then %s"));
+    EXPECT_TRUE(same_conversions("%d", "value %5d"));
+    EXPECT_TRUE(same_conversions("%s", "100%% in %s"));
+    EXPECT_TRUE(same_conversions("", "no arguments"));
+    EXPECT_FALSE(same_conversions("%d %s", "%s %d"));
+    EXPECT_FALSE(same_conversions("%s", "%s %s"));
+    EXPECT_FALSE(same_conversions("%d %s", "%d"));
+    EXPECT_FALSE(same_conversions("%s", "%*s"));
+    EXPECT_FALSE(same_conversions("%s", "trailing %"));
+}
+
+// The text of message 8 with a routine name that makes it `length` characters long.
+std::string routine_name_for_length(int length) {
+    const int fixed = static_cast<int>(std::strlen(builtin_message(kMsgNoWorkMemory).text)) - 2;
+    return std::string(length - fixed, 'N');
+}
+
+TEST(MessageOverflow, LongestMessageIsPrinted) {
+    const std::string name = routine_name_for_length(kMessageMaxLength);
+    CaptureStdout();
+    print_message(0, kMsgNoWorkMemory, 1, name.c_str());
+    const std::string out = GetCapturedStdout();
+    EXPECT_EQ(out.size(), static_cast<std::size_t>(kMessageMaxLength + 1));
+    EXPECT_EQ(out, "ZOR INTERNAL ERROR: Not enough work memory in function " + name + "\n");
+}
+
+TEST(MessageOverflow, OneCharacterMoreEndsTheProcess) {
+    const std::filesystem::path out = test::fresh_directory("overflow") / "stdout.txt";
+    const std::string name = routine_name_for_length(kMessageMaxLength + 1);
+    EXPECT_EXIT(
+        {
+            test::redirect_stdout(out);
+            print_message(0, kMsgNoWorkMemory, 1, name.c_str());
+            std::exit(0);
+        },
+        ::testing::ExitedWithCode(8), "");
+    EXPECT_EQ(test::read_file(out),
+              "\nZOR INTERNAL ERROR: message buffer overflow."
+              "\n       Message N 8   Lenght: 513   Buffer size: 512\n");
+}
+
+// The message catalog, in child processes: it is tried once per process.
+
+class MessageCatalog : public ::testing::Test {
+  protected:
+    // A directory holding the test catalog where the library looks for it:
+    // "<thread locale>/<catalog file>".
+    static std::filesystem::path directory_with_catalog(const char* name) {
+        const std::filesystem::path dir = test::fresh_directory(name);
+        install_catalog(dir);
+        return dir;
+    }
+    static void install_catalog(const std::filesystem::path& dir) {
+        const std::filesystem::path locale_dir = dir / std::to_string(platform::thread_locale());
+        std::filesystem::create_directories(locale_dir);
+        std::filesystem::copy_file(test::program_directory() / "test-catalog" / platform::kCatalogFileName,
+                                   locale_dir / platform::kCatalogFileName);
+    }
+    static void print_three_messages() {
+        const int parameter = 3;
+        const int condition = -4;
+        const int no_memory = 1000;
+        const int options = 1001;
+        xerbla("DGEMM ", &parameter, 6);
+        xerbla("DGEEV ", &condition, 6);
+        xerbla("DGESDD", &no_memory, 6);
+        xerbla("DGGES ", &options, 6);
+    }
+};
+
+TEST_F(MessageCatalog, CatalogTextsReplaceBuiltInOnes) {
+    const std::filesystem::path dir = directory_with_catalog("catalog");
+    EXPECT_EXIT(
+        {
+            std::filesystem::current_path(dir);
+            test::redirect_stdout(dir / "stdout.txt");
+            print_three_messages();
+            std::exit(message_catalog_in_use() ? 0 : 1);
+        },
+        ::testing::ExitedWithCode(0), "");
+    EXPECT_EQ(test::read_file(dir / "stdout.txt"),
+              // from the catalog
+              "\nCATALOG: parameter 3 is wrong in a call of DGEMM \n"
+              // the catalog's text formats other arguments: the built-in one stays
+              "\nZOR INTERNAL ERROR: Condition 4 detected in function DGEEV \n"
+              // not in the catalog
+              "\nZOR INTERNAL ERROR: Not enough work memory in function DGESDD\n"
+              "\nCATALOG: options do not go together in DGGES \n");
+}
+
+TEST_F(MessageCatalog, WithoutCatalogBuiltInTextsStayForTheProcess) {
+    const std::filesystem::path dir = test::fresh_directory("no-catalog");
+    EXPECT_EXIT(
+        {
+            std::filesystem::current_path(dir);
+            test::redirect_stdout(dir / "stdout.txt");
+            cblas_xerbla("cblas_dgemv", 7);
+            // A catalog that appears later is never loaded.
+            install_catalog(dir);
+            cblas_xerbla("cblas_dgemv", 4);
+            std::exit(message_catalog_in_use() ? 1 : 0);
+        },
+        ::testing::ExitedWithCode(0), "");
+    EXPECT_EQ(test::read_file(dir / "stdout.txt"),
+              "\nZOR ERROR: Parameter 7 was incorrect on entry to cblas_dgemv\n"
+              "\nZOR ERROR: Parameter 4 was incorrect on entry to cblas_dgemv\n");
+}
+
+// Handler slots: the first registration wins, in a child process each.
+
+std::string g_reported;
+
+void recording_handler(const char* name, const void* info, int name_length) {
+    std::int32_t code;
+    std::memcpy(&code, info, sizeof code);
+    g_reported = std::string(name, name_length) + ":" + std::to_string(code);
+}
+
+void other_handler(const char*, const void*, int) {
+    g_reported = "other";
+}
+
+TEST(HandlerSlots, FirstErrorHandlerRegistrationWins) {
+    EXPECT_EXIT(
+        {
+            if (!register_error_handler(&recording_handler)) std::exit(1);
+            if (register_error_handler(&other_handler)) std::exit(2);
+            register_default_handlers();
+            if (error_handler() != &recording_handler) std::exit(3);
+            if (check_allocation(nullptr, "DGESV") != 1) std::exit(4);
+            if (g_reported != "DGESV:1089") std::exit(5);
+            if (check_allocation(&g_reported, "DGESV") != 0) std::exit(6);
+            std::exit(0);
+        },
+        ::testing::ExitedWithCode(0), "");
+}
+
+TEST(HandlerSlots, AllocationFailureWithDefaultsPrintsMessage1089) {
+    const std::filesystem::path out = test::fresh_directory("alloc-failure") / "stdout.txt";
+    EXPECT_EXIT(
+        {
+            test::redirect_stdout(out);
+            register_default_handlers();
+            std::exit(check_allocation(nullptr, "ZGETRI"));
+        },
+        ::testing::ExitedWithCode(1), "");
+    EXPECT_EQ(test::read_file(out), "\nZOR INTERNAL ERROR: Not enough work memory in function ZGETRI\n");
+}
+
+int stop_at_step(const std::int32_t* thread, const std::int32_t* step, const char* stage, int stage_length) {
+    return (*thread == 0 && std::string(stage, stage_length) == "XDGBTRF") ? *step : -1;
+}
+
+TEST(HandlerSlots, ProgressGoesToTheFirstRegisteredHandler) {
+    EXPECT_EXIT(
+        {
+            if (report_progress(0, 64, "DGETRF", 6) != 0) std::exit(1);  // no handler yet
+            register_progress_handler(&stop_at_step);
+            register_default_handlers();
+            std::exit(report_progress(0, 42, "XDGBTRF", 7));
+        },
+        ::testing::ExitedWithCode(42), "");
+    EXPECT_EXIT(
+        {
+            register_default_handlers();
+            std::exit(report_progress(0, 42, "XDGBTRF", 7));
+        },
+        ::testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
+}  // namespace zor
