@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Installs what building zor needs on a Debian machine; with --tests, also what its tests need
-# (the Windows cross compilers, Wine, qemu-user, GoogleTest).
+# (the Windows cross compilers, Wine, qemu-user, GoogleTest, valgrind).
 set -euo pipefail
 packages=(cmake ninja-build g++ ccache binutils)
 if [ "${1:-}" = --tests ]; then
     packages+=(googletest gcc-mingw-w64-x86-64 g++-mingw-w64-x86-64 binutils-mingw-w64-x86-64 wine64 qemu-user
-               libc-bin)
+               libc-bin valgrind)
 fi
 missing=()
 for p in "${packages[@]}"; do

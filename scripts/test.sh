@@ -1,8 +1,11 @@
 #!/usr/bin/env bash
-# Builds the library for Linux and for Windows and runs every test: natively, under Wine, and
-# under emulated processors of each level.
+# Builds the library for Linux and for Windows and runs every test: natively, under Wine, under
+# emulated processors of each level, and on Linux again with AddressSanitizer (with LeakSanitizer
+# and UBSan) and with ThreadSanitizer.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup-debian.sh --tests
 cmake --workflow --preset linux
 cmake --workflow --preset windows
+cmake --workflow --preset asan
+cmake --workflow --preset tsan

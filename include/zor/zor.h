@@ -4,5 +4,6 @@
 #define ZOR_ZOR_H
 
 #include "zor/zor_config.h"
+#include "zor/zor_memory.h"
 
 #endif
