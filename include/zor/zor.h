@@ -5,5 +5,6 @@
 
 #include "zor/zor_config.h"
 #include "zor/zor_memory.h"
+#include "zor/zor_cblas.h"
 
 #endif

@@ -2,11 +2,41 @@
 // Every kernel dispatcher of the BLAS layer, in one table. A dispatcher is called like the routine
 // it serves: zor::variant_probe(n, x) runs the variant chosen for this processor.
 
+#include "blas/level1/level1.hpp"
 #include "blas/probe.hpp"
 #include "service/dispatch.hpp"
 
 namespace zor {
 
 extern const KernelDispatcher<decltype(default_::variant_probe)> variant_probe;
+
+// Level 1, real.
+ZOR_DECLARE_DISPATCHER(dasum);
+ZOR_DECLARE_DISPATCHER(daxpy);
+ZOR_DECLARE_DISPATCHER(dcopy);
+ZOR_DECLARE_DISPATCHER(ddot);
+ZOR_DECLARE_DISPATCHER(dnrm2);
+ZOR_DECLARE_DISPATCHER(drot);
+ZOR_DECLARE_DISPATCHER(drotg);
+ZOR_DECLARE_DISPATCHER(drotm);
+ZOR_DECLARE_DISPATCHER(drotmg);
+ZOR_DECLARE_DISPATCHER(dscal);
+ZOR_DECLARE_DISPATCHER(dswap);
+ZOR_DECLARE_DISPATCHER(idamax);
+ZOR_DECLARE_DISPATCHER(idamin);
+
+// Level 1, complex.
+ZOR_DECLARE_DISPATCHER(dzasum);
+ZOR_DECLARE_DISPATCHER(dznrm2);
+ZOR_DECLARE_DISPATCHER(izamax);
+ZOR_DECLARE_DISPATCHER(izamin);
+ZOR_DECLARE_DISPATCHER(zaxpy);
+ZOR_DECLARE_DISPATCHER(zcopy);
+ZOR_DECLARE_DISPATCHER(zdotc);
+ZOR_DECLARE_DISPATCHER(zdotu);
+ZOR_DECLARE_DISPATCHER(zdrot);
+ZOR_DECLARE_DISPATCHER(zrotg);
+ZOR_DECLARE_DISPATCHER(zscal);
+ZOR_DECLARE_DISPATCHER(zswap);
 
 }  // namespace zor

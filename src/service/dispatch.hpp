@@ -56,6 +56,15 @@ class KernelDispatcher<R(Args...)> {
 #define ZOR_VARIANTS(name) \
     &::zor::default_::name, &::zor::sse3::name, &::zor::ssse3::name, &::zor::sse42::name, &::zor::avx::name
 
+// The dispatcher of a family declared with ZOR_DECLARE_VARIANTS: its declaration in a dispatcher
+// table's header, and its definition in the table.
+#define ZOR_DECLARE_DISPATCHER(name) \
+    extern const ::zor::KernelDispatcher<decltype(::zor::default_::name)> name
+#define ZOR_DEFINE_DISPATCHER(name)                                                 \
+    constinit const ::zor::KernelDispatcher<decltype(::zor::default_::name)> name { \
+        ZOR_VARIANTS(name)                                                          \
+    }
+
 // Declares the same functions in every level namespace, for the headers of kernel families.
 #define ZOR_DECLARE_VARIANTS(...) \
     namespace zor::default_ {     \

@@ -1,0 +1,60 @@
+/* The CBLAS interface of zor: the published C prototypes and enumerations of the BLAS, in double
+ * (d) and double-complex (z) precision. Integers are 32-bit; complex arguments are addresses of
+ * two adjacent doubles, real part first. Compiles as C and as C++. */
+#ifndef ZOR_ZOR_CBLAS_H
+#define ZOR_ZOR_CBLAS_H
+
+#include <stddef.h>
+
+#include "zor/zor_config.h"
+
+typedef enum CBLAS_LAYOUT { CblasRowMajor = 101, CblasColMajor = 102 } CBLAS_LAYOUT;
+typedef enum CBLAS_TRANSPOSE { CblasNoTrans = 111, CblasTrans = 112, CblasConjTrans = 113 } CBLAS_TRANSPOSE;
+typedef enum CBLAS_UPLO { CblasUpper = 121, CblasLower = 122 } CBLAS_UPLO;
+typedef enum CBLAS_DIAG { CblasNonUnit = 131, CblasUnit = 132 } CBLAS_DIAG;
+typedef enum CBLAS_SIDE { CblasLeft = 141, CblasRight = 142 } CBLAS_SIDE;
+
+/* The layout enumeration's older name, usable as CBLAS_ORDER and as enum CBLAS_ORDER. */
+#define CBLAS_ORDER CBLAS_LAYOUT
+
+/* The type of the zero-based indices that cblas_i?amax and cblas_i?amin return. */
+#define CBLAS_INDEX size_t
+
+ZOR_EXTERN_C_BEGIN
+
+/* Level 1: vector operations. */
+ZOR_API double cblas_dasum(const zor_int N, const double* X, const zor_int incX);
+ZOR_API void cblas_daxpy(const zor_int N, const double alpha, const double* X, const zor_int incX, double* Y,
+                         const zor_int incY);
+ZOR_API void cblas_dcopy(const zor_int N, const double* X, const zor_int incX, double* Y, const zor_int incY);
+ZOR_API double cblas_ddot(const zor_int N, const double* X, const zor_int incX, const double* Y,
+                          const zor_int incY);
+ZOR_API double cblas_dnrm2(const zor_int N, const double* X, const zor_int incX);
+ZOR_API void cblas_drot(const zor_int N, double* X, const zor_int incX, double* Y, const zor_int incY,
+                        const double c, const double s);
+ZOR_API void cblas_drotg(double* a, double* b, double* c, double* s);
+ZOR_API void cblas_drotm(const zor_int N, double* X, const zor_int incX, double* Y, const zor_int incY,
+                         const double* P);
+ZOR_API void cblas_drotmg(double* d1, double* d2, double* b1, const double b2, double* P);
+ZOR_API void cblas_dscal(const zor_int N, const double alpha, double* X, const zor_int incX);
+ZOR_API void cblas_dswap(const zor_int N, double* X, const zor_int incX, double* Y, const zor_int incY);
+ZOR_API CBLAS_INDEX cblas_idamax(const zor_int N, const double* X, const zor_int incX);
+ZOR_API CBLAS_INDEX cblas_idamin(const zor_int N, const double* X, const zor_int incX);
+
+ZOR_API double cblas_dzasum(const zor_int N, const void* X, const zor_int incX);
+ZOR_API double cblas_dznrm2(const zor_int N, const void* X, const zor_int incX);
+ZOR_API CBLAS_INDEX cblas_izamax(const zor_int N, const void* X, const zor_int incX);
+ZOR_API CBLAS_INDEX cblas_izamin(const zor_int N, const void* X, const zor_int incX);
+ZOR_API void cblas_zaxpy(const zor_int N, const void* alpha, const void* X, const zor_int incX, void* Y,
+                         const zor_int incY);
+ZOR_API void cblas_zcopy(const zor_int N, const void* X, const zor_int incX, void* Y, const zor_int incY);
+ZOR_API void cblas_zdotc_sub(const zor_int N, const void* X, const zor_int incX, const void* Y,
+                             const zor_int incY, void* dotc);
+ZOR_API void cblas_zdotu_sub(const zor_int N, const void* X, const zor_int incX, const void* Y,
+                             const zor_int incY, void* dotu);
+ZOR_API void cblas_zscal(const zor_int N, const void* alpha, void* X, const zor_int incX);
+ZOR_API void cblas_zswap(const zor_int N, void* X, const zor_int incX, void* Y, const zor_int incY);
+
+ZOR_EXTERN_C_END
+
+#endif

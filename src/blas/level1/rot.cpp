@@ -1,0 +1,89 @@
+// Plane rotations applied to vectors: drot, zdrot (a real rotation of complex vectors, part by
+// part) and drotm (the modified rotation). Element-wise, visited from the first logical element;
+// vectors that share memory take the element loop, as in copy.cpp.
+
+#include "blas/kernel.hpp"
+#include "blas/level1/level1.hpp"
+#include "blas/vector.hpp"
+
+namespace zor::ZOR_LEVEL_NS {
+
+namespace {
+
+// Applies op(x(i), y(i)) to every element pair. The contiguous loop is left to the compiler's
+// vectoriser: the operation is element-wise, so lanes cannot change a result.
+template <class Op>
+void each_pair(zint n, double* x, zint incx, double* y, zint incy, Op op) {
+    if (unit_strides(incx, incy) && !overlapping(x, y, n * 8)) {
+        double* __restrict xr = x;
+        double* __restrict yr = y;
+        for (zint i = 0; i < n; ++i) op(xr[i], yr[i]);
+        return;
+    }
+    double* xs = x + first_element(n, incx);
+    double* ys = y + first_element(n, incy);
+    for (zint i = 0; i < n; ++i) op(xs[i * incx], ys[i * incy]);
+}
+
+struct Rotation {
+    double c, s;
+    void operator()(double& x, double& y) const {
+        const double w = x, z = y;
+        x = c * w + s * z;
+        y = c * z - s * w;
+    }
+};
+
+}  // namespace
+
+void drot(const zint& n, double* x, const zint& incx, double* y, const zint& incy, const double& c,
+          const double& s) {
+    if (n <= 0) return;
+    each_pair(n, x, incx, y, incy, Rotation{c, s});
+}
+
+void zdrot(const zint& n, zcomplex* x, const zint& incx, zcomplex* y, const zint& incy, const double& c,
+           const double& s) {
+    if (n <= 0) return;
+    const Rotation rotation{c, s};
+    if (unit_strides(incx, incy) && !overlapping(x, y, n * 16)) {
+        each_pair(2 * n, &x->re, 1, &y->re, 1, rotation);
+        return;
+    }
+    zcomplex* xs = x + first_element(n, incx);
+    zcomplex* ys = y + first_element(n, incy);
+    for (zint i = 0; i < n; ++i) {
+        rotation(xs[i * incx].re, ys[i * incy].re);
+        rotation(xs[i * incx].im, ys[i * incy].im);
+    }
+}
+
+// param = (flag, h11, h21, h12, h22). Flag -2 is the identity; -1 the full matrix; 0 a unit
+// diagonal; anything else (1, or a NaN that fails every comparison) a unit off-diagonal
+// (h12 = 1, h21 = -1).
+void drotm(const zint& n, double* x, const zint& incx, double* y, const zint& incy, const double* param) {
+    const double flag = param[0];
+    if (n <= 0 || flag + 2.0 == 0.0) return;
+    const double h11 = param[1], h21 = param[2], h12 = param[3], h22 = param[4];
+    if (flag < 0.0) {
+        each_pair(n, x, incx, y, incy, [=](double& xv, double& yv) {
+            const double w = xv, z = yv;
+            xv = w * h11 + z * h12;
+            yv = w * h21 + z * h22;
+        });
+    } else if (flag == 0.0) {
+        each_pair(n, x, incx, y, incy, [=](double& xv, double& yv) {
+            const double w = xv, z = yv;
+            xv = w + z * h12;
+            yv = w * h21 + z;
+        });
+    } else {
+        each_pair(n, x, incx, y, incy, [=](double& xv, double& yv) {
+            const double w = xv, z = yv;
+            xv = w * h11 + z;
+            yv = h22 * z - w;
+        });
+    }
+}
+
+}  // namespace zor::ZOR_LEVEL_NS
