@@ -3,6 +3,8 @@
 
 #include "interface/blas_checks.hpp"
 
+#include <initializer_list>
+
 #include "service/lsame.hpp"
 #include "service/messages.hpp"
 
@@ -34,192 +36,114 @@ zint at_least_one(zint value) {
     return value > 1 ? value : 1;
 }
 
-zint reported(const char* name, zint info) {
-    if (info != 0) xerbla(name, &info, 6);
-    return info;
+// One reference check: the argument number and whether that argument is bad.
+struct Check {
+    zint number;
+    bool bad;
+};
+
+// The number of the first bad argument, reported; 0 when all are good.
+zint first_bad(const char* name, std::initializer_list<Check> checks) {
+    for (const Check& check : checks) {
+        if (check.bad) {
+            zint info = check.number;
+            xerbla(name, &info, 6);
+            return info;
+        }
+    }
+    return 0;
 }
 
 zint gemm(const char* name, const char& transa, const char& transb, zint m, zint n, zint k, zint lda,
           zint ldb, zint ldc) {
     const zint rows_a = lsame(transa, 'N') ? m : k;
     const zint rows_b = lsame(transb, 'N') ? k : n;
-    zint info = 0;
-    if (!valid_transpose(transa, Transposes::TransposeOrConjugate))
-        info = 1;
-    else if (!valid_transpose(transb, Transposes::TransposeOrConjugate))
-        info = 2;
-    else if (m < 0)
-        info = 3;
-    else if (n < 0)
-        info = 4;
-    else if (k < 0)
-        info = 5;
-    else if (lda < at_least_one(rows_a))
-        info = 8;
-    else if (ldb < at_least_one(rows_b))
-        info = 10;
-    else if (ldc < at_least_one(m))
-        info = 13;
-    return reported(name, info);
+    return first_bad(name, {{1, !valid_transpose(transa, Transposes::TransposeOrConjugate)},
+                            {2, !valid_transpose(transb, Transposes::TransposeOrConjugate)},
+                            {3, m < 0},
+                            {4, n < 0},
+                            {5, k < 0},
+                            {8, lda < at_least_one(rows_a)},
+                            {10, ldb < at_least_one(rows_b)},
+                            {13, ldc < at_least_one(m)}});
 }
 
 zint symm(const char* name, const char& side, const char& uplo, zint m, zint n, zint lda, zint ldb,
           zint ldc) {
     const zint rows_a = lsame(side, 'L') ? m : n;
-    zint info = 0;
-    if (!valid_side(side))
-        info = 1;
-    else if (!valid_uplo(uplo))
-        info = 2;
-    else if (m < 0)
-        info = 3;
-    else if (n < 0)
-        info = 4;
-    else if (lda < at_least_one(rows_a))
-        info = 7;
-    else if (ldb < at_least_one(m))
-        info = 9;
-    else if (ldc < at_least_one(m))
-        info = 12;
-    return reported(name, info);
+    return first_bad(name, {{1, !valid_side(side)},
+                            {2, !valid_uplo(uplo)},
+                            {3, m < 0},
+                            {4, n < 0},
+                            {7, lda < at_least_one(rows_a)},
+                            {9, ldb < at_least_one(m)},
+                            {12, ldc < at_least_one(m)}});
 }
 
-// SYRK and HERK (ldb < 0: no B) and SYR2K and HER2K.
+// SYRK and HERK (no B: ldb null) and SYR2K and HER2K.
 zint rank_k(const char* name, Transposes accepted, const char& uplo, const char& trans, zint n, zint k,
             zint lda, const zint* ldb, zint ldc) {
     const zint rows_a = lsame(trans, 'N') ? n : k;
-    zint info = 0;
-    if (!valid_uplo(uplo))
-        info = 1;
-    else if (!valid_transpose(trans, accepted))
-        info = 2;
-    else if (n < 0)
-        info = 3;
-    else if (k < 0)
-        info = 4;
-    else if (lda < at_least_one(rows_a))
-        info = 7;
-    else if (ldb != nullptr && *ldb < at_least_one(rows_a))
-        info = 9;
-    else if (ldc < at_least_one(n))
-        info = ldb != nullptr ? 12 : 10;
-    return reported(name, info);
+    return first_bad(name, {{1, !valid_uplo(uplo)},
+                            {2, !valid_transpose(trans, accepted)},
+                            {3, n < 0},
+                            {4, k < 0},
+                            {7, lda < at_least_one(rows_a)},
+                            {9, ldb != nullptr && *ldb < at_least_one(rows_a)},
+                            {ldb != nullptr ? 12 : 10, ldc < at_least_one(n)}});
 }
 
 zint trmm(const char* name, const char& side, const char& uplo, const char& transa, const char& diag, zint m,
           zint n, zint lda, zint ldb) {
     const zint rows_a = lsame(side, 'L') ? m : n;
-    zint info = 0;
-    if (!valid_side(side))
-        info = 1;
-    else if (!valid_uplo(uplo))
-        info = 2;
-    else if (!valid_transpose(transa, Transposes::TransposeOrConjugate))
-        info = 3;
-    else if (!valid_diag(diag))
-        info = 4;
-    else if (m < 0)
-        info = 5;
-    else if (n < 0)
-        info = 6;
-    else if (lda < at_least_one(rows_a))
-        info = 9;
-    else if (ldb < at_least_one(m))
-        info = 11;
-    return reported(name, info);
+    return first_bad(name, {{1, !valid_side(side)},
+                            {2, !valid_uplo(uplo)},
+                            {3, !valid_transpose(transa, Transposes::TransposeOrConjugate)},
+                            {4, !valid_diag(diag)},
+                            {5, m < 0},
+                            {6, n < 0},
+                            {9, lda < at_least_one(rows_a)},
+                            {11, ldb < at_least_one(m)}});
 }
 
 zint gemv(const char* name, const char& trans, zint m, zint n, zint lda, zint incx, zint incy) {
-    zint info = 0;
-    if (!valid_transpose(trans, Transposes::TransposeOrConjugate))
-        info = 1;
-    else if (m < 0)
-        info = 2;
-    else if (n < 0)
-        info = 3;
-    else if (lda < at_least_one(m))
-        info = 6;
-    else if (incx == 0)
-        info = 8;
-    else if (incy == 0)
-        info = 11;
-    return reported(name, info);
+    return first_bad(name, {{1, !valid_transpose(trans, Transposes::TransposeOrConjugate)},
+                            {2, m < 0},
+                            {3, n < 0},
+                            {6, lda < at_least_one(m)},
+                            {8, incx == 0},
+                            {11, incy == 0}});
 }
 
 zint ger(const char* name, zint m, zint n, zint incx, zint incy, zint lda) {
-    zint info = 0;
-    if (m < 0)
-        info = 1;
-    else if (n < 0)
-        info = 2;
-    else if (incx == 0)
-        info = 5;
-    else if (incy == 0)
-        info = 7;
-    else if (lda < at_least_one(m))
-        info = 9;
-    return reported(name, info);
+    return first_bad(name,
+                     {{1, m < 0}, {2, n < 0}, {5, incx == 0}, {7, incy == 0}, {9, lda < at_least_one(m)}});
 }
 
 zint symv(const char* name, const char& uplo, zint n, zint lda, zint incx, zint incy) {
-    zint info = 0;
-    if (!valid_uplo(uplo))
-        info = 1;
-    else if (n < 0)
-        info = 2;
-    else if (lda < at_least_one(n))
-        info = 5;
-    else if (incx == 0)
-        info = 7;
-    else if (incy == 0)
-        info = 10;
-    return reported(name, info);
+    return first_bad(
+        name,
+        {{1, !valid_uplo(uplo)}, {2, n < 0}, {5, lda < at_least_one(n)}, {7, incx == 0}, {10, incy == 0}});
 }
 
 zint syr(const char* name, const char& uplo, zint n, zint incx, zint lda) {
-    zint info = 0;
-    if (!valid_uplo(uplo))
-        info = 1;
-    else if (n < 0)
-        info = 2;
-    else if (incx == 0)
-        info = 5;
-    else if (lda < at_least_one(n))
-        info = 7;
-    return reported(name, info);
+    return first_bad(name, {{1, !valid_uplo(uplo)}, {2, n < 0}, {5, incx == 0}, {7, lda < at_least_one(n)}});
 }
 
 zint syr2(const char* name, const char& uplo, zint n, zint incx, zint incy, zint lda) {
-    zint info = 0;
-    if (!valid_uplo(uplo))
-        info = 1;
-    else if (n < 0)
-        info = 2;
-    else if (incx == 0)
-        info = 5;
-    else if (incy == 0)
-        info = 7;
-    else if (lda < at_least_one(n))
-        info = 9;
-    return reported(name, info);
+    return first_bad(
+        name,
+        {{1, !valid_uplo(uplo)}, {2, n < 0}, {5, incx == 0}, {7, incy == 0}, {9, lda < at_least_one(n)}});
 }
 
 zint trmv(const char* name, const char& uplo, const char& trans, const char& diag, zint n, zint lda,
           zint incx) {
-    zint info = 0;
-    if (!valid_uplo(uplo))
-        info = 1;
-    else if (!valid_transpose(trans, Transposes::TransposeOrConjugate))
-        info = 2;
-    else if (!valid_diag(diag))
-        info = 3;
-    else if (n < 0)
-        info = 4;
-    else if (lda < at_least_one(n))
-        info = 6;
-    else if (incx == 0)
-        info = 8;
-    return reported(name, info);
+    return first_bad(name, {{1, !valid_uplo(uplo)},
+                            {2, !valid_transpose(trans, Transposes::TransposeOrConjugate)},
+                            {3, !valid_diag(diag)},
+                            {4, n < 0},
+                            {6, lda < at_least_one(n)},
+                            {8, incx == 0}});
 }
 
 }  // namespace
