@@ -8,7 +8,7 @@
 #include "service/lsame.hpp"
 #include "service/messages.hpp"
 
-namespace zor {
+namespace zor::fortran {
 
 namespace {
 
@@ -261,4 +261,4 @@ zint check_ztrsv(const char& uplo, const char& trans, const char& diag, const zi
     return trmv("ZTRSV ", uplo, trans, diag, n, lda, incx);
 }
 
-}  // namespace zor
+}  // namespace zor::fortran

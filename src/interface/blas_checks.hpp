@@ -7,7 +7,7 @@
 
 #include "service/types.hpp"
 
-namespace zor {
+namespace zor::fortran {
 
 // Level 3.
 zint check_dgemm(const char& transa, const char& transb, const zint& m, const zint& n, const zint& k,
@@ -64,4 +64,4 @@ zint check_dtrsv(const char& uplo, const char& trans, const char& diag, const zi
 zint check_ztrsv(const char& uplo, const char& trans, const char& diag, const zint& n, const zint& lda,
                  const zint& incx);
 
-}  // namespace zor
+}  // namespace zor::fortran

@@ -7,7 +7,7 @@
 #include "service/memory.hpp"
 #include "service/messages.hpp"
 
-namespace zor {
+namespace zor::fortran {
 
 LapackCall::~LapackCall() {
     for (int i = 0; i < count_; ++i) zor_deallocate(copies_[i].wide);
@@ -75,4 +75,4 @@ zint dgelsd_iwork_entries(const zint& m, const zint& n) {
     return entries > INT64_MAX ? INT64_MAX : static_cast<zint>(entries);
 }
 
-}  // namespace zor
+}  // namespace zor::fortran

@@ -2,7 +2,7 @@
 // The frame of every Fortran-style LAPACK export. An export widens its integer scalars, asks the
 // call for 64-bit copies of its integer and logical arrays, starts the call (which reports a
 // failed copy and registers the default handlers), runs the internal routine and finishes with
-// its info:
+// its info (in a file that says `using namespace zor::fortran;`):
 //
 //     ZOR_API void dgetrf(const zor_int* m, const zor_int* n, double* a, const zor_int* lda,
 //                         zor_int* ipiv, zor_int* info) {
@@ -19,20 +19,11 @@
 // Copies wanted only on some paths (not in a workspace query, say) are simply not asked for; the
 // internal routine then gets null.
 
+#include "interface/integers.hpp"
 #include "service/types.hpp"
 #include "zor/zor_config.h"
 
-namespace zor {
-
-// The caller's 32-bit integer, sign-extended.
-inline zint widen(const zor_int* value) {
-    return *value;
-}
-
-// The low 32 bits of a 64-bit integer, as the caller's integers hold it.
-inline zor_int narrow(zint value) {
-    return static_cast<zor_int>(static_cast<std::uint32_t>(value));
-}
+namespace zor::fortran {
 
 // What happens to the caller's array around the internal call.
 enum class Transfer {
@@ -87,4 +78,4 @@ class LapackCall {
 // divide-and-conquer tree over n columns.
 zint dgelsd_iwork_entries(const zint& m, const zint& n);
 
-}  // namespace zor
+}  // namespace zor::fortran

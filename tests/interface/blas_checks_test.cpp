@@ -14,6 +14,7 @@
 namespace zor {
 namespace {
 
+using namespace fortran;
 using ::testing::internal::CaptureStdout;
 using ::testing::internal::GetCapturedStdout;
 

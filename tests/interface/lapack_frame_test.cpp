@@ -22,6 +22,7 @@
 namespace zor {
 namespace {
 
+using namespace fortran;
 using test::AllocatorScope;
 
 constexpr zor_int kUntouched = 0x7EADBEEF;
