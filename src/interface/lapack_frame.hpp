@@ -34,6 +34,20 @@ enum class Transfer {
     FirstOut,  // only the first entry narrowed back (the size a workspace query answers)
 };
 
+// The conditions under which exports copy an array only on some paths: not in a workspace query
+// (lwork = -1); bwork only when the eigenvalues are sorted (SORT neither "N" nor "n"); select only
+// when some vectors are selected (HOWMNY none of "A", "a", "B", "b"). Letters are compared
+// directly, not with lsame.
+inline bool workspace_query(zint lwork) {
+    return lwork == -1;
+}
+inline bool sorts(char sort) {
+    return sort != 'N' && sort != 'n';
+}
+inline bool selects_vectors(char howmny) {
+    return howmny != 'A' && howmny != 'a' && howmny != 'B' && howmny != 'b';
+}
+
 class LapackCall {
   public:
     static constexpr int kMaxArrays = 4;

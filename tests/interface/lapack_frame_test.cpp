@@ -268,6 +268,16 @@ TEST(LapackFrameHandlers, TheFirstCallRegistersTheDefaults) {
         ::testing::ExitedWithCode(0), "");
 }
 
+TEST(LapackFrame, ConditionsOfTheCopiesCompareLettersDirectly) {
+    EXPECT_TRUE(workspace_query(-1));
+    EXPECT_FALSE(workspace_query(-2));
+    EXPECT_FALSE(workspace_query(0));
+    for (char sort : {'S', 's', 'Y', ' '}) EXPECT_TRUE(sorts(sort)) << sort;
+    for (char sort : {'N', 'n'}) EXPECT_FALSE(sorts(sort)) << sort;
+    for (char howmny : {'S', 's', 'C', ' '}) EXPECT_TRUE(selects_vectors(howmny)) << howmny;
+    for (char howmny : {'A', 'a', 'B', 'b'}) EXPECT_FALSE(selects_vectors(howmny)) << howmny;
+}
+
 TEST(DgelsdWorkspace, LevelsOfTheTreeOverTheColumns) {
     // 26 columns per leaf (query 9 answers 25): nlvl is 1 up to 52 columns, then the smallest k with
     // 2^k >= n / 26; the entries are (3 nlvl + 14) min(m, n), at least one.
