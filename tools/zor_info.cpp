@@ -5,13 +5,69 @@
 
 #include "blas/dispatch.hpp"
 #include "service/cpu.hpp"
+#include "service/memory.hpp"
 #include "service/messages.hpp"
 #include "service/platform.hpp"
+#include "service/topology.hpp"
 
 namespace {
 
 void print_row(const char* label, const char* value) {
     std::printf("  %-28s %s\n", label, value);
+}
+
+// A thread count as the settings keep it: -1 is "not set".
+const char* count_text(std::int32_t count, char* buffer, std::size_t size) {
+    if (count < 0) return "not set";
+    std::snprintf(buffer, size, "%d", count);
+    return buffer;
+}
+
+void print_memory_manager() {
+    char line[256];
+    if (zor::memory_cache_disabled()) {
+        print_row("memory manager", "plain (cache disabled by ZOR_DISABLE_FAST_MM or ZOR_MM_DISABLE)");
+        return;
+    }
+    // One block through the cache registers this thread.
+    void* block = zor::zor_allocate(4096, zor::kWorkAlignment);
+    const zor::MemoryManagerState state = zor::memory_manager_state();
+    zor::zor_deallocate(block);
+    std::snprintf(line, sizeof line, "per-thread cache of %d blocks, %d of %d threads registered",
+                  zor::kCacheSlots, state.registered_threads, zor::kMaxRegisteredThreads);
+    print_row("memory manager", line);
+}
+
+void print_settings_and_topology() {
+    char line[256];
+    char a[16], b[16], c[16], d[16];
+    const std::int32_t cores_per_package = zor::topology_cores_per_package();
+    const zor::ThreadSettings settings = zor::thread_settings();
+    std::snprintf(line, sizeof line, "%s (computing with 1 thread)",
+                  count_text(settings.requested_threads, a, 16));
+    print_row("requested threads", line);
+    std::snprintf(line, sizeof line, "ZOR_ALL %s, ZOR_BLAS %s, ZOR_LAPACK %s",
+                  count_text(settings.domain_threads[zor::kDomainAll], a, 16),
+                  count_text(settings.domain_threads[zor::kDomainBlas], b, 16),
+                  count_text(settings.domain_threads[zor::kDomainLapack], c, 16));
+    print_row("domain threads", line);
+    std::snprintf(line, sizeof line, "dynamic %s, OMP_NUM_THREADS %s", settings.dynamic ? "on" : "off",
+                  count_text(settings.omp_threads, d, 16));
+    print_row("other settings", line);
+
+    if (cores_per_package < 0) {
+        std::uint64_t process = 0, system = 0;
+        const bool known = zor::platform::affinity_masks(&process, &system);
+        std::snprintf(line, sizeof line, "not measured: %s (process %#llx, system %#llx)",
+                      known ? "the process affinity mask differs from the system mask" : "no affinity masks",
+                      static_cast<unsigned long long>(process), static_cast<unsigned long long>(system));
+        print_row("cores per package", line);
+        return;
+    }
+    const zor::Topology t = zor::measured_topology();
+    std::snprintf(line, sizeof line, "%d (%d logical processors, %d cores, %d packages%s)", cores_per_package,
+                  t.logical, t.cores, t.packages, t.shared_cores == 1 ? ", cores shared by threads" : "");
+    print_row("cores per package", line);
 }
 
 }  // namespace
@@ -63,6 +119,9 @@ int main() {
                   catalog ? "loaded from" : "no catalog at",
                   static_cast<unsigned long>(platform::thread_locale()), platform::kCatalogFileName);
     print_row("message texts", line);
+
+    print_memory_manager();
+    print_settings_and_topology();
 
     double values[37];
     for (int i = 0; i < 37; ++i) values[i] = i + 1;

@@ -4,6 +4,7 @@
 #define ZOR_ZOR_H
 
 #include "zor/zor_config.h"
+#include "zor/zor_lapack.h"
 #include "zor/zor_memory.h"
 #include "zor/zor_cblas.h"
 

@@ -3,6 +3,7 @@
 // integers of 32 bits. Internal (not exported). Each widens its integers to 64 bits and calls the
 // kernel through its dispatcher; the level-1 routines check nothing.
 
+#include "interface/integers.hpp"
 #include "service/types.hpp"
 #include "zor/zor_config.h"
 
@@ -39,10 +40,5 @@ void zdotu(zcomplex* result, const zor_int* n, const zcomplex* x, const zor_int*
            const zor_int* incy);
 void zscal(const zor_int* n, const zcomplex* alpha, zcomplex* x, const zor_int* incx);
 void zswap(const zor_int* n, zcomplex* x, const zor_int* incx, zcomplex* y, const zor_int* incy);
-
-// An integer read once from the caller's 32-bit cell, sign-extended.
-inline zint widen(const zor_int* value) {
-    return *value;
-}
 
 }  // namespace zor::fortran

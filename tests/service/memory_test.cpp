@@ -3,9 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <condition_variable>
 #include <cstdint>
 #include <cstring>
-#include <latch>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -332,19 +333,26 @@ TEST(MemoryRegistry, ThreadsBeyond1024FallBackToThePlainPath) {
             AllocatorScope allocator;
             constexpr int kThreads = kMaxRegisteredThreads + 6;
             // One thread at a time allocates; all stay alive, so that no thread identifier is reused.
-            std::atomic<int> allocated{0};
-            std::latch checked(1);
+            // (A mutex and condition variable: atomic waits of the mingw-w64 runtime can miss a wake.)
+            std::mutex mutex;
+            std::condition_variable allocated_changed;
+            std::condition_variable checked_changed;
+            int allocated = 0;
+            bool checked = false;
             std::vector<void*> blocks(kThreads);
             std::vector<std::thread> threads;
             for (int i = 0; i < kThreads; ++i) {
                 threads.emplace_back([&, i] {
                     blocks[i] = zor_allocate(64, kWorkAlignment);
-                    allocated.store(i + 1);
-                    allocated.notify_one();
-                    checked.wait();
+                    std::unique_lock<std::mutex> lock(mutex);
+                    allocated = i + 1;
+                    allocated_changed.notify_one();
+                    checked_changed.wait(lock, [&] { return checked; });
+                    lock.unlock();
                     zor_deallocate(blocks[i]);
                 });
-                allocated.wait(i);
+                std::unique_lock<std::mutex> lock(mutex);
+                allocated_changed.wait(lock, [&] { return allocated == i + 1; });
             }
             for (void* block : blocks) {
                 if (block == nullptr) std::exit(1);
@@ -352,7 +360,11 @@ TEST(MemoryRegistry, ThreadsBeyond1024FallBackToThePlainPath) {
             if (memory_manager_state().registered_threads != kMaxRegisteredThreads) std::exit(2);
             // The last six had no record: their blocks carry a header and go back at once.
             const int releases = AllocatorScope::releases();
-            checked.count_down();
+            {
+                std::lock_guard<std::mutex> lock(mutex);
+                checked = true;
+                checked_changed.notify_all();
+            }
             for (std::thread& t : threads) t.join();
             std::exit(AllocatorScope::releases() - releases == 6 ? 0 : 3);
         },
