@@ -2,6 +2,8 @@
 // decides the rounding; the higher levels use a blocked design whose results agree with it to
 // within rounding.
 
+#include <type_traits>
+
 #include "blas/kernel.hpp"
 #include "blas/lanes.hpp"
 #include "blas/level2/level2.hpp"
@@ -82,42 +84,41 @@ double column_dot_default(zint m, const double* c, const double* xs, zint incx) 
 
 // --- The blocked design of the higher levels ----------------------------------------------------
 
-// y(0..m) += A(0..m, 0..n) * (alpha*x), x and y of unit stride. Four columns a pass; each row
-// takes y + ((A0*t0 + A1*t1) + (A2*t2 + A3*t3)).
-template <class L>
-void gemv_n_block(zint m, zint n, double alpha, const double* a, zint lda, const double* x, double* y) {
+// One pass of K columns over y(0..m): each row takes y + (the columns' products summed pairwise).
+template <class L, int K>
+void gemv_n_pass(zint m, const double* const* c, const double* t, double* y) {
     using V = typename L::V;
     constexpr zint kBytes = 8 * L::kWidth;
+    zint i = 0;
+    for (; i < m && address(y + i) % kBytes != 0; ++i) y[i] += column_products<K>(c, t, i);
+    V factors[K];
+    for (int k = 0; k < K; ++k) factors[k] = L::splat(t[k]);
+    for (; m - i >= L::kWidth; i += L::kWidth) {
+        L::store(y + i, L::add(L::load(y + i), column_products<L, K>(c, factors, i)));
+    }
+    for (; i < m; ++i) y[i] += column_products<K>(c, t, i);
+}
+
+// y(0..m) += A(0..m, 0..n) * (alpha*x), x and y of unit stride: passes of eight columns at the
+// Avx level (four below), then of four, then single columns.
+template <class L>
+void gemv_n_block(zint m, zint n, double alpha, const double* a, zint lda, const double* x, double* y) {
+    constexpr int kWide = 2 * L::kWidth;
     zint j = 0;
-    for (; n - j >= 4; j += 4) {
-        const double* c0 = a + j * lda;
-        const double *c1 = c0 + lda, *c2 = c1 + lda, *c3 = c2 + lda;
-        const double t0 = alpha * x[j], t1 = alpha * x[j + 1], t2 = alpha * x[j + 2], t3 = alpha * x[j + 3];
-        auto row = [&](zint i) { y[i] += (c0[i] * t0 + c1[i] * t1) + (c2[i] * t2 + c3[i] * t3); };
-        zint i = 0;
-        for (; i < m && address(y + i) % kBytes != 0; ++i) row(i);
-        const V v0 = L::splat(t0), v1 = L::splat(t1), v2 = L::splat(t2), v3 = L::splat(t3);
-        auto quad = [&](zint r) {
-            const V low = L::add(L::mul(L::loadu(c0 + r), v0), L::mul(L::loadu(c1 + r), v1));
-            const V high = L::add(L::mul(L::loadu(c2 + r), v2), L::mul(L::loadu(c3 + r), v3));
-            L::store(y + r, L::add(L::load(y + r), L::add(low, high)));
-        };
-        for (; m - i >= 2 * L::kWidth; i += 2 * L::kWidth) {
-            quad(i);
-            quad(i + L::kWidth);
+    auto pass = [&]<int K>(std::integral_constant<int, K>) {
+        for (; n - j >= K; j += K) {
+            const double* c[K];
+            double t[K];
+            for (int k = 0; k < K; ++k) {
+                c[k] = a + (j + k) * lda;
+                t[k] = alpha * x[j + k];
+            }
+            gemv_n_pass<L, K>(m, c, t, y);
         }
-        for (; m - i >= L::kWidth; i += L::kWidth) quad(i);
-        for (; i < m; ++i) row(i);
-    }
-    for (; j < n; ++j) {
-        const double* c = a + j * lda;
-        const double t = alpha * x[j];
-        const V v = L::splat(t);
-        zint i = 0;
-        for (; m - i >= L::kWidth; i += L::kWidth)
-            L::storeu(y + i, L::add(L::loadu(y + i), L::mul(L::loadu(c + i), v)));
-        for (; i < m; ++i) y[i] += c[i] * t;
-    }
+    };
+    pass(std::integral_constant<int, kWide>{});
+    pass(std::integral_constant<int, 4>{});
+    pass(std::integral_constant<int, 1>{});
 }
 
 // y(j) += alpha * A(0..m, j)' x for n columns, x of unit stride. Four columns a pass, two vector

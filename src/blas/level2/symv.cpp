@@ -15,8 +15,9 @@
 //   taking the group's columns in order; then y(j) += t2*alpha. Each t2 has two lanes: rows go
 //   singly into the low lane until y is on a 16-byte boundary (unit strides only), then in pairs
 //   (low, high), a last row into the low lane; t2 = low + high.
-// The Avx variant runs the same sweep with four lanes (y to a 32-byte boundary, then quads, the
-// last rows into lane 0, t2 = (l0 + l2) + (l1 + l3)).
+// The Avx variant runs the same scheme with groups of eight columns and four lanes (y to a 32-byte
+// boundary, then quads, the last rows into lane 0, t2 = (l0 + l2) + (l1 + l3)); in its vector
+// steps a row's y(i) adds the group's products summed pairwise.
 
 #include "blas/kernel.hpp"
 #include "blas/lanes.hpp"
@@ -29,7 +30,7 @@ namespace {
 
 // The fused sweep of K columns over rows [r0, r1), unit strides. t2[k] receives each column's
 // half-product sum.
-template <class L, int K>
+template <class L, int K, bool kPairwise>
 void symv_sweep(zint r0, zint r1, const double* const* c, const double* t1, const double* x, double* y,
                 double* t2) {
     using V = typename L::V;
@@ -48,30 +49,35 @@ void symv_sweep(zint r0, zint r1, const double* const* c, const double* t1, cons
     for (; i < r1 && address(y + i) % kBytes != 0; ++i) row(i, low);
     V sums[K], factors[K];
     for (int k = 0; k < K; ++k) {
-        alignas(32) double lanes[L::kWidth] = {};
-        lanes[0] = low[k];
-        sums[k] = L::load(lanes);
+        sums[k] = L::first_lane(low[k]);
         factors[k] = L::splat(t1[k]);
     }
-    for (; r1 - i >= L::kWidth; i += L::kWidth) {
-        const V xv = L::loadu(x + i);
-        V yv = L::load(y + i);
-        for (int k = 0; k < K; ++k) {
-            const V av = L::loadu(c[k] + i);
-            yv = L::add(yv, L::mul(av, factors[k]));
-            sums[k] = L::add(sums[k], L::mul(av, xv));
+    auto step = [&](zint r, V* sum) {
+        const V xv = L::loadu(x + r);
+        for (int k = 0; k < K; ++k) sum[k] = L::add(sum[k], L::mul(L::loadu(c[k] + r), xv));
+        if constexpr (kPairwise) {
+            L::store(y + r, L::add(L::load(y + r), column_products<L, K>(c, factors, r)));
+        } else {
+            V yv = L::load(y + r);
+            for (int k = 0; k < K; ++k) yv = L::add(yv, L::mul(L::loadu(c[k] + r), factors[k]));
+            L::store(y + r, yv);
         }
-        L::store(y + i, yv);
+    };
+    if constexpr (kPairwise) {
+        // Two sets of sums, alternate steps, so that the chains of additions overlap.
+        V odd[K];
+        for (int k = 0; k < K; ++k) odd[k] = L::zero();
+        for (; r1 - i >= 2 * L::kWidth; i += 2 * L::kWidth) {
+            step(i, sums);
+            step(i + L::kWidth, odd);
+        }
+        for (int k = 0; k < K; ++k) sums[k] = L::add(sums[k], odd[k]);
     }
-    alignas(32) double lanes[K][L::kWidth];
-    for (int k = 0; k < K; ++k) L::store(lanes[k], sums[k]);
+    for (; r1 - i >= L::kWidth; i += L::kWidth) step(i, sums);
     double last[K];
-    for (int k = 0; k < K; ++k) last[k] = lanes[k][0];
+    for (int k = 0; k < K; ++k) last[k] = L::first(sums[k]);
     for (; i < r1; ++i) row(i, last);
-    for (int k = 0; k < K; ++k) {
-        lanes[k][0] = last[k];
-        t2[k] = L::sum(L::load(lanes[k]));
-    }
+    for (int k = 0; k < K; ++k) t2[k] = L::sum_with_first(sums[k], last[k]);
 }
 
 // One column's sweep with any strides: pairs from the first row, no peel.
@@ -92,14 +98,15 @@ double symv_sweep_strided(zint r0, zint r1, const double* c, double t1, const do
     return low + high;
 }
 
-// The 4 by 4 diagonal block at j0, unit strides.
+// The G by G diagonal block at j0, unit strides.
+template <int G>
 void symv_diagonal_block(bool upper, zint j0, double alpha, const double* a, zint lda, const double* x,
                          double* y) {
-    for (zint c = j0; c < j0 + 4; ++c) {
+    for (zint c = j0; c < j0 + G; ++c) {
         const double* col = a + c * lda;
         const double t1 = alpha * x[c];
         double s = 0.0;
-        for (zint r = upper ? j0 : c + 1; r < (upper ? c : j0 + 4); ++r) {
+        for (zint r = upper ? j0 : c + 1; r < (upper ? c : j0 + G); ++r) {
             y[r] += col[r] * t1;
             s += col[r] * x[r];
         }
@@ -107,23 +114,30 @@ void symv_diagonal_block(bool upper, zint j0, double alpha, const double* a, zin
     }
 }
 
+// Groups of G columns; at the Avx level eight, whose products each row of the sweep sums
+// pairwise.
 template <class L>
 void dsymv_unit(bool upper, zint n, double alpha, const double* a, zint lda, const double* x, double* y) {
+    constexpr int G = 4;
+    constexpr bool kPairwise = L::kWidth == 4;
     zint j = 0;
-    for (; n - j >= 4; j += 4) {
-        symv_diagonal_block(upper, j, alpha, a, lda, x, y);
-        const double* c[4] = {a + j * lda, a + (j + 1) * lda, a + (j + 2) * lda, a + (j + 3) * lda};
-        const double t1[4] = {alpha * x[j], alpha * x[j + 1], alpha * x[j + 2], alpha * x[j + 3]};
-        double t2[4];
-        symv_sweep<L, 4>(upper ? 0 : j + 4, upper ? j : n, c, t1, x, y, t2);
-        for (int k = 0; k < 4; ++k) y[j + k] += t2[k] * alpha;
+    for (; n - j >= G; j += G) {
+        symv_diagonal_block<G>(upper, j, alpha, a, lda, x, y);
+        const double* c[G];
+        double t1[G], t2[G];
+        for (int k = 0; k < G; ++k) {
+            c[k] = a + (j + k) * lda;
+            t1[k] = alpha * x[j + k];
+        }
+        symv_sweep<L, G, kPairwise>(upper ? 0 : j + G, upper ? j : n, c, t1, x, y, t2);
+        for (int k = 0; k < G; ++k) y[j + k] += t2[k] * alpha;
     }
     for (; j < n; ++j) {
         const double* c = a + j * lda;
         const double t1 = alpha * x[j];
         double t2;
         y[j] = y[j] + c[j] * t1;
-        symv_sweep<L, 1>(upper ? 0 : j + 1, upper ? j : n, &c, &t1, x, y, &t2);
+        symv_sweep<L, 1, kPairwise>(upper ? 0 : j + 1, upper ? j : n, &c, &t1, x, y, &t2);
         y[j] += t2 * alpha;
     }
 }

@@ -14,11 +14,12 @@ namespace {
 
 constexpr zint kBlock = 32;
 
-// Solves the nb by nb diagonal block at a; x's logical elements at xs[i*inc].
-template <class T, bool kUpper, bool kPlain, bool kConjugated, bool kUnit>
+// Solves the nb by nb diagonal block at a; x's logical elements at xs[i*inc] (with kUnitStride,
+// inc is 1 and the compiler may vectorise the inner loops).
+template <class T, bool kUpper, bool kPlain, bool kConjugated, bool kUnit, bool kUnitStride>
 void solve_block(zint nb, const T* a, zint lda, T* xs, zint inc) {
     auto at = [&](zint i, zint j) { return conjugate_if(kConjugated, a[i + j * lda]); };
-    auto x = [&](zint i) -> T& { return xs[i * inc]; };
+    auto x = [&](zint i) -> T& { return kUnitStride ? xs[i] : xs[i * inc]; };
     if constexpr (kPlain && kUpper) {
         for (zint j = nb - 1; j >= 0; --j) {
             if (!kUnit) x(j) = divide(x(j), at(j, j));
@@ -50,18 +51,23 @@ template <class T>
 using BlockSolver = void (*)(zint, const T*, zint, T*, zint);
 
 template <class T, bool kUpper, bool kPlain, bool kConjugated>
-BlockSolver<T> solver_for_diagonal(bool unit) {
-    return unit ? &solve_block<T, kUpper, kPlain, kConjugated, true>
-                : &solve_block<T, kUpper, kPlain, kConjugated, false>;
+BlockSolver<T> solver_for_diagonal(bool unit, bool unit_stride) {
+    if (unit_stride) {
+        return unit ? &solve_block<T, kUpper, kPlain, kConjugated, true, true>
+                    : &solve_block<T, kUpper, kPlain, kConjugated, false, true>;
+    }
+    return unit ? &solve_block<T, kUpper, kPlain, kConjugated, true, false>
+                : &solve_block<T, kUpper, kPlain, kConjugated, false, false>;
 }
 
 template <class T, bool kConjugated>
-BlockSolver<T> solver_for_transpose(bool upper, bool plain, bool unit) {
-    if (plain)
-        return upper ? solver_for_diagonal<T, true, true, false>(unit)
-                     : solver_for_diagonal<T, false, true, false>(unit);
-    return upper ? solver_for_diagonal<T, true, false, kConjugated>(unit)
-                 : solver_for_diagonal<T, false, false, kConjugated>(unit);
+BlockSolver<T> solver_for_transpose(bool upper, bool plain, bool unit, bool unit_stride) {
+    if (plain) {
+        return upper ? solver_for_diagonal<T, true, true, false>(unit, unit_stride)
+                     : solver_for_diagonal<T, false, true, false>(unit, unit_stride);
+    }
+    return upper ? solver_for_diagonal<T, true, false, kConjugated>(unit, unit_stride)
+                 : solver_for_diagonal<T, false, false, kConjugated>(unit, unit_stride);
 }
 
 void update(char trans, zint m, zint n, const double* a, zint lda, const double* x, zint incx, double* y) {
@@ -76,9 +82,10 @@ template <class T>
 void trsv(char uplo, char trans, char diag, zint n, const T* a, zint lda, T* x, zint incx) {
     if (n <= 0) return;
     const bool upper = is_upper(uplo), plain = is_plain(trans);
+    const bool unit = is_unit(diag), unit_stride = incx == 1;
     const BlockSolver<T> solve = is_conjugate(trans)
-                                     ? solver_for_transpose<T, true>(upper, plain, is_unit(diag))
-                                     : solver_for_transpose<T, false>(upper, plain, is_unit(diag));
+                                     ? solver_for_transpose<T, true>(upper, plain, unit, unit_stride)
+                                     : solver_for_transpose<T, false>(upper, plain, unit, unit_stride);
     T* xs = x + first_element(n, incx);
     auto part = [&](zint from, zint count) { return subvector(xs, from, count, incx); };
     auto block = [&](zint s, zint b) { solve(b, a + s + s * lda, lda, xs + s * incx, incx); };

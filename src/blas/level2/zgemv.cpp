@@ -11,66 +11,107 @@ namespace zor::ZOR_LEVEL_NS {
 
 namespace {
 
-// y(0..m) += A(0..m, 0..n) * t with t(j) = alpha*x(j); y of unit stride. Four columns a pass.
-template <class L>
-void zgemv_n_unit(zint m, zint n, const zcomplex& alpha, const zcomplex* a, zint lda, const zcomplex* xs,
-                  zint incx, zcomplex* y) {
+// y(0..m) += K columns of A times their t(j) = alpha*x(j); y of unit stride. With t = (tr, ti):
+// a*t = a*tr + swap(a*(ti, -ti)), so each row sums the columns' a*tr and a*(ti, -ti) apart and
+// swaps the second sum once.
+template <class L, int K>
+void zgemv_n_columns(zint m, const double* const* c, const zcomplex* t, zcomplex* y) {
     using V = typename L::V;
     constexpr zint kElements = L::kWidth / 2;
-    zint j = 0;
-    for (; j < n; j += 4) {
-        const int columns = n - j < 4 ? static_cast<int>(n - j) : 4;
-        const zcomplex* c[4];
-        typename L::Factor f[4];
-        ComplexFactor f2[4];
-        for (int k = 0; k < columns; ++k) {
-            const zcomplex t = complex_times(xs[(j + k) * incx], alpha);
-            c[k] = a + (j + k) * lda;
-            f[k] = L::factor(t);
-            f2[k] = complex_factor(t);
+    V real[K], imaginary[K];
+    for (int k = 0; k < K; ++k) {
+        real[k] = L::splat(t[k].re);
+        imaginary[k] = L::pairs_of(t[k].im, -t[k].im);
+    }
+    zint i = 0;
+    for (; m - i >= kElements; i += kElements) {
+        V p = L::zero(), q = L::zero();
+        for (int k = 0; k < K; ++k) {
+            const V av = L::loadu(c[k] + 2 * i);
+            p = L::add(p, L::mul(av, real[k]));
+            q = L::add(q, L::mul(av, imaginary[k]));
         }
-        zint i = 0;
-        for (; m - i >= kElements; i += kElements) {
-            V sum = complex_times(L::loadu(&c[0][i].re), f[0]);
-            for (int k = 1; k < columns; ++k) sum = L::add(sum, complex_times(L::loadu(&c[k][i].re), f[k]));
-            L::storeu(&y[i].re, L::add(L::loadu(&y[i].re), sum));
+        L::storeu(&y[i].re, L::add(L::loadu(&y[i].re), L::add(p, L::swap_pairs(q))));
+    }
+    for (; i < m; ++i) {
+        double pr = 0.0, pi = 0.0, qr = 0.0, qi = 0.0;
+        for (int k = 0; k < K; ++k) {
+            pr += c[k][2 * i] * t[k].re;
+            pi += c[k][2 * i + 1] * t[k].re;
+            qr += c[k][2 * i] * t[k].im;
+            qi += c[k][2 * i + 1] * -t[k].im;
         }
-        for (; i < m; ++i) {
-            __m128d sum = complex_times(_mm_loadu_pd(&c[0][i].re), f2[0]);
-            for (int k = 1; k < columns; ++k)
-                sum = _mm_add_pd(sum, complex_times(_mm_loadu_pd(&c[k][i].re), f2[k]));
-            _mm_storeu_pd(&y[i].re, _mm_add_pd(_mm_loadu_pd(&y[i].re), sum));
-        }
+        y[i] = {y[i].re + (pr + qi), y[i].im + (pi + qr)};
     }
 }
 
-// sum over i of op(A(i,j))*x(i) for one column: lane products (ar*xr, ai*xi) and (ar*xi, ai*xr),
-// signed at the end; x of unit stride.
-template <class L, bool kConjugate>
-zcomplex column_dot(zint m, const zcomplex* c, const zcomplex* x) {
+template <class L>
+void zgemv_n_unit(zint m, zint n, const zcomplex& alpha, const zcomplex* a, zint lda, const zcomplex* xs,
+                  zint incx, zcomplex* y) {
+    auto pass = [&]<int K>(zint j) {
+        const double* c[K];
+        zcomplex t[K];
+        for (int k = 0; k < K; ++k) {
+            c[k] = &a[(j + k) * lda].re;
+            t[k] = complex_times(xs[(j + k) * incx], alpha);
+        }
+        zgemv_n_columns<L, K>(m, c, t, y);
+    };
+    zint j = 0;
+    for (; n - j >= 4; j += 4) pass.template operator()<4>(j);
+    for (; j < n; ++j) pass.template operator()<1>(j);
+}
+
+// y(j) += alpha * sum over i of op(A(i,j))*x(i) for K columns at once, x of unit stride: lane
+// products (ar*xr, ai*xi) and (ar*xi, ai*xr) per column, signed at the end.
+template <class L, int K, bool kConjugate>
+void zgemv_t_columns(zint m, const double* const* c, const zcomplex& alpha, const zcomplex* x,
+                     zcomplex* const* y) {
     using V = typename L::V;
     constexpr zint kElements = L::kWidth / 2;
-    V p0 = L::zero(), q0 = L::zero(), p1 = L::zero(), q1 = L::zero();
+    V p[K], q[K];
+    for (int k = 0; k < K; ++k) p[k] = q[k] = L::zero();
     zint i = 0;
-    for (; m - i >= 2 * kElements; i += 2 * kElements) {
-        const V a0 = L::loadu(&c[i].re), x0 = L::loadu(&x[i].re);
-        const V a1 = L::loadu(&c[i + kElements].re), x1 = L::loadu(&x[i + kElements].re);
-        p0 = L::add(p0, L::mul(a0, x0));
-        q0 = L::add(q0, L::mul(a0, L::swap_pairs(x0)));
-        p1 = L::add(p1, L::mul(a1, x1));
-        q1 = L::add(q1, L::mul(a1, L::swap_pairs(x1)));
+    for (; m - i >= kElements; i += kElements) {
+        const V xv = L::loadu(&x[i].re);
+        const V swapped = L::swap_pairs(xv);
+        for (int k = 0; k < K; ++k) {
+            const V av = L::loadu(c[k] + 2 * i);
+            p[k] = L::add(p[k], L::mul(av, xv));
+            q[k] = L::add(q[k], L::mul(av, swapped));
+        }
     }
-    __m128d p = L::pair_sum(L::add(p0, p1)), q = L::pair_sum(L::add(q0, q1));
-    for (; i < m; ++i) {
-        const __m128d av = _mm_loadu_pd(&c[i].re), xv = _mm_loadu_pd(&x[i].re);
-        p = _mm_add_pd(p, _mm_mul_pd(av, xv));
-        q = _mm_add_pd(q, _mm_mul_pd(av, _mm_shuffle_pd(xv, xv, 1)));
+    for (int k = 0; k < K; ++k) {
+        __m128d pk = L::pair_sum(p[k]), qk = L::pair_sum(q[k]);
+        for (zint r = i; r < m; ++r) {
+            const __m128d av = _mm_loadu_pd(c[k] + 2 * r), xv = _mm_loadu_pd(&x[r].re);
+            pk = _mm_add_pd(pk, _mm_mul_pd(av, xv));
+            qk = _mm_add_pd(qk, _mm_mul_pd(av, _mm_shuffle_pd(xv, xv, 1)));
+        }
+        alignas(16) double pp[2], qq[2];
+        _mm_store_pd(pp, pk);
+        _mm_store_pd(qq, qk);
+        const zcomplex s =
+            kConjugate ? zcomplex{pp[0] + pp[1], qq[0] - qq[1]} : zcomplex{pp[0] - pp[1], qq[0] + qq[1]};
+        *y[k] = complex_plus(*y[k], complex_times(s, alpha));
     }
-    alignas(16) double pp[2], qq[2];
-    _mm_store_pd(pp, p);
-    _mm_store_pd(qq, q);
-    if constexpr (kConjugate) return {pp[0] + pp[1], qq[0] - qq[1]};
-    return {pp[0] - pp[1], qq[0] + qq[1]};
+}
+
+template <class L, bool kConjugate>
+void zgemv_t_unit(zint m, zint n, const zcomplex& alpha, const zcomplex* a, zint lda, const zcomplex* x,
+                  zcomplex* ys, zint incy) {
+    auto pass = [&]<int K>(zint j) {
+        const double* c[K];
+        zcomplex* y[K];
+        for (int k = 0; k < K; ++k) {
+            c[k] = &a[(j + k) * lda].re;
+            y[k] = ys + (j + k) * incy;
+        }
+        zgemv_t_columns<L, K, kConjugate>(m, c, alpha, x, y);
+    };
+    zint j = 0;
+    for (; n - j >= 4; j += 4) pass.template operator()<4>(j);
+    for (; j < n; ++j) pass.template operator()<1>(j);
 }
 
 template <bool kConjugate>
@@ -84,10 +125,12 @@ zcomplex column_dot_strided(zint m, const zcomplex* c, const zcomplex* xs, zint 
 template <bool kConjugate>
 void zgemv_t(zint m, zint n, const zcomplex& alpha, const zcomplex* a, zint lda, const zcomplex* xs,
              zint incx, zcomplex* ys, zint incy) {
+    if (incx == 1) {
+        zgemv_t_unit<WideLanes, kConjugate>(m, n, alpha, a, lda, xs, ys, incy);
+        return;
+    }
     for (zint j = 0; j < n; ++j) {
-        const zcomplex* c = a + j * lda;
-        const zcomplex s = incx == 1 ? column_dot<WideLanes, kConjugate>(m, c, xs)
-                                     : column_dot_strided<kConjugate>(m, c, xs, incx);
+        const zcomplex s = column_dot_strided<kConjugate>(m, a + j * lda, xs, incx);
         ys[j * incy] = complex_plus(ys[j * incy], complex_times(s, alpha));
     }
 }
