@@ -15,9 +15,9 @@
 //   taking the group's columns in order; then y(j) += t2*alpha. Each t2 has two lanes: rows go
 //   singly into the low lane until y is on a 16-byte boundary (unit strides only), then in pairs
 //   (low, high), a last row into the low lane; t2 = low + high.
-// The Avx variant runs the same scheme with groups of eight columns and four lanes (y to a 32-byte
-// boundary, then quads, the last rows into lane 0, t2 = (l0 + l2) + (l1 + l3)); in its vector
-// steps a row's y(i) adds the group's products summed pairwise.
+// The Avx variant runs the same scheme with four lanes (y to a 32-byte boundary, then quads, the
+// last rows into lane 0, t2 = (l0 + l2) + (l1 + l3)); in its vector steps a row's y(i) adds the
+// group's products summed pairwise, and t2 alternates between two sets of sums.
 
 #include "blas/kernel.hpp"
 #include "blas/lanes.hpp"
@@ -114,8 +114,6 @@ void symv_diagonal_block(bool upper, zint j0, double alpha, const double* a, zin
     }
 }
 
-// Groups of G columns; at the Avx level eight, whose products each row of the sweep sums
-// pairwise.
 template <class L>
 void dsymv_unit(bool upper, zint n, double alpha, const double* a, zint lda, const double* x, double* y) {
     constexpr int G = 4;
