@@ -207,11 +207,7 @@ double dasum_default_model(zint n, const double* x, zint incx) {
     return t[0] + t[1];
 }
 
-class RealVectorKernels : public ::testing::TestWithParam<CpuLevel> {
-  protected:
-    void SetUp() override { ZOR_SKIP_UNLESS_RUNNABLE(GetParam()); }
-    CpuLevel level() const { return GetParam(); }
-};
+class RealVectorKernels : public test::LevelTest {};
 
 TEST_P(RealVectorKernels, DdotFollowsTheOrderOfItsLevelBitForBit) {
     auto* kernel = ddot.variant(level());

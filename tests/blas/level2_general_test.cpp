@@ -63,11 +63,7 @@ void dgemv_default_model(bool plain, zint m, zint n, double alpha, const TestMat
     }
 }
 
-class GeneralMatrixVector : public ::testing::TestWithParam<CpuLevel> {
-  protected:
-    void SetUp() override { ZOR_SKIP_UNLESS_RUNNABLE(GetParam()); }
-    CpuLevel level() const { return GetParam(); }
-};
+class GeneralMatrixVector : public test::LevelTest {};
 
 TEST_P(GeneralMatrixVector, DgemvFollowsTheDefaultOrderOrAgreesToWithinRounding) {
     auto* gemv = dgemv.variant(level());

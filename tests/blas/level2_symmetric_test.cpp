@@ -70,11 +70,7 @@ void dsymv_model(bool upper, zint n, double alpha, const TestMatrix<double>& a, 
     }
 }
 
-class SymmetricMatrixVector : public ::testing::TestWithParam<CpuLevel> {
-  protected:
-    void SetUp() override { ZOR_SKIP_UNLESS_RUNNABLE(GetParam()); }
-    CpuLevel level() const { return GetParam(); }
-};
+class SymmetricMatrixVector : public test::LevelTest {};
 
 TEST_P(SymmetricMatrixVector, DsymvFollowsItsOrderOrAgreesToWithinRounding) {
     auto* symv = dsymv.variant(level());

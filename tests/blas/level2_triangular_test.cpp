@@ -70,11 +70,8 @@ Complex op_element(const TestMatrix<T>& a, const Options& o, zint i, zint k) {
     return o.trans == 'C' ? std::conj(v) : v;
 }
 
-class TriangularMatrixVector : public ::testing::TestWithParam<CpuLevel> {
+class TriangularMatrixVector : public test::LevelTest {
   protected:
-    void SetUp() override { ZOR_SKIP_UNLESS_RUNNABLE(GetParam()); }
-    CpuLevel level() const { return GetParam(); }
-
     // Runs product and solve of one element type over every case.
     template <class T, class Product, class Solve>
     void check_all(Product product, Solve solve) {
@@ -87,32 +84,32 @@ class TriangularMatrixVector : public ::testing::TestWithParam<CpuLevel> {
                                              " n=" + std::to_string(n) + " inc=" + std::to_string(inc);
                     const TestMatrix<T> a = triangle<T>(random, n, o);
                     const TestVector<T> x(random, n, inc);
-                    // x := op(T) x.
-                    TestVector<T> got(x);
-                    product(o.uplo, o.trans, o.diag, n, a.data.data(), a.ld, got.data(), inc);
-                    for (zint i = 0; i < n; ++i) {
+                    // Row i of op(T) v in long double, and the sum of its terms' sizes.
+                    auto row = [&](const TestVector<T>& v, zint i, long double& scale) {
                         Complex sum = 0;
-                        long double scale = 0;
+                        scale = 0;
                         for (zint k = 0; k < n; ++k) {
-                            const Complex term = op_element(a, o, i, k) * test::wide(x[k]);
+                            const Complex term = op_element(a, o, i, k) * test::wide(v[k]);
                             sum += term;
                             scale += 2 * test::size_of(term);
                         }
-                        ASSERT_TRUE(test::within_rounding(test::wide(got[i]), sum, scale, n))
+                        return sum;
+                    };
+                    // x := op(T) x.
+                    TestVector<T> got(x);
+                    product(o.uplo, o.trans, o.diag, n, a.data.data(), a.ld, got.data(), inc);
+                    long double scale;
+                    for (zint i = 0; i < n; ++i) {
+                        const Complex want = row(x, i, scale);
+                        ASSERT_TRUE(test::within_rounding(test::wide(got[i]), want, scale, n))
                             << "product " << what << " i=" << i;
                     }
                     // Solve op(T) z = x: the residual op(T) z - x is within rounding of |op(T)| |z|.
                     TestVector<T> z(x);
                     solve(o.uplo, o.trans, o.diag, n, a.data.data(), a.ld, z.data(), inc);
                     for (zint i = 0; i < n; ++i) {
-                        Complex sum = 0;
-                        long double scale = 0;
-                        for (zint k = 0; k < n; ++k) {
-                            const Complex term = op_element(a, o, i, k) * test::wide(z[k]);
-                            sum += term;
-                            scale += 2 * test::size_of(term);
-                        }
-                        ASSERT_TRUE(test::within_rounding(sum, test::wide(x[i]), 4 * scale, n))
+                        const Complex residual = row(z, i, scale);
+                        ASSERT_TRUE(test::within_rounding(residual, test::wide(x[i]), 4 * scale, n))
                             << "solve " << what << " i=" << i;
                     }
                     if (n == 0) {
