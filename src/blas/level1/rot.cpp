@@ -66,8 +66,9 @@ void drot(const zint& n, double* x, const zint& incx, double* y, const zint& inc
     each_pair(n, x, incx, y, incy, Rotation{c, s});
 }
 
-void zdrot(const zint& n, zcomplex* x, const zint& incx, zcomplex* y, const zint& incy, const double& c,
-           const double& s) {
+void zdrot(const zint& n_ref, zcomplex* x, const zint& incx_ref, zcomplex* y, const zint& incy_ref,
+           const double& c, const double& s) {
+    const zint n = n_ref, incx = incx_ref, incy = incy_ref;  // not re-read after every store
     if (n <= 0) return;
     const Rotation rotation{c, s};
     if (unit_strides(incx, incy) && !overlapping(x, y, n * 16)) {

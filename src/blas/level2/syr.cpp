@@ -24,8 +24,9 @@ Rows stored_rows(bool upper, zint n, zint j, bool with_diagonal) {
 
 }  // namespace
 
-void dsyr(const char& uplo, const zint& n, const double& alpha, const double* x, const zint& incx, double* a,
-          const zint& lda) {
+void dsyr(const char& uplo, const zint& n_ref, const double& alpha, const double* x, const zint& incx_ref,
+          double* a, const zint& lda_ref) {
+    const zint n = n_ref, incx = incx_ref, lda = lda_ref;  // not re-read after every store
     if (n <= 0 || alpha == 0.0) return;
     const bool upper = is_upper(uplo);
     const double* xs = x + first_element(n, incx);
@@ -45,8 +46,9 @@ void dsyr(const char& uplo, const zint& n, const double& alpha, const double* x,
     }
 }
 
-void dsyr2(const char& uplo, const zint& n, const double& alpha, const double* x, const zint& incx,
-           const double* y, const zint& incy, double* a, const zint& lda) {
+void dsyr2(const char& uplo, const zint& n_ref, const double& alpha, const double* x, const zint& incx_ref,
+           const double* y, const zint& incy_ref, double* a, const zint& lda_ref) {
+    const zint n = n_ref, incx = incx_ref, incy = incy_ref, lda = lda_ref;  // not re-read after every store
     if (n <= 0 || alpha == 0.0) return;
     const bool upper = is_upper(uplo);
     const double* xs = x + first_element(n, incx);
@@ -61,8 +63,9 @@ void dsyr2(const char& uplo, const zint& n, const double& alpha, const double* x
     }
 }
 
-void zher(const char& uplo, const zint& n, const double& alpha, const zcomplex* x, const zint& incx,
-          zcomplex* a, const zint& lda) {
+void zher(const char& uplo, const zint& n_ref, const double& alpha, const zcomplex* x, const zint& incx_ref,
+          zcomplex* a, const zint& lda_ref) {
+    const zint n = n_ref, incx = incx_ref, lda = lda_ref;  // not re-read after every store
     if (n <= 0 || alpha == 0.0) return;
     const bool upper = is_upper(uplo);
     const zcomplex* xs = x + first_element(n, incx);
@@ -81,8 +84,9 @@ void zher(const char& uplo, const zint& n, const double& alpha, const zcomplex* 
     }
 }
 
-void zher2(const char& uplo, const zint& n, const zcomplex& alpha, const zcomplex* x, const zint& incx,
-           const zcomplex* y, const zint& incy, zcomplex* a, const zint& lda) {
+void zher2(const char& uplo, const zint& n_ref, const zcomplex& alpha, const zcomplex* x,
+           const zint& incx_ref, const zcomplex* y, const zint& incy_ref, zcomplex* a, const zint& lda_ref) {
+    const zint n = n_ref, incx = incx_ref, incy = incy_ref, lda = lda_ref;  // not re-read after every store
     if (n <= 0 || is_zero(alpha)) return;
     const bool upper = is_upper(uplo);
     const zcomplex* xs = x + first_element(n, incx);

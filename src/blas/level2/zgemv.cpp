@@ -137,9 +137,11 @@ void zgemv_t(zint m, zint n, const zcomplex& alpha, const zcomplex* a, zint lda,
 
 }  // namespace
 
-void zgemv(const char& trans, const zint& m, const zint& n, const zcomplex& alpha, const zcomplex* a,
-           const zint& lda, const zcomplex* x, const zint& incx, const zcomplex& beta, zcomplex* y,
-           const zint& incy) {
+void zgemv(const char& trans, const zint& m_ref, const zint& n_ref, const zcomplex& alpha, const zcomplex* a,
+           const zint& lda_ref, const zcomplex* x, const zint& incx_ref, const zcomplex& beta, zcomplex* y,
+           const zint& incy_ref) {
+    const zint m = m_ref, n = n_ref, lda = lda_ref, incx = incx_ref,
+               incy = incy_ref;  // not re-read after every store
     const bool beta_is_one = beta.re == 1.0 && beta.im == 0.0;
     if (m <= 0 || n <= 0 || (is_zero(alpha) && beta_is_one)) return;
     const bool plain = is_plain(trans);
