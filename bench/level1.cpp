@@ -7,28 +7,12 @@
 #include <map>
 #include <string>
 
+#include "support/buffer.hpp"
 #include "support/harness.hpp"
 
 namespace {
 
 using Index = std::size_t;
-
-// 64-byte aligned doubles, filled with values in [0.5, 1.5) of alternating sign.
-class Buffer {
-  public:
-    explicit Buffer(std::size_t count)
-        : data_(static_cast<double*>(std::aligned_alloc(64, (count * 8 + 127) / 64 * 64))) {
-        for (std::size_t i = 0; i < count; ++i)
-            data_[i] = (i % 2 ? -1.0 : 1.0) * (0.5 + (i * 7919 % 1000) / 1000.0);
-    }
-    ~Buffer() { std::free(data_); }
-    Buffer(const Buffer&) = delete;
-    Buffer& operator=(const Buffer&) = delete;
-    double* get() const { return data_; }
-
-  private:
-    double* data_;
-};
 
 // Runs `call` `batch` times per timed call, so that the timing overhead stays out of short cases.
 double time_batched(const std::function<void()>& call, long n) {
@@ -169,7 +153,7 @@ int main(int argc, char** argv) {
         const long n = std::atol(c.name.c_str() + c.name.find('=') + 1);
         const bool complex = name.find('z') != std::string::npos;
         const std::size_t count = static_cast<std::size_t>(n) * (complex ? 2 : 1);
-        Buffer x(count), y(count);
+        bench::Buffer x(count), y(count);
         return kernels().at(name)(library, n, x.get(), y.get());
     };
     return bench::run(argc, argv, benchmark);

@@ -55,6 +55,53 @@ ZOR_API void cblas_zdotu_sub(const zor_int N, const void* X, const zor_int incX,
 ZOR_API void cblas_zscal(const zor_int N, const void* alpha, void* X, const zor_int incX);
 ZOR_API void cblas_zswap(const zor_int N, void* X, const zor_int incX, void* Y, const zor_int incY);
 
+/* Level 2: matrix-vector operations. */
+ZOR_API void cblas_dgemv(const CBLAS_LAYOUT Layout, const CBLAS_TRANSPOSE TransA, const zor_int M,
+                         const zor_int N, const double alpha, const double* A, const zor_int lda,
+                         const double* X, const zor_int incX, const double beta, double* Y,
+                         const zor_int incY);
+ZOR_API void cblas_dger(const CBLAS_LAYOUT Layout, const zor_int M, const zor_int N, const double alpha,
+                        const double* X, const zor_int incX, const double* Y, const zor_int incY, double* A,
+                        const zor_int lda);
+ZOR_API void cblas_dsymv(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const zor_int N,
+                         const double alpha, const double* A, const zor_int lda, const double* X,
+                         const zor_int incX, const double beta, double* Y, const zor_int incY);
+ZOR_API void cblas_dsyr(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const zor_int N, const double alpha,
+                        const double* X, const zor_int incX, double* A, const zor_int lda);
+ZOR_API void cblas_dsyr2(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const zor_int N,
+                         const double alpha, const double* X, const zor_int incX, const double* Y,
+                         const zor_int incY, double* A, const zor_int lda);
+ZOR_API void cblas_dtrmv(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const CBLAS_TRANSPOSE TransA,
+                         const CBLAS_DIAG Diag, const zor_int N, const double* A, const zor_int lda,
+                         double* X, const zor_int incX);
+ZOR_API void cblas_dtrsv(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const CBLAS_TRANSPOSE TransA,
+                         const CBLAS_DIAG Diag, const zor_int N, const double* A, const zor_int lda,
+                         double* X, const zor_int incX);
+
+ZOR_API void cblas_zgemv(const CBLAS_LAYOUT Layout, const CBLAS_TRANSPOSE TransA, const zor_int M,
+                         const zor_int N, const void* alpha, const void* A, const zor_int lda, const void* X,
+                         const zor_int incX, const void* beta, void* Y, const zor_int incY);
+ZOR_API void cblas_zgerc(const CBLAS_LAYOUT Layout, const zor_int M, const zor_int N, const void* alpha,
+                         const void* X, const zor_int incX, const void* Y, const zor_int incY, void* A,
+                         const zor_int lda);
+ZOR_API void cblas_zgeru(const CBLAS_LAYOUT Layout, const zor_int M, const zor_int N, const void* alpha,
+                         const void* X, const zor_int incX, const void* Y, const zor_int incY, void* A,
+                         const zor_int lda);
+ZOR_API void cblas_zhemv(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const zor_int N, const void* alpha,
+                         const void* A, const zor_int lda, const void* X, const zor_int incX,
+                         const void* beta, void* Y, const zor_int incY);
+ZOR_API void cblas_zher(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const zor_int N, const double alpha,
+                        const void* X, const zor_int incX, void* A, const zor_int lda);
+ZOR_API void cblas_zher2(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const zor_int N, const void* alpha,
+                         const void* X, const zor_int incX, const void* Y, const zor_int incY, void* A,
+                         const zor_int lda);
+ZOR_API void cblas_ztrmv(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const CBLAS_TRANSPOSE TransA,
+                         const CBLAS_DIAG Diag, const zor_int N, const void* A, const zor_int lda, void* X,
+                         const zor_int incX);
+ZOR_API void cblas_ztrsv(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const CBLAS_TRANSPOSE TransA,
+                         const CBLAS_DIAG Diag, const zor_int N, const void* A, const zor_int lda, void* X,
+                         const zor_int incX);
+
 ZOR_EXTERN_C_END
 
 #endif

@@ -3,6 +3,7 @@
 // it serves: zor::variant_probe(n, x) runs the variant chosen for this processor.
 
 #include "blas/level1/level1.hpp"
+#include "blas/level2/level2.hpp"
 #include "blas/probe.hpp"
 #include "service/dispatch.hpp"
 
@@ -38,5 +39,22 @@ ZOR_DECLARE_DISPATCHER(zdrot);
 ZOR_DECLARE_DISPATCHER(zrotg);
 ZOR_DECLARE_DISPATCHER(zscal);
 ZOR_DECLARE_DISPATCHER(zswap);
+
+// Level 2.
+ZOR_DECLARE_DISPATCHER(dgemv);
+ZOR_DECLARE_DISPATCHER(dger);
+ZOR_DECLARE_DISPATCHER(dsymv);
+ZOR_DECLARE_DISPATCHER(dsyr);
+ZOR_DECLARE_DISPATCHER(dsyr2);
+ZOR_DECLARE_DISPATCHER(dtrmv);
+ZOR_DECLARE_DISPATCHER(dtrsv);
+ZOR_DECLARE_DISPATCHER(zgemv);
+ZOR_DECLARE_DISPATCHER(zgerc);
+ZOR_DECLARE_DISPATCHER(zgeru);
+ZOR_DECLARE_DISPATCHER(zhemv);
+ZOR_DECLARE_DISPATCHER(zher);
+ZOR_DECLARE_DISPATCHER(zher2);
+ZOR_DECLARE_DISPATCHER(ztrmv);
+ZOR_DECLARE_DISPATCHER(ztrsv);
 
 }  // namespace zor

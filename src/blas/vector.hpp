@@ -13,6 +13,22 @@
 
 namespace zor::ZOR_LEVEL_NS {
 
+// The option letters as the kernels read them: only 'N'/'n' selects the plain form of a transpose
+// letter and 'C'/'c' the conjugate one; 'U'/'u' the upper triangle or the unit diagonal. The
+// entry layer has rejected anything else.
+inline bool is_plain(char trans) {
+    return trans == 'N' || trans == 'n';
+}
+inline bool is_conjugate(char trans) {
+    return trans == 'C' || trans == 'c';
+}
+inline bool is_upper(char uplo) {
+    return uplo == 'U' || uplo == 'u';
+}
+inline bool is_unit(char diag) {
+    return diag == 'U' || diag == 'u';
+}
+
 // The offset of the first logical element of a vector of n elements: with a negative increment
 // the vector is walked backwards from its far end.
 inline zint first_element(zint n, zint inc) {
@@ -70,6 +86,92 @@ inline ComplexFactor complex_factor(const zcomplex& alpha) {
 }
 inline __m128d complex_times(__m128d x, const ComplexFactor& f) {
     return _mm_add_pd(_mm_mul_pd(x, f.ar), _mm_mul_pd(_mm_shuffle_pd(x, x, 1), f.ai_signed));
+}
+
+// Scalar complex arithmetic for the kernels' scalar paths, in the same product form.
+inline zcomplex complex_times(const zcomplex& x, const zcomplex& alpha) {
+    return {x.re * alpha.re + x.im * -alpha.im, x.im * alpha.re + x.re * alpha.im};
+}
+inline zcomplex complex_plus(const zcomplex& a, const zcomplex& b) {
+    return {a.re + b.re, a.im + b.im};
+}
+inline zcomplex complex_minus(const zcomplex& a, const zcomplex& b) {
+    return {a.re - b.re, a.im - b.im};
+}
+inline zcomplex conjugate(const zcomplex& v) {
+    return {v.re, -v.im};
+}
+inline bool is_zero(const zcomplex& v) {
+    return v.re == 0.0 && v.im == 0.0;
+}
+// a / b by Smith's scaling, which keeps the intermediate products in range.
+inline zcomplex complex_divide(const zcomplex& a, const zcomplex& b) {
+    if (magnitude(b.re) >= magnitude(b.im)) {
+        const double r = b.im / b.re, d = b.re + b.im * r;
+        return {(a.re + a.im * r) / d, (a.im - a.re * r) / d};
+    }
+    const double r = b.re / b.im, d = b.im + b.re * r;
+    return {(a.re * r + a.im) / d, (a.im * r - a.re) / d};
+}
+
+// Element arithmetic shared by real and complex template code.
+inline double times(double a, double b) {
+    return a * b;
+}
+inline zcomplex times(const zcomplex& a, const zcomplex& b) {
+    return complex_times(a, b);
+}
+inline double plus(double a, double b) {
+    return a + b;
+}
+inline zcomplex plus(const zcomplex& a, const zcomplex& b) {
+    return complex_plus(a, b);
+}
+inline double minus(double a, double b) {
+    return a - b;
+}
+inline zcomplex minus(const zcomplex& a, const zcomplex& b) {
+    return complex_minus(a, b);
+}
+inline double divide(double a, double b) {
+    return a / b;
+}
+inline zcomplex divide(const zcomplex& a, const zcomplex& b) {
+    return complex_divide(a, b);
+}
+inline double conjugate_if(bool conjugated, double a) {
+    return conjugated ? a : a;
+}
+inline zcomplex conjugate_if(bool conjugated, const zcomplex& a) {
+    return conjugated ? conjugate(a) : a;
+}
+
+// The logical sub-vector of `count` elements starting at logical index `from` of a vector whose
+// first logical element is at `first`: the pointer a kernel expects for it, so that the kernel's
+// own negative-increment rule lands on the right elements.
+template <class T>
+T* subvector(T* first, zint from, zint count, zint inc) {
+    return first + from * inc - first_element(count, inc);
+}
+
+// y := beta*y over len logical elements, for the beta step of the matrix-vector kernels. A zero
+// beta writes exact zeros without reading y, so NaN and infinity in y are discarded.
+inline void scale_vector(zint len, double beta, double* y, zint inc) {
+    if (inc == 1) {
+        if (beta == 0.0) {
+            for (zint i = 0; i < len; ++i) y[i] = 0.0;
+        } else {
+            for (zint i = 0; i < len; ++i) y[i] *= beta;
+        }
+        return;
+    }
+    double* ys = y + first_element(len, inc);
+    for (zint i = 0; i < len; ++i) ys[i * inc] = beta == 0.0 ? 0.0 : ys[i * inc] * beta;
+}
+inline void scale_vector(zint len, const zcomplex& beta, zcomplex* y, zint inc) {
+    zcomplex* ys = y + first_element(len, inc);
+    const bool zero = is_zero(beta);
+    for (zint i = 0; i < len; ++i) ys[i * inc] = zero ? zcomplex{0.0, 0.0} : complex_times(ys[i * inc], beta);
 }
 
 #if ZOR_LEVEL == 4

@@ -41,4 +41,46 @@ void zdotu(zcomplex* result, const zor_int* n, const zcomplex* x, const zor_int*
 void zscal(const zor_int* n, const zcomplex* alpha, zcomplex* x, const zor_int* incx);
 void zswap(const zor_int* n, zcomplex* x, const zor_int* incx, zcomplex* y, const zor_int* incy);
 
+// Level 2: each runs the reference check of its routine (which reports a bad argument through
+// xerbla with the routine's blank-padded name) and on success calls the kernel. The trailing
+// integers are the hidden lengths of the option letters, always 1.
+void dgemv(const char* trans, const zor_int* m, const zor_int* n, const double* alpha, const double* a,
+           const zor_int* lda, const double* x, const zor_int* incx, const double* beta, double* y,
+           const zor_int* incy, int trans_length);
+void dger(const zor_int* m, const zor_int* n, const double* alpha, const double* x, const zor_int* incx,
+          const double* y, const zor_int* incy, double* a, const zor_int* lda);
+void dsymv(const char* uplo, const zor_int* n, const double* alpha, const double* a, const zor_int* lda,
+           const double* x, const zor_int* incx, const double* beta, double* y, const zor_int* incy,
+           int uplo_length);
+void dsyr(const char* uplo, const zor_int* n, const double* alpha, const double* x, const zor_int* incx,
+          double* a, const zor_int* lda, int uplo_length);
+void dsyr2(const char* uplo, const zor_int* n, const double* alpha, const double* x, const zor_int* incx,
+           const double* y, const zor_int* incy, double* a, const zor_int* lda, int uplo_length);
+void dtrmv(const char* uplo, const char* trans, const char* diag, const zor_int* n, const double* a,
+           const zor_int* lda, double* x, const zor_int* incx, int uplo_length, int trans_length,
+           int diag_length);
+void dtrsv(const char* uplo, const char* trans, const char* diag, const zor_int* n, const double* a,
+           const zor_int* lda, double* x, const zor_int* incx, int uplo_length, int trans_length,
+           int diag_length);
+void zgemv(const char* trans, const zor_int* m, const zor_int* n, const zcomplex* alpha, const zcomplex* a,
+           const zor_int* lda, const zcomplex* x, const zor_int* incx, const zcomplex* beta, zcomplex* y,
+           const zor_int* incy, int trans_length);
+void zgerc(const zor_int* m, const zor_int* n, const zcomplex* alpha, const zcomplex* x, const zor_int* incx,
+           const zcomplex* y, const zor_int* incy, zcomplex* a, const zor_int* lda);
+void zgeru(const zor_int* m, const zor_int* n, const zcomplex* alpha, const zcomplex* x, const zor_int* incx,
+           const zcomplex* y, const zor_int* incy, zcomplex* a, const zor_int* lda);
+void zhemv(const char* uplo, const zor_int* n, const zcomplex* alpha, const zcomplex* a, const zor_int* lda,
+           const zcomplex* x, const zor_int* incx, const zcomplex* beta, zcomplex* y, const zor_int* incy,
+           int uplo_length);
+void zher(const char* uplo, const zor_int* n, const double* alpha, const zcomplex* x, const zor_int* incx,
+          zcomplex* a, const zor_int* lda, int uplo_length);
+void zher2(const char* uplo, const zor_int* n, const zcomplex* alpha, const zcomplex* x, const zor_int* incx,
+           const zcomplex* y, const zor_int* incy, zcomplex* a, const zor_int* lda, int uplo_length);
+void ztrmv(const char* uplo, const char* trans, const char* diag, const zor_int* n, const zcomplex* a,
+           const zor_int* lda, zcomplex* x, const zor_int* incx, int uplo_length, int trans_length,
+           int diag_length);
+void ztrsv(const char* uplo, const char* trans, const char* diag, const zor_int* n, const zcomplex* a,
+           const zor_int* lda, zcomplex* x, const zor_int* incx, int uplo_length, int trans_length,
+           int diag_length);
+
 }  // namespace zor::fortran

@@ -46,6 +46,11 @@ inline bool row_major(int layout) {
 inline char transpose_letter(int trans) {
     return valid_transpose(trans) ? kTransposeLetters[trans - CblasNoTrans] : kUnsetLetter;
 }
+// Row-major gemv, trmv and trsv run the column-major routine on the transpose: "T" for no
+// transpose, "N" for either transpose (a conjugate one is then made up by conjugating operands).
+inline char flipped_transpose_letter(int trans) {
+    return valid_transpose(trans) ? kFlippedRealTransposeLetters[trans - CblasNoTrans] : kUnsetLetter;
+}
 inline char diag_letter(int diag) {
     return valid_diag(diag) ? kDiagLetters[diag - CblasNonUnit] : kUnsetLetter;
 }

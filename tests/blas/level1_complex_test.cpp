@@ -87,11 +87,7 @@ zcomplex zdot_default_model(bool conjugate, zint n, const zcomplex* x, zint incx
     return conjugate ? zcomplex{a0 + a1, b0 - b1} : zcomplex{a0 - a1, b0 + b1};
 }
 
-class ComplexVectorKernels : public ::testing::TestWithParam<CpuLevel> {
-  protected:
-    void SetUp() override { ZOR_SKIP_UNLESS_RUNNABLE(GetParam()); }
-    CpuLevel level() const { return GetParam(); }
-};
+class ComplexVectorKernels : public test::LevelTest {};
 
 TEST_P(ComplexVectorKernels, DotProductsFollowTheDefaultOrderOrAgreeToWithinRounding) {
     Random random(21);

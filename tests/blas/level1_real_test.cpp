@@ -124,16 +124,17 @@ double ddot_default_model(zint n, const double* x, zint incx, const double* y, z
 // The Avx order: products peeled until y is on a 32-byte boundary, then either (n >= 2048, unit
 // strides) four two-lane accumulators over 32 elements with accumulator k taking pairs k, k+4,
 // k+8, k+12, or four four-lane accumulators over 16 elements; then the rest as the code's
-// comment says: pairs or quads into the first accumulator, the total, the last elements singly.
+// comment says: pairs or quads into the first accumulator, the total (added to the peeled sum
+// when there is one), the last elements singly.
 double ddot_avx_model(zint n, const double* x, zint incx, const double* y, zint incy) {
     if (n < 1) return 0.0;
     double sum = 0.0;
-    zint i = 0;
+    zint i = 0, peel = 0;
     const double* xs = x;
     const double* ys = y;
     zint ix = 1, iy = 1;
     if (unit(incx, incy)) {
-        const zint peel = std::min<zint>(n, (4 - static_cast<zint>(address(y) % 32 / 8)) % 4);
+        peel = std::min<zint>(n, (4 - static_cast<zint>(address(y) % 32 / 8)) % 4);
         for (; i < peel; ++i) sum += x[i] * y[i];
     } else {
         xs = first(x, n, incx);
@@ -154,7 +155,7 @@ double ddot_avx_model(zint n, const double* x, zint incx, const double* y, zint 
         }
         double t[2];
         for (int l = 0; l < 2; ++l) t[l] = ((a[0].lane[l] + a[1].lane[l]) + a[2].lane[l]) + a[3].lane[l];
-        sum += t[0] + t[1];
+        sum = peel > 0 ? sum + (t[0] + t[1]) : t[0] + t[1];
     } else {
         double a[4][4] = {};
         for (; n - i >= 16; i += 16) {
@@ -166,8 +167,9 @@ double ddot_avx_model(zint n, const double* x, zint incx, const double* y, zint 
             for (int l = 0; l < 4; ++l) a[0][l] += p(i + l);
         }
         double t[4];
-        for (int l = 0; l < 4; ++l) t[l] = ((a[0][l] + a[1][l]) + a[2][l]) + a[3][l];
-        sum += (t[0] + t[2]) + (t[1] + t[3]);
+        for (int l = 0; l < 4; ++l) t[l] = (a[0][l] + a[1][l]) + (a[2][l] + a[3][l]);
+        const double body = (t[0] + t[2]) + (t[1] + t[3]);
+        sum = peel > 0 ? sum + body : body;
     }
     for (; i < n; ++i) sum += p(i);
     return sum;
@@ -207,11 +209,7 @@ double dasum_default_model(zint n, const double* x, zint incx) {
     return t[0] + t[1];
 }
 
-class RealVectorKernels : public ::testing::TestWithParam<CpuLevel> {
-  protected:
-    void SetUp() override { ZOR_SKIP_UNLESS_RUNNABLE(GetParam()); }
-    CpuLevel level() const { return GetParam(); }
-};
+class RealVectorKernels : public test::LevelTest {};
 
 TEST_P(RealVectorKernels, DdotFollowsTheOrderOfItsLevelBitForBit) {
     auto* kernel = ddot.variant(level());

@@ -10,6 +10,8 @@
 #ifndef _WIN32
 // The Fortran linkage name of ELF platforms: the same function.
 extern "C" double dlapy2_(const double* x, const double* y);
+extern "C" void zdrot_(const zor_int* n, zor_complex_double* x, const zor_int* incx, zor_complex_double* y,
+                       const zor_int* incy, const double* c, const double* s);
 #endif
 
 namespace {
@@ -71,5 +73,27 @@ TEST(Dlapy2, FortranLinkageNameIsTheSameRoutine) {
     EXPECT_EQ(dlapy2_(&x, &y), 13.0);
 }
 #endif
+
+// The rotation exports forward to their kernels: zdrot with its increments widened, zrotg_ as it
+// is.
+TEST(ComplexRotations, ZdrotAndZrotgReachTheirKernels) {
+    zor_complex_double x[3] = {{1, 2}, {0, 0}, {3, -1}}, y[2] = {{2, 0}, {-1, 1}};
+    const zor_int n = 2, two = 2, minus_one = -1;
+    const double c = 0.0, s = 1.0;
+    zdrot(&n, x, &two, y, &minus_one, &c, &s);  // x(1), x(3) with y backwards: (x, y) := (y, -x)
+    EXPECT_TRUE(x[0].real == -1 && x[0].imag == 1 && x[2].real == 2 && x[2].imag == 0);
+    EXPECT_TRUE(y[1].real == -1 && y[1].imag == -2 && y[0].real == -3 && y[0].imag == 1);
+#ifndef _WIN32
+    zdrot_(&n, x, &two, y, &minus_one, &c, &s);
+    EXPECT_TRUE(x[0].real == -1 && x[0].imag == -2);  // twice: (x, y) := (-x, -y)
+#endif
+    zor_complex_double ca = {3, 0}, sv = {9, 9};
+    const zor_complex_double cb = {4, 0};
+    double cv = 9;
+    zrotg_(&ca, &cb, &cv, &sv);
+    EXPECT_DOUBLE_EQ(cv, 0.6);
+    EXPECT_DOUBLE_EQ(sv.real, 0.8);
+    EXPECT_DOUBLE_EQ(ca.real, 5.0);
+}
 
 }  // namespace

@@ -28,3 +28,15 @@ inline std::string level_param_name(const ::testing::TestParamInfo<CpuLevel>& in
         if (static_cast<int>(level) > static_cast<int>(::zor::test::runnable_level()))                      \
             GTEST_SKIP() << "this processor cannot run the " << ::zor::cpu_level_name(level) << " variant"; \
     } while (0)
+
+namespace zor::test {
+
+// The fixture of a test parameterised over the levels: a level the processor cannot run is
+// skipped.
+class LevelTest : public ::testing::TestWithParam<CpuLevel> {
+  protected:
+    void SetUp() override { ZOR_SKIP_UNLESS_RUNNABLE(GetParam()); }
+    CpuLevel level() const { return GetParam(); }
+};
+
+}  // namespace zor::test

@@ -10,6 +10,16 @@ namespace zor::ZOR_LEVEL_NS {
 
 namespace {
 
+#if ZOR_LEVEL == 4
+// ((a0 + a1) + (a2 + a3)) + ((a4 + a5) + (a6 + a7)), then (l0 + l2) + (l1 + l3).
+double quad_total(const __m256d* a) {
+    const __m256d low = _mm256_add_pd(_mm256_add_pd(a[0], a[1]), _mm256_add_pd(a[2], a[3]));
+    const __m256d high = _mm256_add_pd(_mm256_add_pd(a[4], a[5]), _mm256_add_pd(a[6], a[7]));
+    const __m256d total = _mm256_add_pd(low, high);
+    return lane_sum(_mm_add_pd(_mm256_castpd256_pd128(total), _mm256_extractf128_pd(total, 1)));
+}
+#endif
+
 __m128d abs_pair(const double* x) {
     return clear_sign(_mm_load_pd(x));
 }
@@ -68,22 +78,19 @@ double dasum_strided(zint n, const double* x, zint incx) {
 }
 
 #if ZOR_LEVEL == 4
-// Four four-lane accumulators over 16 elements per step, then steps of 4 into the first; their
-// total ((a0 + a1) + (a2 + a3)) folded to two lanes and one; the last elements added singly.
+// Eight four-lane accumulators over 32 elements per step, then steps of 4 into the first; their
+// total, summed pairwise, folded to two lanes and one; the last elements added singly.
 double dasum_four_lane(zint n, const double* x) {
     const __m256d sign = _mm256_set1_pd(-0.0);
-    auto abs4 = [&](zint at) { return _mm256_andnot_pd(sign, _mm256_loadu_pd(x + at)); };
-    __m256d a0 = _mm256_setzero_pd(), a1 = a0, a2 = a0, a3 = a0;
+    __m256d a[8];
+    for (__m256d& v : a) v = _mm256_setzero_pd();
     zint i = 0;
-    for (; n - i >= 16; i += 16) {
-        a0 = _mm256_add_pd(a0, abs4(i));
-        a1 = _mm256_add_pd(a1, abs4(i + 4));
-        a2 = _mm256_add_pd(a2, abs4(i + 8));
-        a3 = _mm256_add_pd(a3, abs4(i + 12));
+    for (; n - i >= 32; i += 32) {
+        for (int k = 0; k < 8; ++k)
+            a[k] = _mm256_add_pd(a[k], _mm256_andnot_pd(sign, _mm256_loadu_pd(x + i + 4 * k)));
     }
-    for (; n - i >= 4; i += 4) a0 = _mm256_add_pd(a0, abs4(i));
-    const __m256d a = _mm256_add_pd(_mm256_add_pd(a0, a1), _mm256_add_pd(a2, a3));
-    double sum = lane_sum(_mm_add_pd(_mm256_castpd256_pd128(a), _mm256_extractf128_pd(a, 1)));
+    for (; n - i >= 4; i += 4) a[0] = _mm256_add_pd(a[0], _mm256_andnot_pd(sign, _mm256_loadu_pd(x + i)));
+    double sum = quad_total(a);
     for (; i < n; ++i) sum += magnitude(x[i]);
     return sum;
 }
@@ -102,22 +109,23 @@ double dasum(const zint& n, const double* x, const zint& incx) {
 }
 
 // Each element's (|re|, |im|) is one two-lane term. Unit-stride vectors spread elements over four
-// accumulators (at the Avx level four-lane ones, two elements each), summed as (a0 + a1) +
-// (a2 + a3); the lanes are added last.
+// accumulators, summed as (a0 + a1) + (a2 + a3), the lanes added last; at the Avx level steps of
+// 16 elements go first into eight four-lane accumulators, whose total comes first.
 double dzasum(const zint& n, const zcomplex* x, const zint& incx) {
     if (n < 1) return 0.0;
     __m128d a[4] = {_mm_setzero_pd(), _mm_setzero_pd(), _mm_setzero_pd(), _mm_setzero_pd()};
+    double total = 0.0;
     zint i = 0;
     if (incx == 1 || incx == -1) {
 #if ZOR_LEVEL == 4
         const __m256d sign = _mm256_set1_pd(-0.0);
-        __m256d w[4] = {_mm256_setzero_pd(), _mm256_setzero_pd(), _mm256_setzero_pd(), _mm256_setzero_pd()};
-        for (; n - i >= 8; i += 8) {
-            for (int k = 0; k < 4; ++k)
+        __m256d w[8];
+        for (__m256d& v : w) v = _mm256_setzero_pd();
+        for (; n - i >= 16; i += 16) {
+            for (int k = 0; k < 8; ++k)
                 w[k] = _mm256_add_pd(w[k], _mm256_andnot_pd(sign, _mm256_loadu_pd(&x[i + 2 * k].re)));
         }
-        const __m256d total = _mm256_add_pd(_mm256_add_pd(w[0], w[1]), _mm256_add_pd(w[2], w[3]));
-        a[0] = _mm_add_pd(_mm256_castpd256_pd128(total), _mm256_extractf128_pd(total, 1));
+        total = quad_total(w);
 #endif
         for (; n - i >= 4; i += 4) {
             for (int k = 0; k < 4; ++k) a[k] = _mm_add_pd(a[k], clear_sign(_mm_loadu_pd(&x[i + k].re)));
@@ -127,7 +135,7 @@ double dzasum(const zint& n, const zcomplex* x, const zint& incx) {
         const zcomplex* xs = x + first_element(n, incx);
         for (; i < n; ++i) a[0] = _mm_add_pd(a[0], clear_sign(_mm_loadu_pd(&xs[i * incx].re)));
     }
-    return lane_sum(_mm_add_pd(_mm_add_pd(a[0], a[1]), _mm_add_pd(a[2], a[3])));
+    return total + lane_sum(_mm_add_pd(_mm_add_pd(a[0], a[1]), _mm_add_pd(a[2], a[3])));
 }
 
 }  // namespace zor::ZOR_LEVEL_NS

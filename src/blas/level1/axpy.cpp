@@ -126,8 +126,9 @@ void daxpy(const zint& n, const double& alpha, const double* x, const zint& incx
 #endif
 }
 
-void zaxpy(const zint& n, const zcomplex& alpha, const zcomplex* x, const zint& incx, zcomplex* y,
-           const zint& incy) {
+void zaxpy(const zint& n_ref, const zcomplex& alpha, const zcomplex* x, const zint& incx_ref, zcomplex* y,
+           const zint& incy_ref) {
+    const zint n = n_ref, incx = incx_ref, incy = incy_ref;  // not re-read after every store
     if (n <= 0 || (alpha.re == 0.0 && alpha.im == 0.0)) return;
     if (incx == incy && (incx == 1 || incx == -1)) {
 #if ZOR_LEVEL == 4

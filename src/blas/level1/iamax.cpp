@@ -4,10 +4,8 @@
 // the earliest index, a NaN candidate always comes in and a NaN best is replaced by the next
 // element. Results are 1-based; 0 when n < 1 or incx < 1.
 //
-// Unit-stride vectors are searched lane by lane: each lane keeps its extreme measure and the
-// first index that reached it, so without NaN the lanes' combined answer (extreme measure, then
-// smallest index) is exactly the scan's. A NaN anywhere in that part sends the call back to the
-// sequential scan; the elements after it are scanned sequentially from the combined state.
+// Unit-stride vectors are searched block by block, and only the blocks that can change the scan's
+// state are scanned element by element, so the answer is exactly the scan's.
 
 #include "blas/kernel.hpp"
 #include "blas/level1/level1.hpp"
@@ -52,21 +50,14 @@ struct TwoLanes {
         const V a = clear_sign(_mm_loadu_pd(&x[0].re)), b = clear_sign(_mm_loadu_pd(&x[1].re));
         return _mm_add_pd(_mm_unpacklo_pd(a, b), _mm_unpackhi_pd(a, b));
     }
-    // The element offsets of the lanes of measures(x + base), from base.
-    static V offsets(const double*, double base) { return _mm_set_pd(base + 1, base); }
-    static V offsets(const zcomplex*, double base) { return _mm_set_pd(base + 1, base); }
+    static V zero() { return _mm_setzero_pd(); }
     static V splat(double v) { return _mm_set1_pd(v); }
     static V add(V a, V b) { return _mm_add_pd(a, b); }
-    static V either(V a, V b) { return _mm_or_pd(a, b); }
-    static V greater(V a, V b) { return _mm_cmpgt_pd(a, b); }
-    static V less(V a, V b) { return _mm_cmplt_pd(a, b); }
-    static V unordered(V a) { return _mm_cmpunord_pd(a, a); }
-    static V select(V mask, V if_set, V otherwise) {
-        if constexpr (kLevel >= CpuLevel::Sse42) return _mm_blendv_pd(otherwise, if_set, mask);
-        return _mm_or_pd(_mm_and_pd(mask, if_set), _mm_andnot_pd(mask, otherwise));
-    }
-    static bool any(V mask) { return _mm_movemask_pd(mask) != 0; }
-    static void store(double* out, V v) { _mm_storeu_pd(out, v); }
+    static V larger(V a, V b) { return _mm_max_pd(a, b); }
+    static V smaller(V a, V b) { return _mm_min_pd(a, b); }
+    static bool any_greater(V a, V b) { return _mm_movemask_pd(_mm_cmpgt_pd(a, b)) != 0; }
+    static bool any_less(V a, V b) { return _mm_movemask_pd(_mm_cmplt_pd(a, b)) != 0; }
+    static bool any_nan(V a) { return _mm_movemask_pd(_mm_cmpunord_pd(a, a)) != 0; }
 };
 
 #if ZOR_LEVEL == 4
@@ -74,66 +65,49 @@ struct FourLanes {
     using V = __m256d;
     static constexpr int kWidth = 4;
     static V measures(const double* x) { return _mm256_andnot_pd(_mm256_set1_pd(-0.0), _mm256_loadu_pd(x)); }
-    // Four complex elements: the unpacks pair them within 128-bit halves, so the lanes hold the
-    // measures of elements 0, 2, 1, 3.
+    // Four complex elements, their measures in some order of lanes (only the block's extreme is
+    // used).
     static V measures(const zcomplex* x) {
         const V sign = _mm256_set1_pd(-0.0);
         const V a = _mm256_andnot_pd(sign, _mm256_loadu_pd(&x[0].re));
         const V b = _mm256_andnot_pd(sign, _mm256_loadu_pd(&x[2].re));
         return _mm256_add_pd(_mm256_unpacklo_pd(a, b), _mm256_unpackhi_pd(a, b));
     }
-    static V offsets(const double*, double base) { return _mm256_set_pd(base + 3, base + 2, base + 1, base); }
-    static V offsets(const zcomplex*, double base) {
-        return _mm256_set_pd(base + 3, base + 1, base + 2, base);
-    }
+    static V zero() { return _mm256_setzero_pd(); }
     static V splat(double v) { return _mm256_set1_pd(v); }
     static V add(V a, V b) { return _mm256_add_pd(a, b); }
-    static V either(V a, V b) { return _mm256_or_pd(a, b); }
-    static V greater(V a, V b) { return _mm256_cmp_pd(a, b, _CMP_GT_OQ); }
-    static V less(V a, V b) { return _mm256_cmp_pd(a, b, _CMP_LT_OQ); }
-    static V unordered(V a) { return _mm256_cmp_pd(a, a, _CMP_UNORD_Q); }
-    static V select(V mask, V if_set, V otherwise) { return _mm256_blendv_pd(otherwise, if_set, mask); }
-    static bool any(V mask) { return _mm256_movemask_pd(mask) != 0; }
-    static void store(double* out, V v) { _mm256_storeu_pd(out, v); }
+    static V larger(V a, V b) { return _mm256_max_pd(a, b); }
+    static V smaller(V a, V b) { return _mm256_min_pd(a, b); }
+    static bool any_greater(V a, V b) { return _mm256_movemask_pd(_mm256_cmp_pd(a, b, _CMP_GT_OQ)) != 0; }
+    static bool any_less(V a, V b) { return _mm256_movemask_pd(_mm256_cmp_pd(a, b, _CMP_LT_OQ)) != 0; }
+    static bool any_nan(V a) { return _mm256_movemask_pd(_mm256_cmp_pd(a, a, _CMP_UNORD_Q)) != 0; }
 };
 #endif
 
-// Four accumulators of L::kWidth lanes; indices are held as doubles (exact below 2^53).
+// Blocks of four vectors: a block in which no measure beats the best so far cannot change the
+// scan's state (without NaN), so only blocks that do are scanned element by element. A running
+// sum of all measures turns NaN if any is, and then the whole vector is scanned.
 template <class L, bool kLargest, class T>
-zint search_lanes(zint n, const T* x) {
+zint search_blocks(zint n, const T* x) {
     using V = typename L::V;
-    constexpr int kStep = 4 * L::kWidth;
-    V best[4], index[4], offset[4];
-    V nan = L::splat(0.0);
-    for (int k = 0; k < 4; ++k) {
-        best[k] = L::measures(x + k * L::kWidth);
-        offset[k] = index[k] = L::offsets(x, k * L::kWidth);
-        nan = L::either(nan, L::unordered(best[k]));
-    }
-    const V step = L::splat(kStep);
-    zint i = kStep;
-    for (; n - i >= kStep; i += kStep) {
-        for (int k = 0; k < 4; ++k) {
-            const V m = L::measures(x + i + k * L::kWidth);
-            offset[k] = L::add(offset[k], step);
-            nan = L::either(nan, L::unordered(m));
-            const V better = kLargest ? L::greater(m, best[k]) : L::less(m, best[k]);
-            best[k] = L::select(better, m, best[k]);
-            index[k] = L::select(better, offset[k], index[k]);
+    constexpr zint kBlock = 4 * L::kWidth;
+    ScanState<kLargest> state{measure(x[0]), 1};
+    V best = L::splat(state.best);
+    V probe = L::zero();
+    zint i = 0;
+    for (; n - i >= kBlock; i += kBlock) {
+        const V m0 = L::measures(x + i), m1 = L::measures(x + i + L::kWidth);
+        const V m2 = L::measures(x + i + 2 * L::kWidth), m3 = L::measures(x + i + 3 * L::kWidth);
+        probe = L::add(probe, L::add(L::add(m0, m1), L::add(m2, m3)));
+        if constexpr (kLargest) {
+            if (!L::any_greater(L::larger(L::larger(m0, m1), L::larger(m2, m3)), best)) continue;
+        } else {
+            if (!L::any_less(L::smaller(L::smaller(m0, m1), L::smaller(m2, m3)), best)) continue;
         }
+        state = scan(state, i, i + kBlock, x, 1);
+        best = L::splat(state.best);
     }
-    if (L::any(nan)) return scan(ScanState<kLargest>{measure(x[0]), 1}, 1, n, x, 1).index;
-    double values[kStep], indices[kStep];
-    for (int k = 0; k < 4; ++k) {
-        L::store(values + k * L::kWidth, best[k]);
-        L::store(indices + k * L::kWidth, index[k]);
-    }
-    ScanState<kLargest> state{values[0], static_cast<zint>(indices[0]) + 1};
-    for (int j = 1; j < kStep; ++j) {
-        const zint candidate = static_cast<zint>(indices[j]) + 1;
-        const bool better = kLargest ? values[j] > state.best : values[j] < state.best;
-        if (better || (values[j] == state.best && candidate < state.index)) state = {values[j], candidate};
-    }
+    if (L::any_nan(probe)) return scan(ScanState<kLargest>{measure(x[0]), 1}, 1, n, x, 1).index;
     return scan(state, i, n, x, 1).index;
 }
 
@@ -145,7 +119,7 @@ zint extreme_index(zint n, const T* x, zint incx) {
 #else
     using Lanes = TwoLanes;
 #endif
-    if (incx == 1 && n >= 8 * Lanes::kWidth) return search_lanes<Lanes, kLargest>(n, x);
+    if (incx == 1 && n >= 4 * Lanes::kWidth) return search_blocks<Lanes, kLargest>(n, x);
     return scan(ScanState<kLargest>{measure(x[0]), 1}, 1, n, x, incx).index;
 }
 

@@ -3,6 +3,7 @@
 // vectors that share memory take the element loop, as in copy.cpp.
 
 #include "blas/kernel.hpp"
+#include "blas/lanes.hpp"
 #include "blas/level1/level1.hpp"
 #include "blas/vector.hpp"
 
@@ -34,20 +35,44 @@ struct Rotation {
     }
 };
 
+// x := c*x + s*y, y := c*y - s*x over `count` doubles of two vectors that do not overlap.
+void rotate_run(zint count, double* x, double* y, const Rotation& rotation) {
+    using L = WideLanes;
+    using V = L::V;
+    const V c = L::splat(rotation.c), s = L::splat(rotation.s);
+    auto step = [&](zint at) {
+        const V xv = L::loadu(x + at), yv = L::loadu(y + at);
+        L::storeu(x + at, L::add(L::mul(c, xv), L::mul(s, yv)));
+        L::storeu(y + at, L::sub(L::mul(c, yv), L::mul(s, xv)));
+    };
+    zint i = 0;
+    for (; count - i >= 2 * L::kWidth; i += 2 * L::kWidth) {
+        step(i);
+        step(i + L::kWidth);
+    }
+    for (; count - i >= L::kWidth; i += L::kWidth) step(i);
+    for (; i < count; ++i) rotation(x[i], y[i]);
+}
+
 }  // namespace
 
 void drot(const zint& n, double* x, const zint& incx, double* y, const zint& incy, const double& c,
           const double& s) {
     if (n <= 0) return;
+    if (unit_strides(incx, incy) && !overlapping(x, y, n * 8)) {
+        rotate_run(n, x, y, Rotation{c, s});
+        return;
+    }
     each_pair(n, x, incx, y, incy, Rotation{c, s});
 }
 
-void zdrot(const zint& n, zcomplex* x, const zint& incx, zcomplex* y, const zint& incy, const double& c,
-           const double& s) {
+void zdrot(const zint& n_ref, zcomplex* x, const zint& incx_ref, zcomplex* y, const zint& incy_ref,
+           const double& c, const double& s) {
+    const zint n = n_ref, incx = incx_ref, incy = incy_ref;  // not re-read after every store
     if (n <= 0) return;
     const Rotation rotation{c, s};
     if (unit_strides(incx, incy) && !overlapping(x, y, n * 16)) {
-        each_pair(2 * n, &x->re, 1, &y->re, 1, rotation);
+        rotate_run(2 * n, &x->re, &y->re, rotation);
         return;
     }
     zcomplex* xs = x + first_element(n, incx);

@@ -93,7 +93,8 @@ void dscal(const zint& n, const double& alpha, double* x, const zint& incx) {
 #endif
 }
 
-void zscal(const zint& n, const zcomplex& alpha, zcomplex* x, const zint& incx) {
+void zscal(const zint& n_ref, const zcomplex& alpha, zcomplex* x, const zint& incx_ref) {
+    const zint n = n_ref, incx = incx_ref;  // not re-read after every store
     if (n <= 0) return;
     const bool unit = incx == 1 || incx == -1;
 #if ZOR_LEVEL == 4
