@@ -8,6 +8,7 @@
 #include "blas/level3/gemm_blocking.hpp"
 #include "blas/level3/gemm_driver.hpp"
 #include "blas/level3/gemm_pack.hpp"
+#include "blas/level3/gemm_pack_avx.hpp"
 #include "blas/level3/gemm_tiles.hpp"
 #include "blas/level3/gemm_vector_ops.hpp"
 #include "service/cpu.hpp"
@@ -83,6 +84,12 @@ void load_record(GemmBlockingParams<double>& params, const GemmChoice& choice) {
                          &pack_b_t<kTableNr, double>,
                          {nullptr, nullptr},
                          table_macro_kernel(choice, record.record_index)};
+#ifdef __AVX__
+    params.operations.pack_a_n = &pack_a_n_avx;
+    params.operations.pack_a_t = params.operations.pack_a_c = &pack_a_t_avx;
+    params.operations.pack_b_n = &pack_b_n_avx;
+    params.operations.pack_b_t = params.operations.pack_b_c = &pack_b_t_avx;
+#endif
 }
 
 // ---- fixed design -----------------------------------------------------------------------------------

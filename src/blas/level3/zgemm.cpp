@@ -9,6 +9,7 @@
 #include "blas/level3/gemm_blocking.hpp"
 #include "blas/level3/gemm_driver.hpp"
 #include "blas/level3/gemm_pack.hpp"
+#include "blas/level3/gemm_pack_avx.hpp"
 #include "blas/level3/gemm_tiles.hpp"
 #include "blas/level3/gemm_vector_ops.hpp"
 #include "service/cpu.hpp"
@@ -67,6 +68,14 @@ void load_record(GemmBlockingParams<zcomplex>& params, const GemmChoice& choice)
                          &pack_b_c<4>,
                          {nullptr, nullptr},
                          table_macro_kernel(choice)};
+#ifdef __AVX__
+    params.operations.pack_a_n = &zpack_a_n_avx;
+    params.operations.pack_a_t = &zpack_a_rows_avx<false>;
+    params.operations.pack_a_c = &zpack_a_rows_avx<true>;
+    params.operations.pack_b_n = &zpack_b_n_avx;
+    params.operations.pack_b_t = &zpack_b_rows_avx<false>;
+    params.operations.pack_b_c = &zpack_b_rows_avx<true>;
+#endif
 }
 
 // ---- fixed design -----------------------------------------------------------------------------------
