@@ -9,11 +9,14 @@
 #include <cstring>
 #include <limits>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "blas/dispatch.hpp"
 #include "blas/level3/gemm.hpp"
+#include "blas/level3/gemm_blocking.hpp"
 #include "service/cpu.hpp"
+#include "support/counting_allocator.hpp"
 #include "support/random.hpp"
 #include "support/variants.hpp"
 
@@ -366,6 +369,115 @@ TEST_P(GemmPath, QuickReturnsReadNothingTheyNeedNot) {
                    reinterpret_cast<zcomplex*>(c.data()), 4);
     }
     for (double x : c) ASSERT_TRUE(std::isnan(x));
+}
+
+// ---- work areas -------------------------------------------------------------------------------------
+
+// Runs `f` on a thread of its own: the memory manager has no cached block for it, so every work area
+// it takes reaches the system allocator.
+template <class F>
+void on_fresh_thread(F&& f) {
+    std::thread(std::forward<F>(f)).join();
+}
+
+// The smallest problem each path blocks: the record's thresholds for the table-driven designs, the
+// documented ones for the fixed designs and the alternate drivers.
+Shape smallest_blocked(const Path& path, bool complex) {
+    const bool table =
+        path.level == CpuLevel::Avx || path.level == CpuLevel::Sse42 || path.level == CpuLevel::Ssse3;
+    if (table) {
+        const GemmRecord r = complex ? complex_gemm_record(path.level, path.choice.sublevel)
+                                     : real_gemm_record(path.level, path.choice.sublevel);
+        return {std::max(r.mr, r.min_m), std::max(r.nr, r.min_n), std::max(r.kr, r.min_k)};
+    }
+    if (path.choice.family_10h) return complex ? Shape{2, 4, 4} : Shape{4, 2, 4};
+    if (complex) return {4, 8, 8};
+    return path.level == CpuLevel::Sse3 ? Shape{3, 3, 3} : Shape{2, 2, 2};
+}
+
+int allocations_of(const Path& path, bool complex, Shape s) {
+    int count = -1;
+    on_fresh_thread([&] {
+        Random random(s.m * 10000 + s.n * 100 + s.k);
+        const test::AllocatorScope scope;
+        if (complex) {
+            const std::vector<zcomplex> a = test::random_complex_matrix(random, s.m, s.k, s.m);
+            const std::vector<zcomplex> b = test::random_complex_matrix(random, s.k, s.n, s.k);
+            std::vector<zcomplex> c = test::random_complex_matrix(random, s.m, s.n, s.m);
+            test::AllocatorScope::reset();
+            kZgemmWith[static_cast<int>(path.level)](path.choice, 'N', 'N', s.m, s.n, s.k, zcomplex{1, 0},
+                                                     a.data(), s.m, b.data(), s.k, zcomplex{1, 0}, c.data(),
+                                                     s.m);
+        } else {
+            const std::vector<double> a = test::random_matrix(random, s.m, s.k, s.m);
+            const std::vector<double> b = test::random_matrix(random, s.k, s.n, s.k);
+            std::vector<double> c = test::random_matrix(random, s.m, s.n, s.m);
+            test::AllocatorScope::reset();
+            kDgemmWith[static_cast<int>(path.level)](path.choice, 'N', 'N', s.m, s.n, s.k, 1.0, a.data(), s.m,
+                                                     b.data(), s.k, 1.0, c.data(), s.m);
+        }
+        count = test::AllocatorScope::allocations();
+    });
+    return count;
+}
+
+TEST_P(GemmPath, ProblemsBelowTheThresholdsNeverAllocate) {
+    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam());
+    for (bool complex : {false, true}) {
+        const Shape s = smallest_blocked(GetParam(), complex);
+        EXPECT_GT(allocations_of(GetParam(), complex, s), 0) << "the smallest blocked problem";
+        for (const Shape below : {Shape{s.m - 1, s.n + 9, s.k + 9}, Shape{s.m + 9, s.n - 1, s.k + 9},
+                                  Shape{s.m + 9, s.n + 9, s.k - 1}, Shape{1, 1, 1}}) {
+            EXPECT_EQ(allocations_of(GetParam(), complex, below), 0)
+                << (complex ? "complex " : "real ") << below.m << " x " << below.n << " x " << below.k;
+        }
+    }
+}
+
+// The name the failure is reported under: "xdgemm" for the real fixed design and its alternate
+// driver, "xgemm" for the rest.
+std::string failure_report(const Path& path, bool complex) {
+    const bool fixed_real = !complex && (path.level == CpuLevel::Default || path.level == CpuLevel::Sse3);
+    return std::string("\nZOR INTERNAL ERROR: Not enough work memory in function ") +
+           (fixed_real ? "xdgemm" : "xgemm") + "\n";
+}
+
+TEST_P(GemmPath, FailedAllocationIsReportedOnceAndCIsStillRight) {
+    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam());
+    const Path path = GetParam();
+    // Every allocation of the call fails; the call runs on a thread of its own.
+    auto failing = [](auto call) {
+        return [call](auto... args) {
+            on_fresh_thread([&] {
+                const test::AllocatorScope scope;
+                test::AllocatorScope::fail_next(1 << 30);
+                call(args...);
+            });
+        };
+    };
+    auto real = failing([path](char ta, char tb, zint m, zint n, zint k, double alpha, const double* a,
+                               zint lda, const double* b, zint ldb, double beta, double* c, zint ldc) {
+        kDgemmWith[static_cast<int>(path.level)](path.choice, ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c,
+                                                 ldc);
+    });
+    auto complex =
+        failing([path](char ta, char tb, zint m, zint n, zint k, zcomplex alpha, const zcomplex* a, zint lda,
+                       const zcomplex* b, zint ldb, zcomplex beta, zcomplex* c, zint ldc) {
+            kZgemmWith[static_cast<int>(path.level)](path.choice, ta, tb, m, n, k, alpha, a, lda, b, ldb,
+                                                     beta, c, ldc);
+        });
+    ::testing::internal::CaptureStdout();
+    const ::testing::AssertionResult real_result =
+        check_product<double>(real, 'T', 'N', Shape{41, 43, 45}, -1.5, 0.5, 1, 31);
+    const std::string real_out = ::testing::internal::GetCapturedStdout();
+    ::testing::internal::CaptureStdout();
+    const ::testing::AssertionResult complex_result =
+        check_product<zcomplex>(complex, 'N', 'C', Shape{41, 43, 45}, zcomplex{1, -1}, zcomplex{0, 0}, 1, 32);
+    const std::string complex_out = ::testing::internal::GetCapturedStdout();
+    EXPECT_TRUE(real_result);
+    EXPECT_TRUE(complex_result);
+    EXPECT_EQ(real_out, failure_report(path, false));
+    EXPECT_EQ(complex_out, failure_report(path, true));
 }
 
 INSTANTIATE_TEST_SUITE_P(Paths, GemmPath, ::testing::ValuesIn(kPaths), path_name);
