@@ -41,6 +41,75 @@ Beta classify(const zcomplex& beta) {
     return (beta.re == 1.0 && beta.im == 0.0) ? Beta::One : Beta::Other;
 }
 
+// ---- the inner loop -------------------------------------------------------------------------------
+
+// acc[j][q] := Σ a(j)·b(q) over kb depth steps (kb a multiple of 4, at least 4), where a(j) is value
+// j of the 8 that 2 panels of 4 hold per step (rows of real data; real and imaginary parts of 4
+// complex rows) and b(q) the vector of B panel q. Written out so that the 24 accumulators, the 3 B
+// vectors and the broadcasts stay in registers with one address register per operand: the
+// compiler's own schedule of this loop spills.
+// clang-format off
+// A is fetched this many bytes ahead: a sliver streams from the level-2 or level-3 cache.
+#define ZOR_A_AHEAD "1024"
+#define ZOR_LOAD_B(s)                                              \
+    "vmovapd " #s "*64(%%rcx), %%zmm29\n\t"                         \
+    "vmovapd " #s "*64(%%rcx,%[b_stride],1), %%zmm30\n\t"           \
+    "vmovapd " #s "*64(%%rcx,%[b_stride],2), %%zmm31\n\t"
+#define ZOR_ROW(s, j, address, t)                                  \
+    "vbroadcastsd " #s "*32+" #j "%%4*8" address ", %%zmm" #t "\n\t" \
+    "vfmadd231pd %%zmm29, %%zmm" #t ", %[c" #j "0]\n\t"             \
+    "vfmadd231pd %%zmm30, %%zmm" #t ", %[c" #j "1]\n\t"             \
+    "vfmadd231pd %%zmm31, %%zmm" #t ", %[c" #j "2]\n\t"
+#define ZOR_STEP(s)                                                \
+    ZOR_LOAD_B(s)                                                  \
+    ZOR_ROW(s, 0, "(%%rax)", 27)                                   \
+    ZOR_ROW(s, 1, "(%%rax)", 28)                                   \
+    ZOR_ROW(s, 2, "(%%rax)", 27)                                   \
+    ZOR_ROW(s, 3, "(%%rax)", 28)                                   \
+    ZOR_ROW(s, 4, "(%%rax,%[a_stride],1)", 27)                     \
+    ZOR_ROW(s, 5, "(%%rax,%[a_stride],1)", 28)                     \
+    ZOR_ROW(s, 6, "(%%rax,%[a_stride],1)", 27)                     \
+    ZOR_ROW(s, 7, "(%%rax,%[a_stride],1)", 28)
+#define ZOR_ZERO(j)                                                \
+    "vpxord %[c" #j "0], %[c" #j "0], %[c" #j "0]\n\t"              \
+    "vpxord %[c" #j "1], %[c" #j "1], %[c" #j "1]\n\t"              \
+    "vpxord %[c" #j "2], %[c" #j "2], %[c" #j "2]\n\t"
+
+ZOR_AVX512 inline void multiply_8x24(zint kb, const double* a, zint a_stride, const double* b, zint b_stride,
+                                     __m512d (&acc)[8][3]) {
+    __asm__ volatile(
+        ZOR_ZERO(0) ZOR_ZERO(1) ZOR_ZERO(2) ZOR_ZERO(3) ZOR_ZERO(4) ZOR_ZERO(5) ZOR_ZERO(6) ZOR_ZERO(7)
+        "mov %[a], %%rax\n\t"
+        "mov %[b], %%rcx\n\t"
+        "mov %[steps], %%rdx\n\t"
+        "1:\n\t"
+        "prefetcht0 " ZOR_A_AHEAD "(%%rax)\n\t"
+        "prefetcht0 " ZOR_A_AHEAD "+64(%%rax)\n\t"
+        "prefetcht0 " ZOR_A_AHEAD "(%%rax,%[a_stride],1)\n\t"
+        "prefetcht0 " ZOR_A_AHEAD "+64(%%rax,%[a_stride],1)\n\t"
+        ZOR_STEP(0) ZOR_STEP(1) ZOR_STEP(2) ZOR_STEP(3)
+        "add $128, %%rax\n\t"
+        "add $256, %%rcx\n\t"
+        "dec %%rdx\n\t"
+        "jnz 1b\n\t"
+        : [c00] "=v"(acc[0][0]), [c01] "=v"(acc[0][1]), [c02] "=v"(acc[0][2]),
+          [c10] "=v"(acc[1][0]), [c11] "=v"(acc[1][1]), [c12] "=v"(acc[1][2]),
+          [c20] "=v"(acc[2][0]), [c21] "=v"(acc[2][1]), [c22] "=v"(acc[2][2]),
+          [c30] "=v"(acc[3][0]), [c31] "=v"(acc[3][1]), [c32] "=v"(acc[3][2]),
+          [c40] "=v"(acc[4][0]), [c41] "=v"(acc[4][1]), [c42] "=v"(acc[4][2]),
+          [c50] "=v"(acc[5][0]), [c51] "=v"(acc[5][1]), [c52] "=v"(acc[5][2]),
+          [c60] "=v"(acc[6][0]), [c61] "=v"(acc[6][1]), [c62] "=v"(acc[6][2]),
+          [c70] "=v"(acc[7][0]), [c71] "=v"(acc[7][1]), [c72] "=v"(acc[7][2])
+        : [a] "r"(a), [b] "r"(b), [steps] "r"(kb / 4), [a_stride] "r"(a_stride * 8), [b_stride] "r"(b_stride * 8)
+        : "cc", "memory", "rax", "rcx", "rdx", "xmm27", "xmm28", "xmm29", "xmm30", "xmm31");
+}
+// clang-format on
+
+#undef ZOR_ZERO
+#undef ZOR_STEP
+#undef ZOR_ROW
+#undef ZOR_LOAD_B
+
 // ---- real ---------------------------------------------------------------------------------------
 
 // c := beta c + v for 8 rows of one column.
@@ -88,12 +157,50 @@ ZOR_AVX512 inline void transpose8(__m512d (&r)[8]) {
     r[7] = _mm512_shuffle_f64x2(u[3], u[7], 0xDD);
 }
 
+// Columns 8q .. 8q + 7 of C, 8 rows each, := beta C + the transposed rows of acc.
+template <Beta K>
+ZOR_AVX512 inline void store_columns(double* c, zint ldc, __m512d (&acc)[8][3], double beta) {
+#pragma GCC unroll 3
+    for (int q = 0; q < 3; ++q) {
+        __m512d col[8];
+#pragma GCC unroll 8
+        for (int r = 0; r < 8; ++r) col[r] = acc[r][q];
+        transpose8(col);
+#pragma GCC unroll 8
+        for (int j = 0; j < 8; ++j) update_column(c + (8 * q + j) * ldc, col[j], K, beta);
+    }
+}
+
+// The whole 8 x 24 tile.
+ZOR_AVX512 void dgemm_full_tile(zint kb, const double* a, zint a_stride, const double* b, zint b_stride,
+                                double* c, zint ldc, Beta kind, double beta) {
+    for (int j = 0; j < 24; ++j) {
+        _mm_prefetch(reinterpret_cast<const char*>(c + j * ldc), _MM_HINT_T0);
+        _mm_prefetch(reinterpret_cast<const char*>(c + j * ldc + 7), _MM_HINT_T0);
+    }
+    __m512d acc[8][3];
+    multiply_8x24(kb, a, a_stride, b, b_stride, acc);
+    if (kind == Beta::One) {
+        store_columns<Beta::One>(c, ldc, acc, beta);
+    } else if (kind == Beta::Zero) {
+        store_columns<Beta::Zero>(c, ldc, acc, beta);
+    } else {
+        store_columns<Beta::Other>(c, ldc, acc, beta);
+    }
+}
+
 // ROWS rows of A (from panels of 4, `a_stride` apart) times QP panels of B: C(0:rows, 0:cols) :=
 // beta C + A B. ROWS is 8 or 4 for whole panels, 1 to 3 for the rows of a last, partial panel, of
 // which only those rows are read.
 template <int ROWS, int QP>
 ZOR_AVX512 void dgemm_tile(zint kb, const double* a, zint a_stride, const double* b, zint b_stride, double* c,
                            zint ldc, int cols, Beta kind, double beta) {
+    if constexpr (ROWS == 8 && QP == 3) {
+        if (cols == 24) {
+            dgemm_full_tile(kb, a, a_stride, b, b_stride, c, ldc, kind, beta);
+            return;
+        }
+    }
     __m512d acc[ROWS][QP];
     for (int r = 0; r < ROWS; ++r) {
         for (int q = 0; q < QP; ++q) acc[r][q] = _mm512_setzero_pd();
@@ -192,56 +299,75 @@ ZOR_AVX512 inline void update_element(double* c, const double* v, Beta kind, con
     }
 }
 
+// Columns 4q .. 4q + 3 of C, 4 complex rows each, := beta C + the transposed rows that the
+// accumulator pairs of acc combine into.
+template <Beta K>
+ZOR_AVX512 inline void store_complex_columns(double* c, zint ldc, __m512d (&acc)[8][3],
+                                             const zcomplex& beta) {
+#pragma GCC unroll 3
+    for (int q = 0; q < 3; ++q) {
+        const __m512d v0 = combine(acc[0][q], acc[1][q]), v1 = combine(acc[2][q], acc[3][q]);
+        const __m512d v2 = combine(acc[4][q], acc[5][q]), v3 = combine(acc[6][q], acc[7][q]);
+        const __m512d t0 = _mm512_shuffle_f64x2(v0, v1, 0x44), t1 = _mm512_shuffle_f64x2(v0, v1, 0xEE);
+        const __m512d t2 = _mm512_shuffle_f64x2(v2, v3, 0x44), t3 = _mm512_shuffle_f64x2(v2, v3, 0xEE);
+        double* cq = c + 8 * q * ldc;
+        update_column(cq, _mm512_shuffle_f64x2(t0, t2, 0x88), K, beta);
+        update_column(cq + 2 * ldc, _mm512_shuffle_f64x2(t0, t2, 0xDD), K, beta);
+        update_column(cq + 4 * ldc, _mm512_shuffle_f64x2(t1, t3, 0x88), K, beta);
+        update_column(cq + 6 * ldc, _mm512_shuffle_f64x2(t1, t3, 0xDD), K, beta);
+    }
+}
+
+// The whole 4 x 12 complex tile.
+ZOR_AVX512 void zgemm_full_tile(zint kb, const double* a, zint a_stride, const double* b, zint b_stride,
+                                double* c, zint ldc, Beta kind, const zcomplex& beta) {
+    for (int j = 0; j < 12; ++j) {
+        _mm_prefetch(reinterpret_cast<const char*>(c + 2 * j * ldc), _MM_HINT_T0);
+        _mm_prefetch(reinterpret_cast<const char*>(c + 2 * j * ldc + 7), _MM_HINT_T0);
+    }
+    // Accumulator 2r (2r + 1) of row r: its products with the real (imaginary) part of a.
+    __m512d acc[8][3];
+    multiply_8x24(kb, a, a_stride, b, b_stride, acc);
+    if (kind == Beta::One) {
+        store_complex_columns<Beta::One>(c, ldc, acc, beta);
+    } else if (kind == Beta::Zero) {
+        store_complex_columns<Beta::Zero>(c, ldc, acc, beta);
+    } else {
+        store_complex_columns<Beta::Other>(c, ldc, acc, beta);
+    }
+}
+
 // ROWS complex rows (1 to 4, from panels of 2) times QP panels of 4 complex columns. Doubles
 // throughout: a complex row of a panel is 2 doubles, a B panel's depth index 8.
 template <int ROWS, int QP>
 ZOR_AVX512 void zgemm_tile(zint kb, const double* a, zint a_stride, const double* b, zint b_stride, double* c,
                            zint ldc, int rows, int cols, Beta kind, const zcomplex& beta) {
-    __m512d re[ROWS][QP], im[ROWS][QP];
-    for (int r = 0; r < ROWS; ++r) {
-        for (int q = 0; q < QP; ++q) re[r][q] = im[r][q] = _mm512_setzero_pd();
+    if constexpr (ROWS == 4 && QP == 3) {
+        if (rows == 4 && cols == 12) {
+            zgemm_full_tile(kb, a, a_stride, b, b_stride, c, ldc, kind, beta);
+            return;
+        }
     }
-    for (int j = 0; j < cols; ++j) {
-        _mm_prefetch(reinterpret_cast<const char*>(c + 2 * j * ldc), _MM_HINT_T0);
-        _mm_prefetch(reinterpret_cast<const char*>(c + 2 * j * ldc + 2 * ROWS - 1), _MM_HINT_T0);
+    // Accumulator 2r (2r + 1) of row r: its products with the real (imaginary) part of a.
+    __m512d acc[2 * ROWS][QP];
+    for (int r = 0; r < 2 * ROWS; ++r) {
+        for (int q = 0; q < QP; ++q) acc[r][q] = _mm512_setzero_pd();
     }
     for (zint p0 = 0; p0 < kb; p0 += 4) {
 #pragma GCC unroll 4
         for (zint p = p0; p < p0 + 4; ++p) {
             __m512d bv[QP];
             for (int q = 0; q < QP; ++q) bv[q] = _mm512_load_pd(b + q * b_stride + 8 * p);
-            for (int r = 0; r < ROWS; ++r) {
-                const double* ar = a + (r / 2) * a_stride + 4 * p + 2 * (r % 2);
-                const __m512d real = _mm512_set1_pd(ar[0]);
-                const __m512d imag = _mm512_set1_pd(ar[1]);
-                for (int q = 0; q < QP; ++q) {
-                    re[r][q] = _mm512_fmadd_pd(real, bv[q], re[r][q]);
-                    im[r][q] = _mm512_fmadd_pd(imag, bv[q], im[r][q]);
-                }
+            for (int j = 0; j < 2 * ROWS; ++j) {
+                const __m512d av = _mm512_set1_pd(a[(j / 4) * a_stride + 4 * p + j % 4]);
+                for (int q = 0; q < QP; ++q) acc[j][q] = _mm512_fmadd_pd(av, bv[q], acc[j][q]);
             }
-        }
-    }
-    if constexpr (ROWS == 4) {
-        if (rows == 4 && cols == 4 * QP) {
-            for (int q = 0; q < QP; ++q) {
-                const __m512d v0 = combine(re[0][q], im[0][q]), v1 = combine(re[1][q], im[1][q]);
-                const __m512d v2 = combine(re[2][q], im[2][q]), v3 = combine(re[3][q], im[3][q]);
-                const __m512d t0 = _mm512_shuffle_f64x2(v0, v1, 0x44),
-                              t1 = _mm512_shuffle_f64x2(v0, v1, 0xEE);
-                const __m512d t2 = _mm512_shuffle_f64x2(v2, v3, 0x44),
-                              t3 = _mm512_shuffle_f64x2(v2, v3, 0xEE);
-                double* cq = c + 8 * q * ldc;
-                update_column(cq, _mm512_shuffle_f64x2(t0, t2, 0x88), kind, beta);
-                update_column(cq + 2 * ldc, _mm512_shuffle_f64x2(t0, t2, 0xDD), kind, beta);
-                update_column(cq + 4 * ldc, _mm512_shuffle_f64x2(t1, t3, 0x88), kind, beta);
-                update_column(cq + 6 * ldc, _mm512_shuffle_f64x2(t1, t3, 0xDD), kind, beta);
-            }
-            return;
         }
     }
     alignas(64) double tile[ROWS][8 * QP];
     for (int r = 0; r < ROWS; ++r) {
-        for (int q = 0; q < QP; ++q) _mm512_store_pd(&tile[r][8 * q], combine(re[r][q], im[r][q]));
+        for (int q = 0; q < QP; ++q)
+            _mm512_store_pd(&tile[r][8 * q], combine(acc[2 * r][q], acc[2 * r + 1][q]));
     }
     for (int j = 0; j < cols; ++j) {
         for (int r = 0; r < rows; ++r) update_element(c + 2 * r + 2 * j * ldc, &tile[r][2 * j], kind, beta);

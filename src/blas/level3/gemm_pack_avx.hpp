@@ -28,30 +28,31 @@ inline void zero_depth_padding(double* panel, zint width, zint depth, zint padde
     for (zint p = depth * width; p < padded_depth * width; ++p) panel[p] = 0.0;
 }
 
-// Panels of 4 rows handled together, so that each column of the source is read a few lines at a time
-// while the writes go to few panels.
-constexpr zint kPanelsPerPass = 8;
+// Depth steps handled together when each step reads its own column (or row) of the source: the
+// pages of those few lines stay in the TLB while every panel is visited, and each panel gets whole
+// cache lines at a time.
+constexpr zint kDepthPerPass = 8;
 
 inline void pack_a_n_avx(const zint& rows, const zint& cols, const double* source, const zint& ld,
                          double* destination, const zint& panel_stride, const double& alpha) {
     const __m256d scale = _mm256_set1_pd(alpha);
     const zint whole = rows / 4;
-    for (zint first = 0; first < whole; first += kPanelsPerPass) {
-        const zint panels = whole - first < kPanelsPerPass ? whole - first : kPanelsPerPass;
-        for (zint p = 0; p < cols; ++p) {
-            const double* column = source + 4 * first + p * ld;
-            double* out = destination + first * panel_stride + 4 * p;
-            for (zint q = 0; q < panels; ++q) {
-                _mm256_store_pd(out + q * panel_stride,
-                                _mm256_mul_pd(scale, _mm256_loadu_pd(column + 4 * q)));
+    for (zint p0 = 0; p0 < cols; p0 += kDepthPerPass) {
+        const zint steps = cols - p0 < kDepthPerPass ? cols - p0 : kDepthPerPass;
+        for (zint q = 0; q < whole; ++q) {
+            const double* column = source + 4 * q + p0 * ld;
+            double* out = destination + q * panel_stride + 4 * p0;
+            for (zint t = 0; t < steps; ++t) {
+                _mm256_store_pd(out + 4 * t, _mm256_mul_pd(scale, _mm256_loadu_pd(column + t * ld)));
             }
         }
-        for (zint q = 0; q < panels; ++q)
-            zero_depth_padding(destination + (first + q) * panel_stride, 4, cols, panel_stride / 4);
     }
-    if (whole * 4 < rows)
+    for (zint q = 0; q < whole; ++q)
+        zero_depth_padding(destination + q * panel_stride, 4, cols, panel_stride / 4);
+    if (whole * 4 < rows) {
         pack_a_n<4>(rows - 4 * whole, cols, source + 4 * whole, ld, destination + whole * panel_stride,
                     panel_stride, alpha);
+    }
 }
 
 inline void pack_a_t_avx(const zint& rows, const zint& cols, const double* source, const zint& ld,
@@ -112,18 +113,23 @@ inline void pack_b_n_avx(const zint& rows, const zint& cols, const double* sourc
 inline void pack_b_t_avx(const zint& rows, const zint& cols, const double* source, const zint& ld,
                          double* destination, const zint& panel_stride, const double& unused) {
     const zint whole = cols / 8;
-    for (zint q = 0; q < whole; ++q) {
-        double* panel = destination + q * panel_stride;
-        for (zint p = 0; p < rows; ++p) {
-            const double* row = source + 8 * q + p * ld;
-            _mm256_store_pd(panel + 8 * p, _mm256_loadu_pd(row));
-            _mm256_store_pd(panel + 8 * p + 4, _mm256_loadu_pd(row + 4));
+    for (zint p0 = 0; p0 < rows; p0 += kDepthPerPass) {
+        const zint steps = rows - p0 < kDepthPerPass ? rows - p0 : kDepthPerPass;
+        for (zint q = 0; q < whole; ++q) {
+            const double* row = source + 8 * q + p0 * ld;
+            double* out = destination + q * panel_stride + 8 * p0;
+            for (zint t = 0; t < steps; ++t) {
+                _mm256_store_pd(out + 8 * t, _mm256_loadu_pd(row + t * ld));
+                _mm256_store_pd(out + 8 * t + 4, _mm256_loadu_pd(row + t * ld + 4));
+            }
         }
-        zero_depth_padding(panel, 8, rows, panel_stride / 8);
     }
-    if (whole * 8 < cols)
+    for (zint q = 0; q < whole; ++q)
+        zero_depth_padding(destination + q * panel_stride, 8, rows, panel_stride / 8);
+    if (whole * 8 < cols) {
         pack_b_t<8>(rows, cols - 8 * whole, source + 8 * whole, ld, destination + whole * panel_stride,
                     panel_stride, unused);
+    }
 }
 
 // ---- complex --------------------------------------------------------------------------------------
@@ -144,22 +150,23 @@ inline void zpack_a_n_avx(const zint& rows, const zint& cols, const zcomplex* so
                           zcomplex* destination, const zint& panel_stride, const zcomplex& alpha) {
     const __m256d alpha_re = _mm256_set1_pd(alpha.re), alpha_im = _mm256_set1_pd(alpha.im);
     const zint whole = rows / 2;
-    for (zint first = 0; first < whole; first += kPanelsPerPass) {
-        const zint panels = whole - first < kPanelsPerPass ? whole - first : kPanelsPerPass;
-        for (zint p = 0; p < cols; ++p) {
-            const double* column = &source[2 * first + p * ld].re;
-            double* out = &destination[first * panel_stride + 2 * p].re;
-            for (zint q = 0; q < panels; ++q) {
-                const __m256d x = _mm256_loadu_pd(column + 4 * q);
-                _mm256_store_pd(out + 2 * q * panel_stride, complex_scale(x, alpha_re, alpha_im));
+    for (zint p0 = 0; p0 < cols; p0 += kDepthPerPass) {
+        const zint steps = cols - p0 < kDepthPerPass ? cols - p0 : kDepthPerPass;
+        for (zint q = 0; q < whole; ++q) {
+            const double* column = &source[2 * q + p0 * ld].re;
+            double* out = &destination[q * panel_stride + 2 * p0].re;
+            for (zint t = 0; t < steps; ++t) {
+                const __m256d x = _mm256_loadu_pd(column + 2 * t * ld);
+                _mm256_store_pd(out + 4 * t, complex_scale(x, alpha_re, alpha_im));
             }
         }
-        for (zint q = 0; q < panels; ++q)
-            zero_complex_padding(destination + (first + q) * panel_stride, 2, cols, panel_stride / 2);
     }
-    if (whole * 2 < rows)
+    for (zint q = 0; q < whole; ++q)
+        zero_complex_padding(destination + q * panel_stride, 2, cols, panel_stride / 2);
+    if (whole * 2 < rows) {
         pack_a_n<2>(rows - 2 * whole, cols, source + 2 * whole, ld, destination + whole * panel_stride,
                     panel_stride, alpha);
+    }
 }
 
 // Rows of op(A) that are columns of A (transposed, conjugated when kConjugate).
@@ -239,20 +246,24 @@ template <bool kConjugate>
 inline void zpack_b_rows_avx(const zint& rows, const zint& cols, const zcomplex* source, const zint& ld,
                              zcomplex* destination, const zint& panel_stride, const zcomplex& unused) {
     const zint whole = cols / 4;
-    for (zint q = 0; q < whole; ++q) {
-        double* panel = &destination[q * panel_stride].re;
-        for (zint p = 0; p < rows; ++p) {
-            const double* row = &source[4 * q + p * ld].re;
-            __m256d lo = _mm256_loadu_pd(row), hi = _mm256_loadu_pd(row + 4);
-            if constexpr (kConjugate) {
-                lo = conjugate_pairs(lo);
-                hi = conjugate_pairs(hi);
+    for (zint p0 = 0; p0 < rows; p0 += kDepthPerPass) {
+        const zint steps = rows - p0 < kDepthPerPass ? rows - p0 : kDepthPerPass;
+        for (zint q = 0; q < whole; ++q) {
+            const double* row = &source[4 * q + p0 * ld].re;
+            double* out = &destination[q * panel_stride + 4 * p0].re;
+            for (zint t = 0; t < steps; ++t) {
+                __m256d lo = _mm256_loadu_pd(row + 2 * t * ld), hi = _mm256_loadu_pd(row + 2 * t * ld + 4);
+                if constexpr (kConjugate) {
+                    lo = conjugate_pairs(lo);
+                    hi = conjugate_pairs(hi);
+                }
+                _mm256_store_pd(out + 8 * t, lo);
+                _mm256_store_pd(out + 8 * t + 4, hi);
             }
-            _mm256_store_pd(panel + 8 * p, lo);
-            _mm256_store_pd(panel + 8 * p + 4, hi);
         }
-        zero_complex_padding(destination + q * panel_stride, 4, rows, panel_stride / 4);
     }
+    for (zint q = 0; q < whole; ++q)
+        zero_complex_padding(destination + q * panel_stride, 4, rows, panel_stride / 4);
     if (whole * 4 < cols) {
         const zcomplex* rest = source + 4 * whole;
         zcomplex* out = destination + whole * panel_stride;
