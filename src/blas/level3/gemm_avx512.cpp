@@ -400,40 +400,68 @@ zint group_columns(zint kb, zint element_bytes, zint step) {
     return columns < step ? step : columns;
 }
 
+// Slivers of the packed A block in row order: real ones of 8 rows, then one of 4, then the 1 to 3
+// rows of a partial panel; complex ones of 4 rows, the last of what remains. Each column group runs
+// them in the direction opposite to the group before, so that it starts with the slivers that the
+// packing or the group before left in the level-2 cache.
+zint real_slivers(zint mb) {
+    return mb / 8 + (mb % 8 >= 4 ? 1 : 0) + (mb % 4 != 0 ? 1 : 0);
+}
+
+ZOR_AVX512 void dgemm_sliver(zint s, zint mb, zint kb, const double* packed_a, zint a_stride, const double* b,
+                             zint b_stride, zint ncols, double* c, zint ldc, Beta kind, double beta) {
+    const zint eights = mb / 8, whole = mb / 4 * 4;
+    if (s < eights) {
+        dgemm_row_sliver<8>(kb, packed_a + 2 * s * a_stride, a_stride, b, b_stride, ncols, c + 8 * s, ldc,
+                            kind, beta);
+        return;
+    }
+    if (s == eights && whole - 8 * eights == 4) {
+        dgemm_row_sliver<4>(kb, packed_a + 2 * s * a_stride, a_stride, b, b_stride, ncols, c + 8 * s, ldc,
+                            kind, beta);
+        return;
+    }
+    const double* edge = packed_a + (whole / 4) * a_stride;
+    switch (mb - whole) {
+        case 3:
+            dgemm_row_sliver<3>(kb, edge, a_stride, b, b_stride, ncols, c + whole, ldc, kind, beta);
+            break;
+        case 2:
+            dgemm_row_sliver<2>(kb, edge, a_stride, b, b_stride, ncols, c + whole, ldc, kind, beta);
+            break;
+        default:
+            dgemm_row_sliver<1>(kb, edge, a_stride, b, b_stride, ncols, c + whole, ldc, kind, beta);
+            break;
+    }
+}
+
+ZOR_AVX512 void zgemm_sliver(zint s, zint mb, zint kb, const double* packed_a, zint a_stride, const double* b,
+                             zint b_stride, zint ncols, double* c, zint ldc, Beta kind,
+                             const zcomplex& beta) {
+    // A last panel with one row has a zero in its second slot: computed, not stored.
+    const int rows = static_cast<int>(mb - 4 * s < 4 ? mb - 4 * s : 4);
+    const double* a = packed_a + 2 * s * a_stride;
+    if (rows > 2) {
+        zgemm_row_sliver<4>(kb, a, a_stride, b, b_stride, ncols, c + 8 * s, ldc, rows, kind, beta);
+    } else {
+        zgemm_row_sliver<2>(kb, a, a_stride, b, b_stride, ncols, c + 8 * s, ldc, rows, kind, beta);
+    }
+}
+
 }  // namespace
 
 ZOR_AVX512 void dgemm_macro_avx512(const zint& mb, const zint& nb, const zint& kb, const double* packed_a,
                                    const double* packed_b, const double* beta, double* c, const zint& ldc) {
     const Beta kind = classify(*beta);
     const zint a_stride = 4 * kb, b_stride = 8 * kb;
-    const zint whole = mb / 4 * 4;
-    const zint group = group_columns(kb, 8, 24);
-    for (zint jg = 0; jg < nb; jg += group) {
+    const zint group = group_columns(kb, 8, 24), slivers = real_slivers(mb);
+    bool backward = true;
+    for (zint jg = 0; jg < nb; jg += group, backward = !backward) {
         const zint ncols = nb - jg < group ? nb - jg : group;
         const double* b = packed_b + (jg / 8) * b_stride;
-        double* cg = c + jg * ldc;
-        zint i = 0;
-        for (; i + 8 <= whole; i += 8) {
-            dgemm_row_sliver<8>(kb, packed_a + (i / 4) * a_stride, a_stride, b, b_stride, ncols, cg + i, ldc,
-                                kind, *beta);
-        }
-        if (i < whole) {
-            dgemm_row_sliver<4>(kb, packed_a + (i / 4) * a_stride, a_stride, b, b_stride, ncols, cg + i, ldc,
-                                kind, *beta);
-        }
-        const double* edge = packed_a + (whole / 4) * a_stride;
-        switch (mb - whole) {
-            case 3:
-                dgemm_row_sliver<3>(kb, edge, a_stride, b, b_stride, ncols, cg + whole, ldc, kind, *beta);
-                break;
-            case 2:
-                dgemm_row_sliver<2>(kb, edge, a_stride, b, b_stride, ncols, cg + whole, ldc, kind, *beta);
-                break;
-            case 1:
-                dgemm_row_sliver<1>(kb, edge, a_stride, b, b_stride, ncols, cg + whole, ldc, kind, *beta);
-                break;
-            default:
-                break;
+        for (zint t = 0; t < slivers; ++t) {
+            dgemm_sliver(backward ? slivers - 1 - t : t, mb, kb, packed_a, a_stride, b, b_stride, ncols,
+                         c + jg * ldc, ldc, kind, *beta);
         }
     }
 }
@@ -443,24 +471,14 @@ ZOR_AVX512 void zgemm_macro_avx512(const zint& mb, const zint& nb, const zint& k
                                    const zint& ldc) {
     const Beta kind = classify(*beta);
     const zint a_stride = 4 * kb, b_stride = 8 * kb;  // in doubles
-    const double* a = &packed_a->re;
-    const zint group = group_columns(kb, 16, 12);
-    for (zint jg = 0; jg < nb; jg += group) {
+    const zint group = group_columns(kb, 16, 12), slivers = (mb + 3) / 4;
+    bool backward = true;
+    for (zint jg = 0; jg < nb; jg += group, backward = !backward) {
         const zint ncols = nb - jg < group ? nb - jg : group;
         const double* b = &packed_b->re + (jg / 4) * b_stride;
-        double* cg = &c->re + 2 * jg * ldc;
-        zint i = 0;
-        for (; i + 4 <= mb; i += 4) {
-            zgemm_row_sliver<4>(kb, a + (i / 2) * a_stride, a_stride, b, b_stride, ncols, cg + 2 * i, ldc, 4,
-                                kind, *beta);
-        }
-        // A last panel with one row has a zero in its second slot: computed, not stored.
-        const int rest = static_cast<int>(mb - i);
-        const double* ai = a + (i / 2) * a_stride;
-        if (rest > 2) {
-            zgemm_row_sliver<4>(kb, ai, a_stride, b, b_stride, ncols, cg + 2 * i, ldc, rest, kind, *beta);
-        } else if (rest > 0) {
-            zgemm_row_sliver<2>(kb, ai, a_stride, b, b_stride, ncols, cg + 2 * i, ldc, rest, kind, *beta);
+        for (zint t = 0; t < slivers; ++t) {
+            zgemm_sliver(backward ? slivers - 1 - t : t, mb, kb, &packed_a->re, a_stride, b, b_stride, ncols,
+                         &c->re + 2 * jg * ldc, ldc, kind, *beta);
         }
     }
 }
