@@ -189,7 +189,7 @@ bool draw(const std::string& csv, const std::string& image, double peak) {
     script << (svg ? "set terminal svg size 1200,500 dynamic\n" : "set terminal pngcairo size 1200,500\n");
     script << "set output '" << image << "'\nset multiplot layout 1," << data.size() << "\n";
     script << "set logscale x 2\nset xlabel 'n (square, column-major)'\nset ylabel 'GFLOP/s, one core'\n";
-    script << "set key bottom right\nset grid\nset yrange [0:*]\n";
+    script << "set key below\nset grid\nset yrange [0:*]\n";
     for (const auto& [routine, rows] : data) {
         const std::string data_path = image + "." + routine + ".dat";
         std::ofstream(data_path) << rows;

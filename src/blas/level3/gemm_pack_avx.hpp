@@ -24,6 +24,12 @@ inline void transpose4(__m256d& r0, __m256d& r1, __m256d& r2, __m256d& r3) {
     r3 = _mm256_permute2f128_pd(t1, t3, 0x31);
 }
 
+// A block of N depth steps, N known at compile time; converts to the count.
+template <zint N>
+struct DepthBlock {
+    constexpr operator zint() const { return N; }
+};
+
 inline void zero_depth_padding(double* panel, zint width, zint depth, zint padded_depth) {
     for (zint p = depth * width; p < padded_depth * width; ++p) panel[p] = 0.0;
 }
@@ -33,12 +39,23 @@ inline void zero_depth_padding(double* panel, zint width, zint depth, zint padde
 // cache lines at a time.
 constexpr zint kDepthPerPass = 8;
 
-inline void pack_a_n_avx(const zint& rows, const zint& cols, const double* source, const zint& ld,
-                         double* destination, const zint& panel_stride, const double& alpha) {
+// Calls body(p0, steps) for the depth blocks of kDepthPerPass, the steps of whole blocks as a
+// compile-time constant so that their loops unroll completely.
+template <class Body>
+inline void over_depth_blocks(zint depth, Body body) {
+    zint p0 = 0;
+    for (; p0 + kDepthPerPass <= depth; p0 += kDepthPerPass) body(p0, DepthBlock<kDepthPerPass>{});
+    if (p0 < depth) body(p0, depth - p0);
+}
+
+// The arguments come by reference; copies in registers let the compiler see that the packed stores
+// cannot change them.
+inline void pack_a_n_avx(const zint& rows_in, const zint& cols_in, const double* source, const zint& ld_in,
+                         double* destination, const zint& stride_in, const double& alpha) {
+    const zint rows = rows_in, cols = cols_in, ld = ld_in, panel_stride = stride_in;
     const __m256d scale = _mm256_set1_pd(alpha);
     const zint whole = rows / 4;
-    for (zint p0 = 0; p0 < cols; p0 += kDepthPerPass) {
-        const zint steps = cols - p0 < kDepthPerPass ? cols - p0 : kDepthPerPass;
+    over_depth_blocks(cols, [&](zint p0, auto steps) {
         for (zint q = 0; q < whole; ++q) {
             const double* column = source + 4 * q + p0 * ld;
             double* out = destination + q * panel_stride + 4 * p0;
@@ -46,7 +63,7 @@ inline void pack_a_n_avx(const zint& rows, const zint& cols, const double* sourc
                 _mm256_store_pd(out + 4 * t, _mm256_mul_pd(scale, _mm256_loadu_pd(column + t * ld)));
             }
         }
-    }
+    });
     for (zint q = 0; q < whole; ++q)
         zero_depth_padding(destination + q * panel_stride, 4, cols, panel_stride / 4);
     if (whole * 4 < rows) {
@@ -55,8 +72,9 @@ inline void pack_a_n_avx(const zint& rows, const zint& cols, const double* sourc
     }
 }
 
-inline void pack_a_t_avx(const zint& rows, const zint& cols, const double* source, const zint& ld,
-                         double* destination, const zint& panel_stride, const double& alpha) {
+inline void pack_a_t_avx(const zint& rows_in, const zint& cols_in, const double* source, const zint& ld_in,
+                         double* destination, const zint& stride_in, const double& alpha) {
+    const zint rows = rows_in, cols = cols_in, ld = ld_in, panel_stride = stride_in;
     const __m256d scale = _mm256_set1_pd(alpha);
     const zint whole = rows / 4, depth4 = cols / 4 * 4;
     for (zint q = 0; q < whole; ++q) {
@@ -76,13 +94,15 @@ inline void pack_a_t_avx(const zint& rows, const zint& cols, const double* sourc
         }
         zero_depth_padding(panel, 4, cols, panel_stride / 4);
     }
-    if (whole * 4 < rows)
+    if (whole * 4 < rows) {
         pack_a_t<4>(rows - 4 * whole, cols, source + 4 * whole * ld, ld, destination + whole * panel_stride,
                     panel_stride, alpha);
+    }
 }
 
-inline void pack_b_n_avx(const zint& rows, const zint& cols, const double* source, const zint& ld,
-                         double* destination, const zint& panel_stride, const double& unused) {
+inline void pack_b_n_avx(const zint& rows_in, const zint& cols_in, const double* source, const zint& ld_in,
+                         double* destination, const zint& stride_in, const double& unused) {
+    const zint rows = rows_in, cols = cols_in, ld = ld_in, panel_stride = stride_in;
     const zint whole = cols / 8, depth4 = rows / 4 * 4;
     for (zint q = 0; q < whole; ++q) {
         const double* columns = source + 8 * q * ld;
@@ -105,16 +125,17 @@ inline void pack_b_n_avx(const zint& rows, const zint& cols, const double* sourc
         }
         zero_depth_padding(panel, 8, rows, panel_stride / 8);
     }
-    if (whole * 8 < cols)
+    if (whole * 8 < cols) {
         pack_b_n<8>(rows, cols - 8 * whole, source + 8 * whole * ld, ld, destination + whole * panel_stride,
                     panel_stride, unused);
+    }
 }
 
-inline void pack_b_t_avx(const zint& rows, const zint& cols, const double* source, const zint& ld,
-                         double* destination, const zint& panel_stride, const double& unused) {
+inline void pack_b_t_avx(const zint& rows_in, const zint& cols_in, const double* source, const zint& ld_in,
+                         double* destination, const zint& stride_in, const double& unused) {
+    const zint rows = rows_in, cols = cols_in, ld = ld_in, panel_stride = stride_in;
     const zint whole = cols / 8;
-    for (zint p0 = 0; p0 < rows; p0 += kDepthPerPass) {
-        const zint steps = rows - p0 < kDepthPerPass ? rows - p0 : kDepthPerPass;
+    over_depth_blocks(rows, [&](zint p0, auto steps) {
         for (zint q = 0; q < whole; ++q) {
             const double* row = source + 8 * q + p0 * ld;
             double* out = destination + q * panel_stride + 8 * p0;
@@ -123,7 +144,7 @@ inline void pack_b_t_avx(const zint& rows, const zint& cols, const double* sourc
                 _mm256_store_pd(out + 8 * t + 4, _mm256_loadu_pd(row + t * ld + 4));
             }
         }
-    }
+    });
     for (zint q = 0; q < whole; ++q)
         zero_depth_padding(destination + q * panel_stride, 8, rows, panel_stride / 8);
     if (whole * 8 < cols) {
@@ -146,12 +167,12 @@ inline void zero_complex_padding(zcomplex* panel, zint width, zint depth, zint p
     for (zint p = depth * width; p < padded_depth * width; ++p) panel[p] = zcomplex{0.0, 0.0};
 }
 
-inline void zpack_a_n_avx(const zint& rows, const zint& cols, const zcomplex* source, const zint& ld,
-                          zcomplex* destination, const zint& panel_stride, const zcomplex& alpha) {
+inline void zpack_a_n_avx(const zint& rows_in, const zint& cols_in, const zcomplex* source, const zint& ld_in,
+                          zcomplex* destination, const zint& stride_in, const zcomplex& alpha) {
+    const zint rows = rows_in, cols = cols_in, ld = ld_in, panel_stride = stride_in;
     const __m256d alpha_re = _mm256_set1_pd(alpha.re), alpha_im = _mm256_set1_pd(alpha.im);
     const zint whole = rows / 2;
-    for (zint p0 = 0; p0 < cols; p0 += kDepthPerPass) {
-        const zint steps = cols - p0 < kDepthPerPass ? cols - p0 : kDepthPerPass;
+    over_depth_blocks(cols, [&](zint p0, auto steps) {
         for (zint q = 0; q < whole; ++q) {
             const double* column = &source[2 * q + p0 * ld].re;
             double* out = &destination[q * panel_stride + 2 * p0].re;
@@ -160,7 +181,7 @@ inline void zpack_a_n_avx(const zint& rows, const zint& cols, const zcomplex* so
                 _mm256_store_pd(out + 4 * t, complex_scale(x, alpha_re, alpha_im));
             }
         }
-    }
+    });
     for (zint q = 0; q < whole; ++q)
         zero_complex_padding(destination + q * panel_stride, 2, cols, panel_stride / 2);
     if (whole * 2 < rows) {
@@ -171,8 +192,10 @@ inline void zpack_a_n_avx(const zint& rows, const zint& cols, const zcomplex* so
 
 // Rows of op(A) that are columns of A (transposed, conjugated when kConjugate).
 template <bool kConjugate>
-inline void zpack_a_rows_avx(const zint& rows, const zint& cols, const zcomplex* source, const zint& ld,
-                             zcomplex* destination, const zint& panel_stride, const zcomplex& alpha) {
+inline void zpack_a_rows_avx(const zint& rows_in, const zint& cols_in, const zcomplex* source,
+                             const zint& ld_in, zcomplex* destination, const zint& stride_in,
+                             const zcomplex& alpha) {
+    const zint rows = rows_in, cols = cols_in, ld = ld_in, panel_stride = stride_in;
     const __m256d alpha_re = _mm256_set1_pd(alpha.re), alpha_im = _mm256_set1_pd(alpha.im);
     const zint whole = rows / 2, depth2 = cols / 2 * 2;
     for (zint q = 0; q < whole; ++q) {
@@ -213,8 +236,9 @@ inline void zpack_a_rows_avx(const zint& rows, const zint& cols, const zcomplex*
     }
 }
 
-inline void zpack_b_n_avx(const zint& rows, const zint& cols, const zcomplex* source, const zint& ld,
-                          zcomplex* destination, const zint& panel_stride, const zcomplex& unused) {
+inline void zpack_b_n_avx(const zint& rows_in, const zint& cols_in, const zcomplex* source, const zint& ld_in,
+                          zcomplex* destination, const zint& stride_in, const zcomplex& unused) {
+    const zint rows = rows_in, cols = cols_in, ld = ld_in, panel_stride = stride_in;
     const zint whole = cols / 4, depth2 = rows / 2 * 2;
     for (zint q = 0; q < whole; ++q) {
         const double* columns = &source[4 * q * ld].re;
@@ -243,11 +267,12 @@ inline void zpack_b_n_avx(const zint& rows, const zint& cols, const zcomplex* so
 
 // Rows of B that are columns of op(B): plain copies, conjugated when kConjugate.
 template <bool kConjugate>
-inline void zpack_b_rows_avx(const zint& rows, const zint& cols, const zcomplex* source, const zint& ld,
-                             zcomplex* destination, const zint& panel_stride, const zcomplex& unused) {
+inline void zpack_b_rows_avx(const zint& rows_in, const zint& cols_in, const zcomplex* source,
+                             const zint& ld_in, zcomplex* destination, const zint& stride_in,
+                             const zcomplex& unused) {
+    const zint rows = rows_in, cols = cols_in, ld = ld_in, panel_stride = stride_in;
     const zint whole = cols / 4;
-    for (zint p0 = 0; p0 < rows; p0 += kDepthPerPass) {
-        const zint steps = rows - p0 < kDepthPerPass ? rows - p0 : kDepthPerPass;
+    over_depth_blocks(rows, [&](zint p0, auto steps) {
         for (zint q = 0; q < whole; ++q) {
             const double* row = &source[4 * q + p0 * ld].re;
             double* out = &destination[q * panel_stride + 4 * p0].re;
@@ -261,7 +286,7 @@ inline void zpack_b_rows_avx(const zint& rows, const zint& cols, const zcomplex*
                 _mm256_store_pd(out + 8 * t + 4, hi);
             }
         }
-    }
+    });
     for (zint q = 0; q < whole; ++q)
         zero_complex_padding(destination + q * panel_stride, 4, rows, panel_stride / 4);
     if (whole * 4 < cols) {
