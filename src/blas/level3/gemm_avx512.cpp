@@ -10,6 +10,7 @@
 
 #include "blas/kernel.hpp"
 #include "blas/level3/gemm_avx_paths.hpp"
+#include "blas/level3/gemm_blocking.hpp"
 
 #if ZOR_LEVEL == 4
 
@@ -24,10 +25,6 @@
 namespace zor::avx {
 
 namespace {
-
-// B columns streamed against one A sliver: the group stays in the level-2 cache while the sliver
-// (2 panels) stays in the level-1 cache.
-constexpr zint kGroupBytes = zint{256} << 10;
 
 enum class Beta { Zero, One, Other };
 
@@ -395,15 +392,14 @@ ZOR_AVX512 void zgemm_row_sliver(zint kb, const double* a, zint a_stride, const 
     }
 }
 
-zint group_columns(zint kb, zint element_bytes, zint step) {
-    const zint columns = kGroupBytes / (kb * element_bytes) / step * step;
-    return columns < step ? step : columns;
-}
-
-// Slivers of the packed A block in row order: real ones of 8 rows, then one of 4, then the 1 to 3
-// rows of a partial panel; complex ones of 4 rows, the last of what remains. Each column group runs
-// them in the direction opposite to the group before, so that it starts with the slivers that the
-// packing or the group before left in the level-2 cache.
+// The macro-kernels take the packed A block a group of slivers at a time, a group sized to stay in
+// the level-2 cache, and run every tile column of the packed B block (24 real or 12 complex columns)
+// down the group's slivers. So C is visited column strip by column strip, each strip's columns read
+// and written in order, which the hardware prefetchers follow; and B is read once per group. The
+// strips run backward every other group, starting with the ones the group before left in the cache.
+//
+// Slivers in row order: real ones of 8 rows, then one of 4, then the 1 to 3 rows of a partial
+// panel; complex ones of 4 rows, the last of what remains.
 zint real_slivers(zint mb) {
     return mb / 8 + (mb % 8 >= 4 ? 1 : 0) + (mb % 4 != 0 ? 1 : 0);
 }
@@ -448,20 +444,29 @@ ZOR_AVX512 void zgemm_sliver(zint s, zint mb, zint kb, const double* packed_a, z
     }
 }
 
+// Slivers per group: a sliver is 2 panels of kb depth steps of 4 doubles.
+zint slivers_per_group(zint kb) {
+    const zint slivers = gemm_a_group_bytes() / (64 * kb);
+    return slivers < 1 ? 1 : slivers;
+}
+
 }  // namespace
 
 ZOR_AVX512 void dgemm_macro_avx512(const zint& mb, const zint& nb, const zint& kb, const double* packed_a,
                                    const double* packed_b, const double* beta, double* c, const zint& ldc) {
     const Beta kind = classify(*beta);
     const zint a_stride = 4 * kb, b_stride = 8 * kb;
-    const zint group = group_columns(kb, 8, 24), slivers = real_slivers(mb);
-    bool backward = true;
-    for (zint jg = 0; jg < nb; jg += group, backward = !backward) {
-        const zint ncols = nb - jg < group ? nb - jg : group;
-        const double* b = packed_b + (jg / 8) * b_stride;
-        for (zint t = 0; t < slivers; ++t) {
-            dgemm_sliver(backward ? slivers - 1 - t : t, mb, kb, packed_a, a_stride, b, b_stride, ncols,
-                         c + jg * ldc, ldc, kind, *beta);
+    const zint slivers = real_slivers(mb), group = slivers_per_group(kb), strips = (nb + 23) / 24;
+    bool backward = false;
+    for (zint first = 0; first < slivers; first += group, backward = !backward) {
+        const zint last = slivers < first + group ? slivers : first + group;
+        for (zint t = 0; t < strips; ++t) {
+            const zint j = 24 * (backward ? strips - 1 - t : t);
+            const zint ncols = nb - j < 24 ? nb - j : 24;
+            for (zint s = first; s < last; ++s) {
+                dgemm_sliver(s, mb, kb, packed_a, a_stride, packed_b + (j / 8) * b_stride, b_stride, ncols,
+                             c + j * ldc, ldc, kind, *beta);
+            }
         }
     }
 }
@@ -471,14 +476,17 @@ ZOR_AVX512 void zgemm_macro_avx512(const zint& mb, const zint& nb, const zint& k
                                    const zint& ldc) {
     const Beta kind = classify(*beta);
     const zint a_stride = 4 * kb, b_stride = 8 * kb;  // in doubles
-    const zint group = group_columns(kb, 16, 12), slivers = (mb + 3) / 4;
-    bool backward = true;
-    for (zint jg = 0; jg < nb; jg += group, backward = !backward) {
-        const zint ncols = nb - jg < group ? nb - jg : group;
-        const double* b = &packed_b->re + (jg / 4) * b_stride;
-        for (zint t = 0; t < slivers; ++t) {
-            zgemm_sliver(backward ? slivers - 1 - t : t, mb, kb, &packed_a->re, a_stride, b, b_stride, ncols,
-                         &c->re + 2 * jg * ldc, ldc, kind, *beta);
+    const zint slivers = (mb + 3) / 4, group = slivers_per_group(kb), strips = (nb + 11) / 12;
+    bool backward = false;
+    for (zint first = 0; first < slivers; first += group, backward = !backward) {
+        const zint last = slivers < first + group ? slivers : first + group;
+        for (zint t = 0; t < strips; ++t) {
+            const zint j = 12 * (backward ? strips - 1 - t : t);
+            const zint ncols = nb - j < 12 ? nb - j : 12;
+            for (zint s = first; s < last; ++s) {
+                zgemm_sliver(s, mb, kb, &packed_a->re, a_stride, &packed_b->re + (j / 4) * b_stride, b_stride,
+                             ncols, &c->re + 2 * j * ldc, ldc, kind, *beta);
+            }
         }
     }
 }

@@ -80,6 +80,18 @@ zint gemm_nc(zint n, zint nr) {
     return round_up(nc, nr);
 }
 
+std::int64_t gemm_a_group_bytes(std::int64_t level2_bytes) {
+    if (level2_bytes <= 0) level2_bytes = std::int64_t{512} << 10;
+    const std::int64_t half = level2_bytes / 2;
+    if (half < (std::int64_t{64} << 10)) return std::int64_t{64} << 10;
+    return half > (std::int64_t{2} << 20) ? std::int64_t{2} << 20 : half;
+}
+
+std::int64_t gemm_a_group_bytes() {
+    // The cached answer of a one-time query: a plain load after the first call.
+    return gemm_a_group_bytes(cache_size(2));
+}
+
 template <class T>
 void choose_blocks_for_cache(const zint&, const zint& n, const zint& k, GemmBlockingParams<T>& params,
                              std::int64_t cache_bytes) {

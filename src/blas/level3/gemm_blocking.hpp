@@ -99,6 +99,12 @@ zint gemm_kc(zint k, zint kr);
 zint gemm_mc(std::int64_t cache_bytes, int element_bytes, zint mr);
 zint gemm_nc(zint n, zint nr);
 
+// How much of a packed A block the macro-kernels keep in the level-2 cache at a time: half of it,
+// given its size in bytes (0 or less: not reported, taken as 512 KiB), between 64 KiB and 2 MiB.
+std::int64_t gemm_a_group_bytes(std::int64_t level2_bytes);
+// The same for this processor: the second cache of the CPUID cache table.
+std::int64_t gemm_a_group_bytes();
+
 // choose_blocks with the cache size given; the table entries pass cache_size(0).
 template <class T>
 void choose_blocks_for_cache(const zint& m, const zint& n, const zint& k, GemmBlockingParams<T>& params,
