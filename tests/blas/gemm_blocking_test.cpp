@@ -52,6 +52,14 @@ TEST(GemmBlocks, ColumnsAreCappedAndRoundedToThePanel) {
     EXPECT_EQ(gemm_nc(4998, 4), 5000);
 }
 
+TEST(GemmBlocks, AGroupsTakeHalfTheLevel2Cache) {
+    EXPECT_EQ(gemm_a_group_bytes(2 * kMiB), 1 * kMiB);
+    EXPECT_EQ(gemm_a_group_bytes(512 << 10), 256 << 10);
+    EXPECT_EQ(gemm_a_group_bytes(64 << 10), 64 << 10);   // at least 64 KiB
+    EXPECT_EQ(gemm_a_group_bytes(16 * kMiB), 2 * kMiB);  // at most 2 MiB
+    EXPECT_EQ(gemm_a_group_bytes(-1), 256 << 10);        // not reported: as 512 KiB
+}
+
 TEST(GemmBlocks, ChooseBlocksKeepsChosenRowsAndDepthButNotColumns) {
     GemmBlockingParams<double> params{};
     params.mr = 4;

@@ -20,15 +20,11 @@ namespace {
 using Macro = GemmOperations<double>::MacroKernel;
 using Pack = GemmOperations<double>::Pack;
 
-// B columns a sliver of A runs against at a time, sized for the level-2 caches of the processors
-// these levels serve.
-constexpr zint kGroupBytes = zint{192} << 10;
-
 template <int MR, int NR, int RV, int NJ, int KB = 0, bool kWholeSlivers = false>
 void macro_sse(const zint& mb, const zint& nb, const zint& kb, const double* packed_a, const double* packed_b,
                const double* beta, double* c, const zint& ldc) {
     dgemm_macro_columns<SseOps, MR, NR, RV, NJ, KB, kWholeSlivers>(mb, nb, kb, packed_a, packed_b, *beta, c,
-                                                                   ldc, kGroupBytes);
+                                                                   ldc, gemm_a_group_bytes());
 }
 
 // ---- table-driven design ----------------------------------------------------------------------------
@@ -46,7 +42,7 @@ Macro* table_macro_kernel(const GemmChoice& choice, int record_index) {
         return [](const zint& mb, const zint& nb, const zint& kb, const double* packed_a,
                   const double* packed_b, const double* beta, double* c, const zint& ldc) {
             dgemm_macro_columns<AvxOps, 4, 8, 2, 4>(mb, nb, kb, packed_a, packed_b, *beta, c, ldc,
-                                                    kGroupBytes);
+                                                    gemm_a_group_bytes());
         };
 #endif
     } else if constexpr (kLevel == CpuLevel::Sse42) {

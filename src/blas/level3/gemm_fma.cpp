@@ -5,6 +5,7 @@
 
 #include "blas/kernel.hpp"
 #include "blas/level3/gemm_avx_paths.hpp"
+#include "blas/level3/gemm_blocking.hpp"
 
 #if ZOR_LEVEL == 4
 
@@ -20,8 +21,6 @@ namespace zor::avx {
 
 namespace {
 
-constexpr zint kGroupBytes = zint{256} << 10;
-
 // Plain AVX but with fused multiply-adds.
 struct FmaOps : AvxOps {
     static Vec mul_add(Vec a, Vec b, Vec c) { return _mm256_fmadd_pd(a, b, c); }
@@ -31,14 +30,16 @@ struct FmaOps : AvxOps {
 
 void dgemm_macro_fma(const zint& mb, const zint& nb, const zint& kb, const double* packed_a,
                      const double* packed_b, const double* beta, double* c, const zint& ldc) {
-    dgemm_macro_columns<FmaOps, 4, 8, 3, 4>(mb, nb, kb, packed_a, packed_b, *beta, c, ldc, kGroupBytes);
+    dgemm_macro_columns<FmaOps, 4, 8, 3, 4>(mb, nb, kb, packed_a, packed_b, *beta, c, ldc,
+                                            gemm_a_group_bytes());
 }
 
 void zgemm_macro_fma(const zint& mb, const zint& nb, const zint& kb, const zcomplex* packed_a,
                      const zcomplex* packed_b, const zcomplex* beta, zcomplex* c, const zint& ldc) {
     alignas(16) double beta_vector[4];
     make_beta_vector(*beta, beta_vector);
-    zgemm_macro_columns<FmaOps, 2, 4, 3, 2>(mb, nb, kb, packed_a, packed_b, beta_vector, c, ldc, kGroupBytes);
+    zgemm_macro_columns<FmaOps, 2, 4, 3, 2>(mb, nb, kb, packed_a, packed_b, beta_vector, c, ldc,
+                                            gemm_a_group_bytes());
 }
 
 }  // namespace zor::avx

@@ -145,88 +145,85 @@ void dtile_edge_rows(zint kb, const double* a, const double* b, double* c, zint 
     }
 }
 
-// The B columns a row sliver is run against at a time: a group that stays in the level-2 cache.
-inline zint column_group(zint kb, zint element_bytes, zint group_bytes, zint step) {
-    const zint columns = group_bytes / (kb * element_bytes) / step * step;
-    return columns < step ? step : columns;
+// The macro-kernels take the packed A block a group of slivers at a time, a group sized to stay in
+// the level-2 cache (`a_group_bytes`), and run every strip of NJ columns of the packed B block down
+// the group's slivers: C is visited strip by strip, each column in order, and B is read once per
+// group. The strips run backward every other group, starting with the ones still in the cache.
+inline zint slivers_per_group(zint a_group_bytes, zint sliver_bytes) {
+    const zint slivers = a_group_bytes / sliver_bytes;
+    return slivers < 1 ? 1 : slivers;
 }
 
-// A sliver of RV vectors of rows against `ncols` columns of packed B.
+// One tile of `rv` vectors of rows (rv <= RV, a multiple of MR / kLanes).
 template <class V, int MR, int NR, int RV, int NJ, int KB>
-void dsliver_columns(zint kb, const double* a, zint a_stride, const double* b, zint b_stride, zint ncols,
-                     double* c, zint ldc, BetaKind kind, double beta) {
-    for (zint j = 0; j < ncols; j += NR) {
-        const double* panel = b + (j / NR) * b_stride;
-        const zint in_panel = ncols - j < NR ? ncols - j : NR;
-        for (zint j0 = 0; j0 < in_panel; j0 += NJ) {
-            const int cols = static_cast<int>(in_panel - j0 < NJ ? in_panel - j0 : NJ);
-            dtile_columns<V, MR, NR, RV, NJ, KB>(kb, a, a_stride, panel + j0, c + (j + j0) * ldc, ldc, cols,
-                                                 kind, beta);
-        }
-    }
-}
-
-// Runs the sliver of `rv` vectors (rv <= RV, a multiple of MR / kLanes) with the tile of that height.
-template <class V, int MR, int NR, int RV, int NJ, int KB>
-void dsliver_of_height(int rv, zint kb, const double* a, zint a_stride, const double* b, zint b_stride,
-                       zint ncols, double* c, zint ldc, BetaKind kind, double beta) {
+void dtile_of_height(int rv, zint kb, const double* a, zint a_stride, const double* b, double* c, zint ldc,
+                     int cols, BetaKind kind, double beta) {
     if constexpr (RV > 0) {
         if (rv == RV) {
-            dsliver_columns<V, MR, NR, RV, NJ, KB>(kb, a, a_stride, b, b_stride, ncols, c, ldc, kind, beta);
+            dtile_columns<V, MR, NR, RV, NJ, KB>(kb, a, a_stride, b, c, ldc, cols, kind, beta);
         } else {
-            dsliver_of_height<V, MR, NR, RV - 1, NJ, KB>(rv, kb, a, a_stride, b, b_stride, ncols, c, ldc,
-                                                         kind, beta);
+            dtile_of_height<V, MR, NR, RV - 1, NJ, KB>(rv, kb, a, a_stride, b, c, ldc, cols, kind, beta);
         }
     }
 }
 
 template <class V, int MR, int NR, int ROWS>
-void dedge_rows(int rows, zint kb, const double* a, const double* b, zint b_stride, zint ncols, double* c,
-                zint ldc, BetaKind kind, double beta) {
+void dedge_rows(int rows, zint kb, const double* a, const double* b, double* c, zint ldc, int cols,
+                BetaKind kind, double beta) {
     if constexpr (ROWS > 0) {
         if (rows != ROWS) {
-            dedge_rows<V, MR, NR, ROWS - 1>(rows, kb, a, b, b_stride, ncols, c, ldc, kind, beta);
-            return;
-        }
-        for (zint j = 0; j < ncols; j += NR) {
-            const int cols = static_cast<int>(ncols - j < NR ? ncols - j : NR);
-            dtile_edge_rows<V, MR, NR, ROWS>(kb, a, b + (j / NR) * b_stride, c + j * ldc, ldc, cols, kind,
-                                             beta);
+            dedge_rows<V, MR, NR, ROWS - 1>(rows, kb, a, b, c, ldc, cols, kind, beta);
+        } else {
+            dtile_edge_rows<V, MR, NR, ROWS>(kb, a, b, c, ldc, cols, kind, beta);
         }
     }
 }
 
-// The macro-kernel: C(0:mb, 0:nb) := beta C + A B from packed blocks of depth kb. For each group of B
-// columns, every sliver of RV vectors of rows runs against the whole group. kWholeSlivers: the
-// caller guarantees that mb is a multiple of the sliver height.
+// The macro-kernel: C(0:mb, 0:nb) := beta C + A B from packed blocks of depth kb, in slivers of RV
+// vectors of rows and tiles of NJ columns; the rows of a partial real panel go to the edge kernel.
+// kWholeSlivers: the caller guarantees that mb is a multiple of the sliver height.
 template <class V, int MR, int NR, int RV, int NJ, int KB = 0, bool kWholeSlivers = false>
 void dgemm_macro_columns(zint mb, zint nb, zint kb, const double* packed_a, const double* packed_b,
-                         double beta, double* c, zint ldc, zint group_bytes) {
+                         double beta, double* c, zint ldc, zint a_group_bytes) {
     constexpr int L = V::kLanes;
-    static_assert((RV * L) % MR == 0 && MR % L == 0 && NR % NJ == 0, "slivers are whole panels");
+    constexpr zint kSliverRows = RV * L;
+    static_assert(kSliverRows % MR == 0 && MR % L == 0 && NR % NJ == 0, "slivers are whole panels");
     const BetaKind kind = beta_kind(beta);
     const zint a_stride = MR * kb, b_stride = NR * kb;
-    const zint whole = mb / MR * MR;
-    const zint group = column_group(kb, 8, group_bytes, NR);
-    for (zint jg = 0; jg < nb; jg += group) {
-        const zint ncols = nb - jg < group ? nb - jg : group;
-        const double* b = packed_b + (jg / NR) * b_stride;
-        double* cg = c + jg * ldc;
-        for (zint i = 0; i < whole; i += RV * L) {
-            const double* sliver = packed_a + (i / MR) * a_stride;
-            if constexpr (kWholeSlivers) {
-                dsliver_columns<V, MR, NR, RV, NJ, KB>(kb, sliver, a_stride, b, b_stride, ncols, cg + i, ldc,
-                                                       kind, beta);
-            } else {
-                const int rv = static_cast<int>((whole - i) / L < RV ? (whole - i) / L : RV);
-                dsliver_of_height<V, MR, NR, RV, NJ, KB>(rv, kb, sliver, a_stride, b, b_stride, ncols, cg + i,
-                                                         ldc, kind, beta);
+    const zint whole = mb / MR * MR, slivers = (whole + kSliverRows - 1) / kSliverRows;
+    const zint group = slivers_per_group(a_group_bytes, kSliverRows * kb * 8);
+    const zint panels = (nb + NR - 1) / NR;
+    const double* edge = packed_a + (whole / MR) * a_stride;
+    bool backward = false;
+    for (zint first = 0; first < slivers || (first == 0 && whole < mb);
+         first += group, backward = !backward) {
+        const zint last = slivers < first + group ? slivers : first + group;
+        const bool with_edge = last == slivers && whole < mb;
+        for (zint t = 0; t < panels; ++t) {
+            const zint j = NR * (backward ? panels - 1 - t : t);
+            const double* panel = packed_b + (j / NR) * b_stride;
+            const zint in_panel = nb - j < NR ? nb - j : NR;
+            for (zint j0 = 0; j0 < in_panel; j0 += NJ) {
+                const int cols = static_cast<int>(in_panel - j0 < NJ ? in_panel - j0 : NJ);
+                for (zint s = first; s < last; ++s) {
+                    const zint i = s * kSliverRows;
+                    const double* sliver = packed_a + (i / MR) * a_stride;
+                    double* cs = c + i + (j + j0) * ldc;
+                    if constexpr (kWholeSlivers) {
+                        dtile_columns<V, MR, NR, RV, NJ, KB>(kb, sliver, a_stride, panel + j0, cs, ldc, cols,
+                                                             kind, beta);
+                    } else {
+                        const int rv = static_cast<int>((whole - i) / L < RV ? (whole - i) / L : RV);
+                        dtile_of_height<V, MR, NR, RV, NJ, KB>(rv, kb, sliver, a_stride, panel + j0, cs, ldc,
+                                                               cols, kind, beta);
+                    }
+                }
             }
-        }
-        if (whole < mb) {
-            dedge_rows<V, MR, NR, MR - 1>(static_cast<int>(mb - whole), kb,
-                                          packed_a + (whole / MR) * a_stride, b, b_stride, ncols, cg + whole,
-                                          ldc, kind, beta);
+            if (with_edge) {
+                dedge_rows<V, MR, NR, MR - 1>(static_cast<int>(mb - whole), kb, edge, panel,
+                                              c + whole + j * ldc, ldc, static_cast<int>(in_panel), kind,
+                                              beta);
+            }
         }
     }
 }
@@ -282,29 +279,14 @@ void ztile_columns(zint kb, const double* a, zint a_stride, const double* b, dou
 }
 
 template <class V, int MR, int NR, int RV, int NJ>
-void zsliver_columns(zint kb, const double* a, zint a_stride, const double* b, zint b_stride, zint ncols,
-                     double* c, zint ldc, int rows, BetaKind kind, const double* beta_vector) {
-    for (zint j = 0; j < ncols; j += NR) {
-        const double* panel = b + (j / NR) * b_stride;
-        const zint in_panel = ncols - j < NR ? ncols - j : NR;
-        for (zint j0 = 0; j0 < in_panel; j0 += NJ) {
-            const int cols = static_cast<int>(in_panel - j0 < NJ ? in_panel - j0 : NJ);
-            ztile_columns<V, MR, NR, RV, NJ>(kb, a, a_stride, panel + 2 * j0, c + 2 * (j + j0) * ldc, ldc,
-                                             rows, cols, kind, beta_vector);
-        }
-    }
-}
-
-template <class V, int MR, int NR, int RV, int NJ>
-void zsliver_of_height(int rv, zint kb, const double* a, zint a_stride, const double* b, zint b_stride,
-                       zint ncols, double* c, zint ldc, int rows, BetaKind kind, const double* beta_vector) {
+void ztile_of_height(int rv, zint kb, const double* a, zint a_stride, const double* b, double* c, zint ldc,
+                     int rows, int cols, BetaKind kind, const double* beta_vector) {
     if constexpr (RV > 0) {
         if (rv == RV) {
-            zsliver_columns<V, MR, NR, RV, NJ>(kb, a, a_stride, b, b_stride, ncols, c, ldc, rows, kind,
-                                               beta_vector);
+            ztile_columns<V, MR, NR, RV, NJ>(kb, a, a_stride, b, c, ldc, rows, cols, kind, beta_vector);
         } else {
-            zsliver_of_height<V, MR, NR, RV - 1, NJ>(rv, kb, a, a_stride, b, b_stride, ncols, c, ldc, rows,
-                                                     kind, beta_vector);
+            ztile_of_height<V, MR, NR, RV - 1, NJ>(rv, kb, a, a_stride, b, c, ldc, rows, cols, kind,
+                                                   beta_vector);
         }
     }
 }
@@ -313,22 +295,33 @@ void zsliver_of_height(int rv, zint kb, const double* a, zint a_stride, const do
 // stored.
 template <class V, int MR, int NR, int RV, int NJ>
 void zgemm_macro_columns(zint mb, zint nb, zint kb, const zcomplex* packed_a, const zcomplex* packed_b,
-                         const double* beta_vector, zcomplex* c, zint ldc, zint group_bytes) {
+                         const double* beta_vector, zcomplex* c, zint ldc, zint a_group_bytes) {
     constexpr int R = V::kLanes / 2;
-    static_assert((RV * R) % MR == 0 && MR % R == 0 && NR % NJ == 0, "slivers are whole panels");
+    constexpr zint kSliverRows = RV * R;
+    static_assert(kSliverRows % MR == 0 && MR % R == 0 && NR % NJ == 0, "slivers are whole panels");
     const BetaKind kind = beta_kind(beta_vector);
     const zint a_stride = 2 * MR * kb, b_stride = 2 * NR * kb;  // in doubles
-    const zint padded = (mb + MR - 1) / MR * MR;
-    const zint group = column_group(kb, 16, group_bytes, NR);
-    for (zint jg = 0; jg < nb; jg += group) {
-        const zint ncols = nb - jg < group ? nb - jg : group;
-        const double* b = &packed_b->re + (jg / NR) * b_stride;
-        double* cg = &c->re + 2 * jg * ldc;
-        for (zint i = 0; i < padded; i += RV * R) {
-            const int rv = static_cast<int>((padded - i) / R < RV ? (padded - i) / R : RV);
-            const int rows = static_cast<int>(mb - i < RV * R ? mb - i : RV * R);
-            zsliver_of_height<V, MR, NR, RV, NJ>(rv, kb, &packed_a->re + (i / MR) * a_stride, a_stride, b,
-                                                 b_stride, ncols, cg + 2 * i, ldc, rows, kind, beta_vector);
+    const zint padded = (mb + MR - 1) / MR * MR, slivers = (padded + kSliverRows - 1) / kSliverRows;
+    const zint group = slivers_per_group(a_group_bytes, kSliverRows * kb * 16);
+    const zint panels = (nb + NR - 1) / NR;
+    bool backward = false;
+    for (zint first = 0; first < slivers; first += group, backward = !backward) {
+        const zint last = slivers < first + group ? slivers : first + group;
+        for (zint t = 0; t < panels; ++t) {
+            const zint j = NR * (backward ? panels - 1 - t : t);
+            const double* panel = &packed_b->re + (j / NR) * b_stride;
+            const zint in_panel = nb - j < NR ? nb - j : NR;
+            for (zint j0 = 0; j0 < in_panel; j0 += NJ) {
+                const int cols = static_cast<int>(in_panel - j0 < NJ ? in_panel - j0 : NJ);
+                for (zint s = first; s < last; ++s) {
+                    const zint i = s * kSliverRows;
+                    const int rv = static_cast<int>((padded - i) / R < RV ? (padded - i) / R : RV);
+                    const int rows = static_cast<int>(mb - i < kSliverRows ? mb - i : kSliverRows);
+                    ztile_of_height<V, MR, NR, RV, NJ>(rv, kb, &packed_a->re + (i / MR) * a_stride, a_stride,
+                                                       panel + 2 * j0, &c->re + 2 * (i + (j + j0) * ldc), ldc,
+                                                       rows, cols, kind, beta_vector);
+                }
+            }
         }
     }
 }

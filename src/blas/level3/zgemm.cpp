@@ -21,14 +21,13 @@ namespace {
 using Macro = GemmOperations<zcomplex>::MacroKernel;
 using Pack = GemmOperations<zcomplex>::Pack;
 
-constexpr zint kGroupBytes = zint{192} << 10;
-
 template <class V, int MR, int NR, int RV, int NJ>
 void macro_columns(const zint& mb, const zint& nb, const zint& kb, const zcomplex* packed_a,
                    const zcomplex* packed_b, const zcomplex* beta, zcomplex* c, const zint& ldc) {
     alignas(16) double beta_vector[4];
     make_beta_vector(*beta, beta_vector);
-    zgemm_macro_columns<V, MR, NR, RV, NJ>(mb, nb, kb, packed_a, packed_b, beta_vector, c, ldc, kGroupBytes);
+    zgemm_macro_columns<V, MR, NR, RV, NJ>(mb, nb, kb, packed_a, packed_b, beta_vector, c, ldc,
+                                           gemm_a_group_bytes());
 }
 
 // ---- table-driven design ----------------------------------------------------------------------------
@@ -120,7 +119,7 @@ void zgemm_fixed(const char& transa, const char& transb, const zint& m, const zi
                 pack_a(mb, kb, op_address(a, lda, transa, ic, pc), lda, a_area, 2 * kb_padded, alpha);
                 zgemm_macro_columns<SseOps, 2, 2, 2, 2>(mb, nb, kb_padded, a_area, b_area,
                                                         pc == 0 ? beta_vector : one_vector, c + ic + jc * ldc,
-                                                        ldc, kGroupBytes);
+                                                        ldc, gemm_a_group_bytes());
             }
         }
     }
