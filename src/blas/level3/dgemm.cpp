@@ -58,17 +58,8 @@ Macro* table_macro_kernel(const GemmChoice& choice, int record_index) {
 }
 
 void load_record(GemmBlockingParams<double>& params, const GemmChoice& choice) {
-    params = {};
     const GemmRecord record = real_gemm_record(kLevel, choice.sublevel);
-    params.record_index = record.record_index;
-    params.layout_code = record.layout_code;
-    params.mr = record.mr;
-    params.nr = record.nr;
-    params.kr = record.kr;
-    params.min_m = record.min_m;
-    params.min_n = record.min_n;
-    params.min_k = record.min_k;
-    params.micro_panel_count = record.micro_panel_count;
+    load_record_numbers(params, record);
     params.operations = {&choose_blocks<double>,
                          &buffer_sizes<double>,
                          &get_buffers<double>,

@@ -57,6 +57,23 @@ GemmRecord complex_gemm_record(CpuLevel level, int sublevel) {
     }
 }
 
+template <class T>
+void load_record_numbers(GemmBlockingParams<T>& params, const GemmRecord& record) {
+    params = {};
+    params.record_index = record.record_index;
+    params.layout_code = record.layout_code;
+    params.mr = record.mr;
+    params.nr = record.nr;
+    params.kr = record.kr;
+    params.min_m = record.min_m;
+    params.min_n = record.min_n;
+    params.min_k = record.min_k;
+    params.micro_panel_count = record.micro_panel_count;
+}
+
+template void load_record_numbers(GemmBlockingParams<double>&, const GemmRecord&);
+template void load_record_numbers(GemmBlockingParams<zcomplex>&, const GemmRecord&);
+
 zint gemm_kc(zint k, zint kr) {
     if (k < 256) {
         const zint kc = round_up(k, kr);

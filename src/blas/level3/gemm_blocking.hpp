@@ -87,6 +87,10 @@ struct GemmBlockingParams {
     GemmOperations<T> operations;
 };
 
+// Clears `params` and loads the numbers of `record` into it; the routine table is the caller's.
+template <class T>
+void load_record_numbers(GemmBlockingParams<T>& params, const GemmRecord& record);
+
 // The records of the table-driven levels. `sublevel` is detect_cpu_sublevel's answer (it picks
 // the Sse42 and Ssse3 records). Complex records count mr and nr in complex elements.
 GemmRecord real_gemm_record(CpuLevel level, int sublevel);

@@ -45,17 +45,8 @@ Macro* table_macro_kernel(const GemmChoice& choice) {
 }
 
 void load_record(GemmBlockingParams<zcomplex>& params, const GemmChoice& choice) {
-    params = {};
     const GemmRecord record = complex_gemm_record(kLevel, choice.sublevel);
-    params.record_index = record.record_index;
-    params.layout_code = record.layout_code;
-    params.mr = record.mr;
-    params.nr = record.nr;
-    params.kr = record.kr;
-    params.min_m = record.min_m;
-    params.min_n = record.min_n;
-    params.min_k = record.min_k;
-    params.micro_panel_count = record.micro_panel_count;
+    load_record_numbers(params, record);
     params.operations = {&choose_blocks<zcomplex>,
                          &buffer_sizes<zcomplex>,
                          &get_buffers<zcomplex>,
