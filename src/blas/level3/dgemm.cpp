@@ -287,14 +287,7 @@ void dgemm_with(const GemmChoice& choice, const char& transa, const char& transb
 void dgemm(const char& transa, const char& transb, const zint& m, const zint& n, const zint& k,
            const double& alpha, const double* a, const zint& lda, const double* b, const zint& ldb,
            const double& beta, double* c, const zint& ldc) {
-    GemmChoice choice{};
-    if constexpr (kLevel == CpuLevel::Avx) choice.extensions = detect_avx_extensions();
-    if constexpr (kLevel == CpuLevel::Sse42 || kLevel == CpuLevel::Ssse3)
-        choice.sublevel = detect_cpu_sublevel();
-    if constexpr (kLevel == CpuLevel::Default) {
-        choice.family_10h = detect_cpu_level() == CpuLevel::Default && is_amd_family_10h() == 1;
-    }
-    dgemm_with(choice, transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
+    dgemm_with(processor_choice(), transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
 }
 
 }  // namespace zor::ZOR_LEVEL_NS

@@ -4,7 +4,9 @@
 // block outermost, A block innermost), everything else through the routine table of the record.
 
 #include "blas/kernel.hpp"
+#include "blas/level3/gemm.hpp"
 #include "blas/level3/gemm_blocking.hpp"
+#include "service/cpu.hpp"
 #include "service/handlers.hpp"
 #include "service/memory.hpp"
 
@@ -31,6 +33,18 @@ inline double unit<double>() {
 template <>
 inline zcomplex unit<zcomplex>() {
     return {1.0, 0.0};
+}
+
+// What this processor answers to the questions a level's GEMM variants ask.
+inline GemmChoice processor_choice() {
+    GemmChoice choice{};
+    if constexpr (kLevel == CpuLevel::Avx) choice.extensions = detect_avx_extensions();
+    if constexpr (kLevel == CpuLevel::Sse42 || kLevel == CpuLevel::Ssse3)
+        choice.sublevel = detect_cpu_sublevel();
+    if constexpr (kLevel == CpuLevel::Default) {
+        choice.family_10h = detect_cpu_level() == CpuLevel::Default && is_amd_family_10h() == 1;
+    }
+    return choice;
 }
 
 inline bool untransposed(char trans) {
