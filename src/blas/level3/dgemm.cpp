@@ -3,6 +3,7 @@
 // alternate driver.
 
 #include "blas/kernel.hpp"
+#include "blas/level2/level2.hpp"
 #include "blas/level3/gemm.hpp"
 #include "blas/level3/gemm_avx_paths.hpp"
 #include "blas/level3/gemm_blocking.hpp"
@@ -107,14 +108,19 @@ FixedKernels fixed_kernels(const char& transa, const char& transb, bool whole_sl
     return kernels;
 }
 
-// C(:, j) for the columns j of [first, n) one at a time: C(:, j) := beta C(:, j) + alpha op(A) op(B)(:, j).
+// The columns j of [first, n) one at a time by the level's dgemv: C(:, j) := beta C(:, j) +
+// alpha op(A) op(B)(:, j), op(A) being A (m x k) or the transpose of the k x m matrix A.
 void remaining_columns(const char& transa, const char& transb, zint first, const zint& m, const zint& n,
                        const zint& k, const double& alpha, const double* a, const zint& lda, const double* b,
                        const zint& ldb, const double& beta, double* c, const zint& ldc) {
+    const bool plain = untransposed(transa);
+    const zint rows = plain ? m : k, cols = plain ? k : m;
+    // Column j of op(B) is column j of B, or row j of B read across.
+    const zint step = untransposed(transb) ? 1 : ldb;
+    const zint unit = 1;
     for (zint j = first; j < n; ++j) {
-        const zint one_column = 1;
-        dgemm_small(transa, transb, m, one_column, k, alpha, a, lda, op_address(b, ldb, transb, 0, j), ldb,
-                    beta, c + j * ldc, ldc);
+        dgemv(transa, rows, cols, alpha, a, lda, op_address(b, ldb, transb, 0, j), step, beta, c + j * ldc,
+              unit);
     }
 }
 
