@@ -17,26 +17,10 @@
 #include <string>
 #include <vector>
 
+#include "support/buffer.hpp"
 #include "support/harness.hpp"
 
 namespace {
-
-// 64-byte aligned doubles in [-0.5, 0.5): with beta = 1, repeated calls keep C finite.
-class Buffer {
-  public:
-    explicit Buffer(std::size_t count)
-        : data_(static_cast<double*>(std::aligned_alloc(64, (count * 8 + 63) / 64 * 64))) {
-        for (std::size_t i = 0; i < count; ++i)
-            data_[i] = static_cast<double>(i * 7919 % 1000) / 1000.0 - 0.5;
-    }
-    ~Buffer() { std::free(data_); }
-    Buffer(const Buffer&) = delete;
-    Buffer& operator=(const Buffer&) = delete;
-    double* get() const { return data_; }
-
-  private:
-    double* data_;
-};
 
 constexpr int kColMajor = 102, kNoTrans = 111;
 
@@ -65,7 +49,7 @@ Problem parse(const std::string& name) {
 double measure(const bench::Library& library, const bench::Case& c) {
     const Problem p = parse(c.name);
     const std::size_t scale = p.complex ? 2 : 1;
-    Buffer a(scale * p.m * p.k), b(scale * p.k * p.n), cc(scale * p.m * p.n);
+    bench::Buffer a(scale * p.m * p.k), b(scale * p.k * p.n), cc(scale * p.m * p.n);
     // Large cases take seconds a call: time them once after the warming call.
     const int repeats = static_cast<double>(p.m) * p.n * p.k * scale * scale > 4e9 ? 1 : 3;
     if (p.complex) {
