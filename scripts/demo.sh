@@ -1,8 +1,13 @@
 #!/usr/bin/env bash
-# Builds the Linux library and runs the demonstration program.
+# Builds the Linux library, runs the demonstration program, then measures dgemm and zgemm at a few
+# sizes against Debian's OpenBLAS and BLIS (single-threaded, interleaved, medians of 3 rounds) and
+# draws GFLOP/s against n.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-bash scripts/setup-debian.sh
+bash scripts/setup-debian.sh --demo
 cmake --preset linux -DZOR_BUILD_TESTS=OFF
 cmake --build --preset linux
 ./build/linux/bin/zor-info
+echo
+./build/linux/bin/zor-bench-gemm --peak --rounds 3 --peers zor,openblas,openblas-avx512,blis \
+    --cases '^[dz]gemm n=(64|128|256|512|1024)$' --plot build/linux/gemm.png

@@ -1,11 +1,15 @@
 #!/usr/bin/env bash
 # Installs what building zor needs on a Debian machine; with --tests, also what its tests need
-# (the Windows cross compilers, Wine, qemu-user, GoogleTest, valgrind).
+# (the Windows cross compilers, Wine, qemu-user, GoogleTest, valgrind); with --demo, what the
+# demonstration compares and draws with (Debian's serial OpenBLAS and BLIS, gnuplot).
 set -euo pipefail
 packages=(cmake ninja-build g++ ccache binutils)
 if [ "${1:-}" = --tests ]; then
     packages+=(googletest gcc-mingw-w64-x86-64 g++-mingw-w64-x86-64 binutils-mingw-w64-x86-64 wine64 qemu-user
                libc-bin valgrind)
+fi
+if [ "${1:-}" = --demo ]; then
+    packages+=(libopenblas0-serial libblis4-serial gnuplot-nox)
 fi
 missing=()
 for p in "${packages[@]}"; do

@@ -102,6 +102,16 @@ ZOR_API void cblas_ztrsv(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const
                          const CBLAS_DIAG Diag, const zor_int N, const void* A, const zor_int lda, void* X,
                          const zor_int incX);
 
+/* Level 3: matrix-matrix operations. */
+ZOR_API void cblas_dgemm(const CBLAS_LAYOUT Layout, const CBLAS_TRANSPOSE TransA,
+                         const CBLAS_TRANSPOSE TransB, const zor_int M, const zor_int N, const zor_int K,
+                         const double alpha, const double* A, const zor_int lda, const double* B,
+                         const zor_int ldb, const double beta, double* C, const zor_int ldc);
+ZOR_API void cblas_zgemm(const CBLAS_LAYOUT Layout, const CBLAS_TRANSPOSE TransA,
+                         const CBLAS_TRANSPOSE TransB, const zor_int M, const zor_int N, const zor_int K,
+                         const void* alpha, const void* A, const zor_int lda, const void* B,
+                         const zor_int ldb, const void* beta, void* C, const zor_int ldc);
+
 ZOR_EXTERN_C_END
 
 #endif

@@ -4,6 +4,7 @@
 
 #include "blas/level1/level1.hpp"
 #include "blas/level2/level2.hpp"
+#include "blas/level3/gemm.hpp"
 #include "blas/probe.hpp"
 #include "service/dispatch.hpp"
 
@@ -56,5 +57,9 @@ ZOR_DECLARE_DISPATCHER(zher);
 ZOR_DECLARE_DISPATCHER(zher2);
 ZOR_DECLARE_DISPATCHER(ztrmv);
 ZOR_DECLARE_DISPATCHER(ztrsv);
+
+// Level 3.
+ZOR_DECLARE_DISPATCHER(dgemm);
+ZOR_DECLARE_DISPATCHER(zgemm);
 
 }  // namespace zor

@@ -1,7 +1,8 @@
 #pragma once
 // The Fortran-style BLAS routines behind the CBLAS entry points: every argument by address,
 // integers of 32 bits. Internal (not exported). Each widens its integers to 64 bits and calls the
-// kernel through its dispatcher; the level-1 routines check nothing.
+// kernel through its dispatcher; the level-1 routines check nothing, the others run the reference
+// check of blas_checks.hpp first.
 
 #include "interface/integers.hpp"
 #include "service/types.hpp"
@@ -82,5 +83,14 @@ void ztrmv(const char* uplo, const char* trans, const char* diag, const zor_int*
 void ztrsv(const char* uplo, const char* trans, const char* diag, const zor_int* n, const zcomplex* a,
            const zor_int* lda, zcomplex* x, const zor_int* incx, int uplo_length, int trans_length,
            int diag_length);
+
+// Level 3: the reference check, then the kernel. The option letters' hidden lengths trail.
+void dgemm(const char* transa, const char* transb, const zor_int* m, const zor_int* n, const zor_int* k,
+           const double* alpha, const double* a, const zor_int* lda, const double* b, const zor_int* ldb,
+           const double* beta, double* c, const zor_int* ldc, int transa_length, int transb_length);
+void zgemm(const char* transa, const char* transb, const zor_int* m, const zor_int* n, const zor_int* k,
+           const zcomplex* alpha, const zcomplex* a, const zor_int* lda, const zcomplex* b,
+           const zor_int* ldb, const zcomplex* beta, zcomplex* c, const zor_int* ldc, int transa_length,
+           int transb_length);
 
 }  // namespace zor::fortran

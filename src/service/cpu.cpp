@@ -136,9 +136,22 @@ bool decide_amd_family_10h(const ProcessorFacts& facts) {
     return base_family == 0xF && extended_family == 1;
 }
 
+std::uint32_t decide_avx_extensions(std::uint32_t leaf1_ecx, std::uint32_t leaf7_ebx, std::uint64_t xcr0) {
+    const bool avx_usable =
+        (leaf1_ecx & kEcxOsxsave) && (leaf1_ecx & kEcxAvx) && (xcr0 & kXcr0SseAvxState) == kXcr0SseAvxState;
+    if (!avx_usable) return 0;
+    std::uint32_t extensions = 0;
+    if (leaf1_ecx & kEcxFma) extensions |= kExtensionFma;
+    if (leaf7_ebx & kLeaf7EbxAvx2) extensions |= kExtensionAvx2;
+    if ((leaf7_ebx & kLeaf7EbxAvx512f) && (xcr0 & kXcr0Avx512State) == kXcr0Avx512State)
+        extensions |= kExtensionAvx512f;
+    return extensions;
+}
+
 namespace {
 
 std::atomic<std::int32_t> g_cached_level{-1};
+std::atomic<std::int32_t> g_cached_extensions{-1};
 std::atomic<std::int32_t> g_cached_sublevel{-1};
 std::atomic<std::int32_t> g_cached_family_10h{-1};
 std::atomic<std::int32_t> g_cached_authentic_amd{-1};
@@ -159,7 +172,7 @@ CpuLevel detect_cpu_level() {
     return static_cast<CpuLevel>(level);
 }
 
-// The sub-level and the family test take no lock: racing callers compute the same answer.
+// The sub-level, the family test and the extensions take no lock: racing callers compute the same answer.
 int detect_cpu_sublevel() {
     std::int32_t sublevel = g_cached_sublevel.load(std::memory_order_relaxed);
     if (sublevel != -1) return sublevel;
@@ -178,6 +191,17 @@ int is_amd_family_10h() {
     answer = decide_amd_family_10h(read_processor_facts()) ? 1 : 0;
     g_cached_family_10h.store(answer, std::memory_order_relaxed);
     return answer;
+}
+
+std::uint32_t detect_avx_extensions() {
+    std::int32_t answer = g_cached_extensions.load(std::memory_order_relaxed);
+    if (answer == -1) {
+        const ProcessorFacts facts = read_processor_facts();
+        const std::uint32_t leaf7_ebx = facts.max_leaf >= 7 ? cpuid(7, 0).ebx : 0;
+        answer = static_cast<std::int32_t>(decide_avx_extensions(facts.leaf1_ecx, leaf7_ebx, facts.xcr0));
+        g_cached_extensions.store(answer, std::memory_order_relaxed);
+    }
+    return static_cast<std::uint32_t>(answer);
 }
 
 bool cpu_is_authentic_amd() {

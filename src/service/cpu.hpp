@@ -67,7 +67,23 @@ bool decide_amd_family_10h(const ProcessorFacts& facts);
 // "Default", "Sse3", "Ssse3", "Sse42" or "Avx".
 const char* cpu_level_name(CpuLevel level);
 
+// Extensions beyond AVX that inner paths of the Avx variants may use: one bit each.
+inline constexpr std::uint32_t kExtensionFma = 1u << 0;
+inline constexpr std::uint32_t kExtensionAvx2 = 1u << 1;
+inline constexpr std::uint32_t kExtensionAvx512f = 1u << 2;
+// CPUID bits they read: leaf 1 ECX bit 12 (FMA), leaf 7 EBX bits 5 (AVX2) and 16 (AVX512F).
+inline constexpr std::uint32_t kEcxFma = 1u << 12;
+inline constexpr std::uint32_t kLeaf7EbxAvx2 = 1u << 5;
+inline constexpr std::uint32_t kLeaf7EbxAvx512f = 1u << 16;
+// XCR0 bits 5 to 7: the opmask and the upper ZMM state, which AVX-512 needs besides bits 1 and 2.
+inline constexpr std::uint64_t kXcr0Avx512State = 0xE0;
+
+// The extensions usable here: each needs its CPUID bit and AVX usable (OSXSAVE, AVX, XCR0 bits
+// 1-2); AVX-512 also XCR0 bits 5-7. Whatever the vendor: the caller decides whether to look.
+std::uint32_t decide_avx_extensions(std::uint32_t leaf1_ecx, std::uint32_t leaf7_ebx, std::uint64_t xcr0);
+
 // Cached per process.
+std::uint32_t detect_avx_extensions();
 CpuLevel detect_cpu_level();
 int detect_cpu_sublevel();
 int is_amd_family_10h();

@@ -143,6 +143,29 @@ TEST(AmdFamily10h, NeedsBaseFamilyFAndExtendedFamily1OnAuthenticAmd) {
     EXPECT_FALSE(decide_amd_family_10h(other));
 }
 
+TEST(AvxExtensions, NeedUsableAvxAndTheirOwnStateBits) {
+    const std::uint32_t all7 = kLeaf7EbxAvx2 | kLeaf7EbxAvx512f;
+    constexpr std::uint64_t kZmmState = 0xE6;
+    EXPECT_EQ(decide_avx_extensions(kAvx | kEcxFma, all7, kZmmState),
+              kExtensionFma | kExtensionAvx2 | kExtensionAvx512f);
+    EXPECT_EQ(decide_avx_extensions(kAvx | kEcxFma, kLeaf7EbxAvx2, 6), kExtensionFma | kExtensionAvx2);
+    // FMA without AVX2 (as on AMD family 15h).
+    EXPECT_EQ(decide_avx_extensions(kAvx | kEcxFma, 0, 6), kExtensionFma);
+    // The operating system saves XMM and YMM but not the opmask and upper ZMM state.
+    EXPECT_EQ(decide_avx_extensions(kAvx | kEcxFma, all7, 6), kExtensionFma | kExtensionAvx2);
+    EXPECT_EQ(decide_avx_extensions(kAvx | kEcxFma, all7, 0x66), kExtensionFma | kExtensionAvx2);
+    // Nothing at all without usable AVX: no AVX bit, no OSXSAVE, or no YMM state.
+    EXPECT_EQ(decide_avx_extensions((kAvx & ~kEcxAvx) | kEcxFma, all7, kZmmState), 0u);
+    EXPECT_EQ(decide_avx_extensions((kAvx & ~kEcxOsxsave) | kEcxFma, all7, kZmmState), 0u);
+    EXPECT_EQ(decide_avx_extensions(kAvx | kEcxFma, all7, 0xE2), 0u);
+}
+
+TEST(AvxExtensions, CachedAnswerMatchesTheProcessor) {
+    const ProcessorFacts facts = read_processor_facts();
+    const std::uint32_t leaf7 = facts.max_leaf >= 7 ? cpuid(7, 0).ebx : 0;
+    EXPECT_EQ(detect_avx_extensions(), decide_avx_extensions(facts.leaf1_ecx, leaf7, facts.xcr0));
+}
+
 CpuidResult cache_leaf(std::uint32_t type, std::uint32_t level, std::uint32_t ways, std::uint32_t partitions,
                        std::uint32_t line, std::uint32_t sets) {
     return {type | (level << 5), ((ways - 1) << 22) | ((partitions - 1) << 12) | (line - 1), sets - 1, 0};

@@ -1,0 +1,122 @@
+// The unblocked GEMM paths and the scaling of C: what the engines run for problems below their
+// blocking thresholds, after a failed allocation, and before any product is added.
+
+#include "blas/kernel.hpp"
+#include "blas/level3/gemm.hpp"
+
+namespace zor::ZOR_LEVEL_NS {
+
+namespace {
+
+enum class Op { None, Transpose, ConjugateTranspose };
+
+Op real_op(char trans) {
+    return (trans == 'N' || trans == 'n') ? Op::None : Op::Transpose;
+}
+
+Op complex_op(char trans) {
+    if (trans == 'N' || trans == 'n') return Op::None;
+    return (trans == 'T' || trans == 't') ? Op::Transpose : Op::ConjugateTranspose;
+}
+
+zcomplex mul(const zcomplex& x, const zcomplex& y) {
+    return {x.re * y.re - x.im * y.im, x.re * y.im + x.im * y.re};
+}
+
+// Element (i, j) of op(X) for X stored with leading dimension ld.
+zcomplex element(const zcomplex* x, zint ld, Op op, zint i, zint j) {
+    if (op == Op::None) return x[i + j * ld];
+    const zcomplex v = x[j + i * ld];
+    return op == Op::Transpose ? v : zcomplex{v.re, -v.im};
+}
+
+}  // namespace
+
+void scale_c(const zint& m, const zint& n, const double& beta, double* c, const zint& ldc) {
+    for (zint j = 0; j < n; ++j) {
+        double* column = c + j * ldc;
+        if (beta == 0.0) {
+            for (zint i = 0; i < m; ++i) column[i] = 0.0;
+        } else {
+            for (zint i = 0; i < m; ++i) column[i] *= beta;
+        }
+    }
+}
+
+void zscale_c(const zint& m, const zint& n, const zcomplex& beta, zcomplex* c, const zint& ldc) {
+    const bool zero = beta.re == 0.0 && beta.im == 0.0;
+    for (zint j = 0; j < n; ++j) {
+        zcomplex* column = c + j * ldc;
+        if (zero) {
+            for (zint i = 0; i < m; ++i) column[i] = {0.0, 0.0};
+        } else {
+            for (zint i = 0; i < m; ++i) column[i] = mul(beta, column[i]);
+        }
+    }
+}
+
+void dgemm_small(const char& transa, const char& transb, const zint& m, const zint& n, const zint& k,
+                 const double& alpha, const double* a, const zint& lda, const double* b, const zint& ldb,
+                 const double& beta, double* c, const zint& ldc) {
+    const Op op_a = real_op(transa), op_b = real_op(transb);
+    for (zint j = 0; j < n; ++j) {
+        double* column = c + j * ldc;
+        if (beta != 1.0) scale_c(m, 1, beta, column, ldc);
+        if (k <= 0) continue;  // nothing is added, not even alpha times an empty sum
+        if (op_a == Op::None) {
+            // Column updates: unit stride down A and C.
+            for (zint p = 0; p < k; ++p) {
+                const double t = alpha * (op_b == Op::None ? b[p + j * ldb] : b[j + p * ldb]);
+                const double* a_column = a + p * lda;
+                for (zint i = 0; i < m; ++i) column[i] += t * a_column[i];
+            }
+        } else {
+            for (zint i = 0; i < m; ++i) {
+                const double* a_row = a + i * lda;
+                double sum = 0.0;
+                if (op_b == Op::None) {
+                    for (zint p = 0; p < k; ++p) sum += a_row[p] * b[p + j * ldb];
+                } else {
+                    for (zint p = 0; p < k; ++p) sum += a_row[p] * b[j + p * ldb];
+                }
+                column[i] += alpha * sum;
+            }
+        }
+    }
+}
+
+void zgemm_small(const char& transa, const char& transb, const zint& m, const zint& n, const zint& k,
+                 const zcomplex& alpha, const zcomplex* a, const zint& lda, const zcomplex* b,
+                 const zint& ldb, const zcomplex& beta, zcomplex* c, const zint& ldc) {
+    const Op op_a = complex_op(transa), op_b = complex_op(transb);
+    for (zint j = 0; j < n; ++j) {
+        zcomplex* column = c + j * ldc;
+        if (beta.re != 1.0 || beta.im != 0.0) zscale_c(m, 1, beta, column, ldc);
+        if (k <= 0) continue;
+        if (op_a == Op::None) {
+            for (zint p = 0; p < k; ++p) {
+                const zcomplex t = mul(alpha, element(b, ldb, op_b, p, j));
+                const zcomplex* a_column = a + p * lda;
+                for (zint i = 0; i < m; ++i) {
+                    const zcomplex product = mul(t, a_column[i]);
+                    column[i].re += product.re;
+                    column[i].im += product.im;
+                }
+            }
+        } else {
+            for (zint i = 0; i < m; ++i) {
+                zcomplex sum{0.0, 0.0};
+                for (zint p = 0; p < k; ++p) {
+                    const zcomplex product = mul(element(a, lda, op_a, i, p), element(b, ldb, op_b, p, j));
+                    sum.re += product.re;
+                    sum.im += product.im;
+                }
+                const zcomplex scaled = mul(alpha, sum);
+                column[i].re += scaled.re;
+                column[i].im += scaled.im;
+            }
+        }
+    }
+}
+
+}  // namespace zor::ZOR_LEVEL_NS
