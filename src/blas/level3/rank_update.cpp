@@ -1,10 +1,10 @@
 // syrk, herk, syr2k and her2k, five variants, from one template over the element type.
 //
 // With P = op(A) and Q = op(B) (n x k), the triangle of C gets alpha P Pᵀ (Pᴴ for herk), or
-// alpha P Qᵀ + alpha Q Pᵀ (alpha P Qᴴ + conj(alpha) Q Pᴴ for her2k). C is taken in block columns:
-// the diagonal block goes to the rank-update kernel, which writes only its triangle; the rest of
-// the block column in the triangle is one GEMM call (two for the rank-2k forms) with the full
-// depth k.
+// alpha P Qᵀ + alpha Q Pᵀ (alpha P Qᴴ + conj(alpha) Q Pᴴ for her2k). The triangle of C
+// is halved recursively along block boundaries; the square between two halves is one
+// GEMM call (two for the rank-2k forms) with the full depth k, and the diagonal blocks at the bottom
+// go to the rank-update kernel, which writes only its triangle.
 
 #include "blas/kernel.hpp"
 #include "blas/level3/level3.hpp"
@@ -73,6 +73,60 @@ struct Term {
     T alpha;
 };
 
+// The update once its scalars and operands are set: the triangle of C is split in halves along
+// block boundaries, recursively. The square between the halves is one GEMM call per term, with the
+// full depth k; the diagonal blocks at the bottom of the recursion go to the kernel.
+template <class T>
+struct Update {
+    using A = Arith<T>;
+    const BlockKernels<T>& kernels;
+    bool lower, hermitian;
+    char first, second;  // GEMM's letters for X and for Z
+    bool x_conj, z_conj;
+    Term<T> terms[2];
+    int count;
+    zint k;
+    T beta;
+    T* c;
+    zint ldc;
+    T* work;
+
+    void diagonal_block(zint j0, zint width) const {
+        T* diagonal = c + j0 + j0 * ldc;
+        scale_triangle(width, beta, lower, hermitian, diagonal, ldc);
+        for (int t = 0; t < count; ++t) {
+            kernels.rank_update(width, k, shifted(terms[t].x.view(x_conj), j0, 0),
+                                shifted(terms[t].z.view(z_conj), j0, 0), terms[t].alpha, lower, hermitian,
+                                diagonal, ldc, work);
+        }
+    }
+
+    // The rows x cols block of C at (i0, l0), which lies wholly in the triangle.
+    void square(zint i0, zint rows, zint l0, zint cols) const {
+        for (int t = 0; t < count; ++t) {
+            const Term<T>& term = terms[t];
+            A::gemm(first, second, rows, cols, k, term.alpha, term.x.row(i0), term.x.ld, term.z.row(l0),
+                    term.z.ld, t == 0 ? beta : A::one(), c + i0 + l0 * ldc, ldc);
+        }
+    }
+
+    void triangle(zint j0, zint width) const {
+        const zint block = kernels.rank_block;
+        if (width <= block) {
+            diagonal_block(j0, width);
+            return;
+        }
+        const zint half = (width / block + 1) / 2 * block;
+        triangle(j0, half);
+        if (lower) {
+            square(j0 + half, width - half, j0, half);
+        } else {
+            square(j0, half, j0 + half, width - half);
+        }
+        triangle(j0 + half, width - half);
+    }
+};
+
 template <class T>
 void rank_update(const BlockKernels<T>& kernels, const char* routine, bool hermitian, char uplo, char trans,
                  zint n, zint k, const T& alpha, const T* a, zint lda, const T* b, zint ldb, const T& beta,
@@ -85,42 +139,33 @@ void rank_update(const BlockKernels<T>& kernels, const char* routine, bool hermi
         return;
     }
     const bool untransposed = letter_is(trans, 'N');
-    const char first = untransposed ? 'N' : (hermitian ? 'C' : 'T');
-    const char second = untransposed ? (hermitian ? 'C' : 'T') : 'N';
-    // Hermitian: the conjugate goes on the operand that op leaves unconjugated.
-    const bool x_conj = hermitian && !untransposed, z_conj = hermitian && untransposed;
     const Operand<T> p{a, lda, untransposed}, q{b != nullptr ? b : a, b != nullptr ? ldb : lda, untransposed};
-    const Term<T> terms[2] = {{p, q, alpha}, {q, p, hermitian ? A::conj(alpha) : alpha}};
-    const int count = b != nullptr ? 2 : 1;
-
     const WorkArea<T> work(static_cast<std::size_t>(kernels.work_elements));
+    // Hermitian: the conjugate goes on the operand that op leaves unconjugated.
+    const Update<T> update{kernels,
+                           lower,
+                           hermitian,
+                           untransposed ? 'N' : (hermitian ? 'C' : 'T'),
+                           untransposed ? (hermitian ? 'C' : 'T') : 'N',
+                           hermitian && !untransposed,
+                           hermitian && untransposed,
+                           {{p, q, alpha}, {q, p, hermitian ? A::conj(alpha) : alpha}},
+                           b != nullptr ? 2 : 1,
+                           k,
+                           beta,
+                           c,
+                           ldc,
+                           work.get()};
     if (check_allocation(work.get(), routine) != 0) {
         scale_triangle(n, beta, lower, hermitian, c, ldc);
-        for (int t = 0; t < count; ++t) {
-            rank_update_unblocked(n, k, terms[t].x.view(x_conj), terms[t].z.view(z_conj), terms[t].alpha,
+        for (int t = 0; t < update.count; ++t) {
+            const Term<T>& term = update.terms[t];
+            rank_update_unblocked(n, k, term.x.view(update.x_conj), term.z.view(update.z_conj), term.alpha,
                                   lower, hermitian, c, ldc);
         }
         return;
     }
-    const zint block = kernels.rank_block;
-    for (zint j0 = 0; j0 < n; j0 += block) {
-        const zint width = n - j0 < block ? n - j0 : block;
-        T* diagonal = c + j0 + j0 * ldc;
-        scale_triangle(width, beta, lower, hermitian, diagonal, ldc);
-        for (int t = 0; t < count; ++t) {
-            kernels.rank_update(width, k, shifted(terms[t].x.view(x_conj), j0, 0),
-                                shifted(terms[t].z.view(z_conj), j0, 0), terms[t].alpha, lower, hermitian,
-                                diagonal, ldc, work.get());
-        }
-        // The rest of the block column in the triangle: rows below the diagonal block, or above it.
-        const zint r0 = lower ? j0 + width : 0, rows = lower ? n - r0 : j0;
-        if (rows == 0) continue;
-        for (int t = 0; t < count; ++t) {
-            const Term<T>& term = terms[t];
-            A::gemm(first, second, rows, width, k, term.alpha, term.x.row(r0), term.x.ld, term.z.row(j0),
-                    term.z.ld, t == 0 ? beta : A::one(), c + r0 + j0 * ldc, ldc);
-        }
-    }
+    update.triangle(0, n);
 }
 
 }  // namespace

@@ -107,9 +107,10 @@ void trsm(const BlockKernels<T>& kernels, const char* routine, char side, char u
     }
 }
 
-// B := alpha op(A) B or alpha B op(A). Canonical row block i depends on the rows up to it, so the
-// blocks run from the last: the diagonal block first (from the still original rows), then the rows
-// before it added in (GEMM, k = all of them).
+// B := alpha op(A) B or alpha B op(A). Canonical row block i depends on the original rows up to it,
+// so the blocks run from the last: first each block's original rows are added into all the rows
+// after it (GEMM, k = block order), which have their own products already, then the block is
+// multiplied by its diagonal block.
 template <class T>
 void trmm(const BlockKernels<T>& kernels, const char* routine, char side, char uplo, char transa, char diag,
           zint m, zint n, const T& alpha, const T* a, zint lda, T* b, zint ldb) {
@@ -132,16 +133,18 @@ void trmm(const BlockKernels<T>& kernels, const char* routine, char side, char u
     const zint block = kernels.triangular_block;
     for (zint s = (t.order - 1) / block * block; s >= 0; s -= block) {
         const zint count = t.order - s < block ? t.order - s : block;
-        kernels.multiply(count, t.nv, shifted(t.m, s, s), t.unit, alpha, shifted(t.y, s, 0), work.get());
-        if (s == 0) break;
-        const zint target = t.original(s, count), earlier = t.forward ? 0 : t.order - s;
-        if (t.left) {
-            A::gemm(transa, 'N', count, n, s, alpha, op_block(a, lda, transa, target, earlier), lda,
-                    b + earlier, ldb, A::one(), b + target, ldb);
-        } else {
-            A::gemm('N', transa, m, count, s, alpha, b + earlier * ldb, ldb,
-                    op_block(a, lda, transa, earlier, target), lda, A::one(), b + target * ldb, ldb);
+        const zint rest = t.order - s - count;
+        if (rest > 0) {
+            const zint source = t.original(s, count), later = t.forward ? s + count : 0;
+            if (t.left) {
+                A::gemm(transa, 'N', rest, n, count, alpha, op_block(a, lda, transa, later, source), lda,
+                        b + source, ldb, A::one(), b + later, ldb);
+            } else {
+                A::gemm('N', transa, m, rest, count, alpha, b + source * ldb, ldb,
+                        op_block(a, lda, transa, source, later), lda, A::one(), b + later * ldb, ldb);
+            }
         }
+        kernels.multiply(count, t.nv, shifted(t.m, s, s), t.unit, alpha, shifted(t.y, s, 0), work.get());
     }
 }
 
