@@ -214,9 +214,11 @@ struct Shape {
     Index m, n;
 };
 
-// Orders and right-hand sides around the tiles (rows of 2, 4 and 8; strips of 2 to 24 columns) and the
-// unblocked limit (fewer than 4); the diagonal blocks (128, 192) in the test after.
-const Shape kTriangularShapes[] = {{1, 1}, {3, 2}, {2, 9}, {5, 6}, {13, 29}, {37, 9}, {9, 37}};
+// Orders and right-hand sides around the tiles (rows of 2, 4 and 8; strips of 2 to 24 columns, packed
+// 4 strips at a time) and the unblocked limit (fewer than 4); the diagonal blocks (128, 192) in the
+// test after.
+const Shape kTriangularShapes[] = {{1, 1},  {3, 2},  {2, 9},   {5, 6},  {13, 29},
+                                   {37, 9}, {9, 37}, {9, 101}, {101, 9}};
 
 class Level3Path : public ::testing::TestWithParam<Path> {};
 class Level3Variant : public ::testing::TestWithParam<CpuLevel> {};
