@@ -111,6 +111,56 @@ ZOR_API void cblas_zgemm(const CBLAS_LAYOUT Layout, const CBLAS_TRANSPOSE TransA
                          const CBLAS_TRANSPOSE TransB, const zor_int M, const zor_int N, const zor_int K,
                          const void* alpha, const void* A, const zor_int lda, const void* B,
                          const zor_int ldb, const void* beta, void* C, const zor_int ldc);
+ZOR_API void cblas_dsymm(const CBLAS_LAYOUT Layout, const CBLAS_SIDE Side, const CBLAS_UPLO Uplo,
+                         const zor_int M, const zor_int N, const double alpha, const double* A,
+                         const zor_int lda, const double* B, const zor_int ldb, const double beta, double* C,
+                         const zor_int ldc);
+ZOR_API void cblas_dsyrk(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const CBLAS_TRANSPOSE Trans,
+                         const zor_int N, const zor_int K, const double alpha, const double* A,
+                         const zor_int lda, const double beta, double* C, const zor_int ldc);
+ZOR_API void cblas_dsyr2k(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const CBLAS_TRANSPOSE Trans,
+                          const zor_int N, const zor_int K, const double alpha, const double* A,
+                          const zor_int lda, const double* B, const zor_int ldb, const double beta, double* C,
+                          const zor_int ldc);
+ZOR_API void cblas_dtrmm(const CBLAS_LAYOUT Layout, const CBLAS_SIDE Side, const CBLAS_UPLO Uplo,
+                         const CBLAS_TRANSPOSE TransA, const CBLAS_DIAG Diag, const zor_int M,
+                         const zor_int N, const double alpha, const double* A, const zor_int lda, double* B,
+                         const zor_int ldb);
+ZOR_API void cblas_dtrsm(const CBLAS_LAYOUT Layout, const CBLAS_SIDE Side, const CBLAS_UPLO Uplo,
+                         const CBLAS_TRANSPOSE TransA, const CBLAS_DIAG Diag, const zor_int M,
+                         const zor_int N, const double alpha, const double* A, const zor_int lda, double* B,
+                         const zor_int ldb);
+
+ZOR_API void cblas_zsymm(const CBLAS_LAYOUT Layout, const CBLAS_SIDE Side, const CBLAS_UPLO Uplo,
+                         const zor_int M, const zor_int N, const void* alpha, const void* A,
+                         const zor_int lda, const void* B, const zor_int ldb, const void* beta, void* C,
+                         const zor_int ldc);
+ZOR_API void cblas_zhemm(const CBLAS_LAYOUT Layout, const CBLAS_SIDE Side, const CBLAS_UPLO Uplo,
+                         const zor_int M, const zor_int N, const void* alpha, const void* A,
+                         const zor_int lda, const void* B, const zor_int ldb, const void* beta, void* C,
+                         const zor_int ldc);
+ZOR_API void cblas_zsyrk(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const CBLAS_TRANSPOSE Trans,
+                         const zor_int N, const zor_int K, const void* alpha, const void* A,
+                         const zor_int lda, const void* beta, void* C, const zor_int ldc);
+ZOR_API void cblas_zherk(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const CBLAS_TRANSPOSE Trans,
+                         const zor_int N, const zor_int K, const double alpha, const void* A,
+                         const zor_int lda, const double beta, void* C, const zor_int ldc);
+ZOR_API void cblas_zsyr2k(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const CBLAS_TRANSPOSE Trans,
+                          const zor_int N, const zor_int K, const void* alpha, const void* A,
+                          const zor_int lda, const void* B, const zor_int ldb, const void* beta, void* C,
+                          const zor_int ldc);
+ZOR_API void cblas_zher2k(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const CBLAS_TRANSPOSE Trans,
+                          const zor_int N, const zor_int K, const void* alpha, const void* A,
+                          const zor_int lda, const void* B, const zor_int ldb, const double beta, void* C,
+                          const zor_int ldc);
+ZOR_API void cblas_ztrmm(const CBLAS_LAYOUT Layout, const CBLAS_SIDE Side, const CBLAS_UPLO Uplo,
+                         const CBLAS_TRANSPOSE TransA, const CBLAS_DIAG Diag, const zor_int M,
+                         const zor_int N, const void* alpha, const void* A, const zor_int lda, void* B,
+                         const zor_int ldb);
+ZOR_API void cblas_ztrsm(const CBLAS_LAYOUT Layout, const CBLAS_SIDE Side, const CBLAS_UPLO Uplo,
+                         const CBLAS_TRANSPOSE TransA, const CBLAS_DIAG Diag, const zor_int M,
+                         const zor_int N, const void* alpha, const void* A, const zor_int lda, void* B,
+                         const zor_int ldb);
 
 ZOR_EXTERN_C_END
 

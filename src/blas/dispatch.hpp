@@ -5,6 +5,7 @@
 #include "blas/level1/level1.hpp"
 #include "blas/level2/level2.hpp"
 #include "blas/level3/gemm.hpp"
+#include "blas/level3/level3.hpp"
 #include "blas/probe.hpp"
 #include "service/dispatch.hpp"
 
@@ -61,5 +62,18 @@ ZOR_DECLARE_DISPATCHER(ztrsv);
 // Level 3.
 ZOR_DECLARE_DISPATCHER(dgemm);
 ZOR_DECLARE_DISPATCHER(zgemm);
+ZOR_DECLARE_DISPATCHER(dsymm);
+ZOR_DECLARE_DISPATCHER(zsymm);
+ZOR_DECLARE_DISPATCHER(zhemm);
+ZOR_DECLARE_DISPATCHER(dsyrk);
+ZOR_DECLARE_DISPATCHER(zsyrk);
+ZOR_DECLARE_DISPATCHER(zherk);
+ZOR_DECLARE_DISPATCHER(dsyr2k);
+ZOR_DECLARE_DISPATCHER(zsyr2k);
+ZOR_DECLARE_DISPATCHER(zher2k);
+ZOR_DECLARE_DISPATCHER(dtrmm);
+ZOR_DECLARE_DISPATCHER(ztrmm);
+ZOR_DECLARE_DISPATCHER(dtrsm);
+ZOR_DECLARE_DISPATCHER(ztrsm);
 
 }  // namespace zor

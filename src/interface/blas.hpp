@@ -93,4 +93,41 @@ void zgemm(const char* transa, const char* transb, const zor_int* m, const zor_i
            const zor_int* ldb, const zcomplex* beta, zcomplex* c, const zor_int* ldc, int transa_length,
            int transb_length);
 
+void dsymm(const char* side, const char* uplo, const zor_int* m, const zor_int* n, const double* alpha,
+           const double* a, const zor_int* lda, const double* b, const zor_int* ldb, const double* beta,
+           double* c, const zor_int* ldc);
+void zsymm(const char* side, const char* uplo, const zor_int* m, const zor_int* n, const zcomplex* alpha,
+           const zcomplex* a, const zor_int* lda, const zcomplex* b, const zor_int* ldb, const zcomplex* beta,
+           zcomplex* c, const zor_int* ldc);
+void zhemm(const char* side, const char* uplo, const zor_int* m, const zor_int* n, const zcomplex* alpha,
+           const zcomplex* a, const zor_int* lda, const zcomplex* b, const zor_int* ldb, const zcomplex* beta,
+           zcomplex* c, const zor_int* ldc);
+void dsyrk(const char* uplo, const char* trans, const zor_int* n, const zor_int* k, const double* alpha,
+           const double* a, const zor_int* lda, const double* beta, double* c, const zor_int* ldc);
+void zsyrk(const char* uplo, const char* trans, const zor_int* n, const zor_int* k, const zcomplex* alpha,
+           const zcomplex* a, const zor_int* lda, const zcomplex* beta, zcomplex* c, const zor_int* ldc);
+void zherk(const char* uplo, const char* trans, const zor_int* n, const zor_int* k, const double* alpha,
+           const zcomplex* a, const zor_int* lda, const double* beta, zcomplex* c, const zor_int* ldc);
+void dsyr2k(const char* uplo, const char* trans, const zor_int* n, const zor_int* k, const double* alpha,
+            const double* a, const zor_int* lda, const double* b, const zor_int* ldb, const double* beta,
+            double* c, const zor_int* ldc);
+void zsyr2k(const char* uplo, const char* trans, const zor_int* n, const zor_int* k, const zcomplex* alpha,
+            const zcomplex* a, const zor_int* lda, const zcomplex* b, const zor_int* ldb,
+            const zcomplex* beta, zcomplex* c, const zor_int* ldc);
+void zher2k(const char* uplo, const char* trans, const zor_int* n, const zor_int* k, const zcomplex* alpha,
+            const zcomplex* a, const zor_int* lda, const zcomplex* b, const zor_int* ldb, const double* beta,
+            zcomplex* c, const zor_int* ldc);
+void dtrmm(const char* side, const char* uplo, const char* transa, const char* diag, const zor_int* m,
+           const zor_int* n, const double* alpha, const double* a, const zor_int* lda, double* b,
+           const zor_int* ldb);
+void ztrmm(const char* side, const char* uplo, const char* transa, const char* diag, const zor_int* m,
+           const zor_int* n, const zcomplex* alpha, const zcomplex* a, const zor_int* lda, zcomplex* b,
+           const zor_int* ldb);
+void dtrsm(const char* side, const char* uplo, const char* transa, const char* diag, const zor_int* m,
+           const zor_int* n, const double* alpha, const double* a, const zor_int* lda, double* b,
+           const zor_int* ldb);
+void ztrsm(const char* side, const char* uplo, const char* transa, const char* diag, const zor_int* m,
+           const zor_int* n, const zcomplex* alpha, const zcomplex* a, const zor_int* lda, zcomplex* b,
+           const zor_int* ldb);
+
 }  // namespace zor::fortran

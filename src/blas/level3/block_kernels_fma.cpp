@@ -1,0 +1,40 @@
+// The diagonal-block kernels of the Avx variant with 256-bit fused multiply-adds, for processors
+// with FMA but without AVX-512F. Compiled into the Avx variant only.
+
+#include "blas/kernel.hpp"
+#include "blas/level3/level3_blocks.hpp"
+
+#if ZOR_LEVEL == 4
+
+// Everything defined below, the shared tiles included, may use FMA.
+#pragma GCC target("fma")
+
+#include <immintrin.h>
+
+#include "blas/level3/gemm_vector_ops.hpp"
+#include "blas/level3/level3_tiles.hpp"
+
+namespace zor::avx {
+
+namespace {
+
+struct FusedOps : AvxOps {
+    static Vec mul_add(Vec a, Vec b, Vec c) { return _mm256_fmadd_pd(a, b, c); }
+};
+
+constinit const BlockKernels<double> kReal = make_block_kernels<FusedOps, 4, 3, double>(128, 128);
+constinit const BlockKernels<zcomplex> kComplex = make_block_kernels<FusedOps, 2, 2, zcomplex>(128, 128);
+
+}  // namespace
+
+const BlockKernels<double>& real_block_kernels_fma() {
+    return kReal;
+}
+
+const BlockKernels<zcomplex>& complex_block_kernels_fma() {
+    return kComplex;
+}
+
+}  // namespace zor::avx
+
+#endif
