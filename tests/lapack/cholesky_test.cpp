@@ -49,8 +49,8 @@ Wide triangle(const Matrix<T>& f, char uplo) {
 // ||A - Uᴴ U||₁ or ||A - L Lᴴ||₁ over n ||A||₁ eps.
 template <class T>
 double cholesky_residual(const Matrix<T>& a, const Wide& factor, char uplo) {
-    const Wide product =
-        is_upper(uplo) ? test::multiply(test::adjoint(factor), factor) : test::multiply(factor, test::adjoint(factor));
+    const Wide product = is_upper(uplo) ? test::multiply(test::adjoint(factor), factor)
+                                        : test::multiply(factor, test::adjoint(factor));
     return static_cast<double>(test::difference_norm(product, test::widen_matrix(a)) /
                                (a.rows * test::one_norm(a) * test::epsilon()));
 }
@@ -218,7 +218,8 @@ void check_posv(zint n, zint nrhs, char uplo) {
     }
     ASSERT_EQ(info, 0);
     const long double residual =
-        test::difference_norm(test::multiply(test::widen_matrix(a), test::widen_matrix(x)), test::widen_matrix(b)) /
+        test::difference_norm(test::multiply(test::widen_matrix(a), test::widen_matrix(x)),
+                              test::widen_matrix(b)) /
         (n * test::one_norm(a) * test::one_norm(x) * test::epsilon());
     EXPECT_LT(static_cast<double>(residual), kResidualThreshold) << n << " " << nrhs << uplo;
 }
@@ -240,7 +241,8 @@ template <class T>
 std::vector<T> pack(const Matrix<T>& a, char uplo) {
     std::vector<T> ap;
     for (zint j = 0; j < a.cols; ++j) {
-        for (zint i = is_upper(uplo) ? 0 : j; i < (is_upper(uplo) ? j + 1 : a.rows); ++i) ap.push_back(a(i, j));
+        for (zint i = is_upper(uplo) ? 0 : j; i < (is_upper(uplo) ? j + 1 : a.rows); ++i)
+            ap.push_back(a(i, j));
     }
     return ap;
 }
@@ -250,7 +252,8 @@ Wide unpack(const std::vector<T>& ap, zint n, char uplo) {
     Wide t(n, n);
     std::size_t p = 0;
     for (zint j = 0; j < n; ++j) {
-        for (zint i = is_upper(uplo) ? 0 : j; i < (is_upper(uplo) ? j + 1 : n); ++i) t(i, j) = test::wide(ap[p++]);
+        for (zint i = is_upper(uplo) ? 0 : j; i < (is_upper(uplo) ? j + 1 : n); ++i)
+            t(i, j) = test::wide(ap[p++]);
     }
     return t;
 }
@@ -302,7 +305,8 @@ void check_packed(zint n, char uplo, bool starve) {
         }
         ASSERT_EQ(info, 0);
         const long double residual =
-            test::difference_norm(test::multiply(test::widen_matrix(a), test::widen_matrix(x)), test::widen_matrix(b)) /
+            test::difference_norm(test::multiply(test::widen_matrix(a), test::widen_matrix(x)),
+                                  test::widen_matrix(b)) /
             (n * test::one_norm(a) * test::one_norm(x) * test::epsilon());
         EXPECT_LT(static_cast<double>(residual), kResidualThreshold) << n << uplo << nrhs << starve;
     }
@@ -398,42 +402,182 @@ TEST_P(CholeskyArguments, TheFirstBadParameterIsReported) {
     const zint info = c.call();
     const std::string printed = GetCapturedStdout();
     EXPECT_EQ(info, c.expected);
-    EXPECT_EQ(printed, "\nZOR ERROR: Parameter " + std::to_string(-c.expected) + " was incorrect on entry to " +
-                           c.name + "\n");
+    EXPECT_EQ(printed, "\nZOR ERROR: Parameter " + std::to_string(-c.expected) +
+                           " was incorrect on entry to " + c.name + "\n");
 }
 
 double g_a[16];
 zcomplex g_z[16];
 
 const ArgumentCase kCholeskyArgumentCases[] = {
-    {"DPOTRF", -1, [] { zint i; dpotrf('X', 2, g_a, 2, i); return i; }},
-    {"DPOTRF", -2, [] { zint i; dpotrf('U', -1, g_a, 2, i); return i; }},
-    {"DPOTRF", -4, [] { zint i; dpotrf('L', 3, g_a, 2, i); return i; }},
-    {"ZPOTRF", -4, [] { zint i; zpotrf('l', 3, g_z, 2, i); return i; }},
-    {"DPOTF2", -1, [] { zint i; dpotf2('N', 2, g_a, 2, i); return i; }},
-    {"DPOTF2", -2, [] { zint i; dpotf2('U', -2, g_a, 2, i); return i; }},
-    {"ZPOTF2", -4, [] { zint i; zpotf2('U', 2, g_z, 1, i); return i; }},
-    {"DPOTRS", -1, [] { zint i; dpotrs('x', 2, 1, g_a, 2, g_a, 2, i); return i; }},
-    {"DPOTRS", -2, [] { zint i; dpotrs('U', -1, 1, g_a, 2, g_a, 2, i); return i; }},
-    {"DPOTRS", -3, [] { zint i; dpotrs('U', 2, -1, g_a, 2, g_a, 2, i); return i; }},
-    {"DPOTRS", -5, [] { zint i; dpotrs('U', 2, 1, g_a, 1, g_a, 2, i); return i; }},
-    {"DPOTRS", -7, [] { zint i; dpotrs('U', 2, 1, g_a, 2, g_a, 1, i); return i; }},
-    {"DPOSV ", -1, [] { zint i; dposv('A', 2, 1, g_a, 2, g_a, 2, i); return i; }},
-    {"DPOSV ", -2, [] { zint i; dposv('U', -1, 1, g_a, 2, g_a, 2, i); return i; }},
-    {"DPOSV ", -3, [] { zint i; dposv('U', 2, -1, g_a, 2, g_a, 2, i); return i; }},
-    {"DPOSV ", -5, [] { zint i; dposv('L', 2, 1, g_a, 1, g_a, 2, i); return i; }},
-    {"ZPOSV ", -7, [] { zint i; zposv('L', 2, 1, g_z, 2, g_z, 1, i); return i; }},
-    {"DPOTRI", -1, [] { zint i; dpotri('B', 2, g_a, 2, i); return i; }},
-    {"DPOTRI", -2, [] { zint i; dpotri('U', -1, g_a, 2, i); return i; }},
-    {"ZPOTRI", -4, [] { zint i; zpotri('U', 2, g_z, 1, i); return i; }},
-    {"DPPTRF", -1, [] { zint i; dpptrf('Q', 2, g_a, i); return i; }},
-    {"ZPPTRF", -2, [] { zint i; zpptrf('U', -1, g_z, i); return i; }},
-    {"DPPTRS", -1, [] { zint i; dpptrs('Q', 2, 1, g_a, g_a, 2, i); return i; }},
-    {"DPPTRS", -2, [] { zint i; dpptrs('U', -2, 1, g_a, g_a, 2, i); return i; }},
-    {"DPPTRS", -3, [] { zint i; dpptrs('U', 2, -1, g_a, g_a, 2, i); return i; }},
-    {"ZPPTRS", -6, [] { zint i; zpptrs('L', 2, 1, g_z, g_z, 1, i); return i; }},
-    {"DPPTRI", -1, [] { zint i; dpptri('0', 2, g_a, i); return i; }},
-    {"ZPPTRI", -2, [] { zint i; zpptri('L', -5, g_z, i); return i; }},
+    {"DPOTRF", -1,
+     [] {
+         zint i;
+         dpotrf('X', 2, g_a, 2, i);
+         return i;
+     }},
+    {"DPOTRF", -2,
+     [] {
+         zint i;
+         dpotrf('U', -1, g_a, 2, i);
+         return i;
+     }},
+    {"DPOTRF", -4,
+     [] {
+         zint i;
+         dpotrf('L', 3, g_a, 2, i);
+         return i;
+     }},
+    {"ZPOTRF", -4,
+     [] {
+         zint i;
+         zpotrf('l', 3, g_z, 2, i);
+         return i;
+     }},
+    {"DPOTF2", -1,
+     [] {
+         zint i;
+         dpotf2('N', 2, g_a, 2, i);
+         return i;
+     }},
+    {"DPOTF2", -2,
+     [] {
+         zint i;
+         dpotf2('U', -2, g_a, 2, i);
+         return i;
+     }},
+    {"ZPOTF2", -4,
+     [] {
+         zint i;
+         zpotf2('U', 2, g_z, 1, i);
+         return i;
+     }},
+    {"DPOTRS", -1,
+     [] {
+         zint i;
+         dpotrs('x', 2, 1, g_a, 2, g_a, 2, i);
+         return i;
+     }},
+    {"DPOTRS", -2,
+     [] {
+         zint i;
+         dpotrs('U', -1, 1, g_a, 2, g_a, 2, i);
+         return i;
+     }},
+    {"DPOTRS", -3,
+     [] {
+         zint i;
+         dpotrs('U', 2, -1, g_a, 2, g_a, 2, i);
+         return i;
+     }},
+    {"DPOTRS", -5,
+     [] {
+         zint i;
+         dpotrs('U', 2, 1, g_a, 1, g_a, 2, i);
+         return i;
+     }},
+    {"DPOTRS", -7,
+     [] {
+         zint i;
+         dpotrs('U', 2, 1, g_a, 2, g_a, 1, i);
+         return i;
+     }},
+    {"DPOSV ", -1,
+     [] {
+         zint i;
+         dposv('A', 2, 1, g_a, 2, g_a, 2, i);
+         return i;
+     }},
+    {"DPOSV ", -2,
+     [] {
+         zint i;
+         dposv('U', -1, 1, g_a, 2, g_a, 2, i);
+         return i;
+     }},
+    {"DPOSV ", -3,
+     [] {
+         zint i;
+         dposv('U', 2, -1, g_a, 2, g_a, 2, i);
+         return i;
+     }},
+    {"DPOSV ", -5,
+     [] {
+         zint i;
+         dposv('L', 2, 1, g_a, 1, g_a, 2, i);
+         return i;
+     }},
+    {"ZPOSV ", -7,
+     [] {
+         zint i;
+         zposv('L', 2, 1, g_z, 2, g_z, 1, i);
+         return i;
+     }},
+    {"DPOTRI", -1,
+     [] {
+         zint i;
+         dpotri('B', 2, g_a, 2, i);
+         return i;
+     }},
+    {"DPOTRI", -2,
+     [] {
+         zint i;
+         dpotri('U', -1, g_a, 2, i);
+         return i;
+     }},
+    {"ZPOTRI", -4,
+     [] {
+         zint i;
+         zpotri('U', 2, g_z, 1, i);
+         return i;
+     }},
+    {"DPPTRF", -1,
+     [] {
+         zint i;
+         dpptrf('Q', 2, g_a, i);
+         return i;
+     }},
+    {"ZPPTRF", -2,
+     [] {
+         zint i;
+         zpptrf('U', -1, g_z, i);
+         return i;
+     }},
+    {"DPPTRS", -1,
+     [] {
+         zint i;
+         dpptrs('Q', 2, 1, g_a, g_a, 2, i);
+         return i;
+     }},
+    {"DPPTRS", -2,
+     [] {
+         zint i;
+         dpptrs('U', -2, 1, g_a, g_a, 2, i);
+         return i;
+     }},
+    {"DPPTRS", -3,
+     [] {
+         zint i;
+         dpptrs('U', 2, -1, g_a, g_a, 2, i);
+         return i;
+     }},
+    {"ZPPTRS", -6,
+     [] {
+         zint i;
+         zpptrs('L', 2, 1, g_z, g_z, 1, i);
+         return i;
+     }},
+    {"DPPTRI", -1,
+     [] {
+         zint i;
+         dpptri('0', 2, g_a, i);
+         return i;
+     }},
+    {"ZPPTRI", -2,
+     [] {
+         zint i;
+         zpptri('L', -5, g_z, i);
+         return i;
+     }},
 };
 
 INSTANTIATE_TEST_SUITE_P(EveryParameter, CholeskyArguments, ::testing::ValuesIn(kCholeskyArgumentCases));

@@ -35,10 +35,13 @@ Matrix<T> random_triangle(Random& random, zint n, Options o) {
     for (zint j = 0; j < n; ++j) {
         for (zint i = 0; i < n; ++i) {
             if (i == j) {
-                a(i, j) = o.diag == 'U' ? test::narrow_to<T>({test::kPoison, test::kPoison})
-                                        : test::narrow_to<T>(Exact(2.0L, 0) + test::wide(test::random_element<T>(random)));
+                a(i, j) =
+                    o.diag == 'U'
+                        ? test::narrow_to<T>({test::kPoison, test::kPoison})
+                        : test::narrow_to<T>(Exact(2.0L, 0) + test::wide(test::random_element<T>(random)));
             } else if (upper ? i < j : i > j) {
-                a(i, j) = test::narrow_to<T>(test::wide(test::random_element<T>(random)) / static_cast<long double>(n));
+                a(i, j) = test::narrow_to<T>(test::wide(test::random_element<T>(random)) /
+                                             static_cast<long double>(n));
             }
         }
     }
@@ -107,7 +110,8 @@ void check_inverses(zint n, Options o) {
     EXPECT_TRUE(test::padding_untouched(full));
     Matrix<T> from_packed = a;
     unpack(ap, o.uplo, from_packed);
-    EXPECT_LT(inverse_residual(t, dense_triangle(from_packed, o)), kResidualThreshold) << n << o.uplo << o.diag;
+    EXPECT_LT(inverse_residual(t, dense_triangle(from_packed, o)), kResidualThreshold)
+        << n << o.uplo << o.diag;
 }
 
 const Options kOptions[] = {{'U', 'N'}, {'U', 'U'}, {'L', 'N'}, {'L', 'U'}};
@@ -212,19 +216,84 @@ double g_a[16];
 zcomplex g_z[16];
 
 const ArgumentCase kTriangularArgumentCases[] = {
-    {"DTRTRI", -1, [] { zint i; dtrtri('X', 'N', 2, g_a, 2, i); return i; }},
-    {"DTRTRI", -2, [] { zint i; dtrtri('U', 'X', 2, g_a, 2, i); return i; }},
-    {"DTRTRI", -3, [] { zint i; dtrtri('L', 'U', -1, g_a, 2, i); return i; }},
-    {"ZTRTRI", -5, [] { zint i; ztrtri('L', 'N', 3, g_z, 2, i); return i; }},
-    {"DTPTRI", -1, [] { zint i; dtptri('X', 'N', 2, g_a, i); return i; }},
-    {"DTPTRI", -2, [] { zint i; dtptri('U', 'T', 2, g_a, i); return i; }},
-    {"ZTPTRI", -3, [] { zint i; ztptri('u', 'n', -3, g_z, i); return i; }},
-    {"DTPTRS", -1, [] { zint i; dtptrs('N', 'N', 'N', 2, 1, g_a, g_a, 2, i); return i; }},
-    {"DTPTRS", -2, [] { zint i; dtptrs('U', 'U', 'N', 2, 1, g_a, g_a, 2, i); return i; }},
-    {"DTPTRS", -3, [] { zint i; dtptrs('U', 'N', 'T', 2, 1, g_a, g_a, 2, i); return i; }},
-    {"DTPTRS", -4, [] { zint i; dtptrs('L', 'T', 'U', -1, 1, g_a, g_a, 2, i); return i; }},
-    {"DTPTRS", -5, [] { zint i; dtptrs('L', 'C', 'U', 2, -1, g_a, g_a, 2, i); return i; }},
-    {"ZTPTRS", -8, [] { zint i; ztptrs('L', 'C', 'U', 2, 1, g_z, g_z, 1, i); return i; }},
+    {"DTRTRI", -1,
+     [] {
+         zint i;
+         dtrtri('X', 'N', 2, g_a, 2, i);
+         return i;
+     }},
+    {"DTRTRI", -2,
+     [] {
+         zint i;
+         dtrtri('U', 'X', 2, g_a, 2, i);
+         return i;
+     }},
+    {"DTRTRI", -3,
+     [] {
+         zint i;
+         dtrtri('L', 'U', -1, g_a, 2, i);
+         return i;
+     }},
+    {"ZTRTRI", -5,
+     [] {
+         zint i;
+         ztrtri('L', 'N', 3, g_z, 2, i);
+         return i;
+     }},
+    {"DTPTRI", -1,
+     [] {
+         zint i;
+         dtptri('X', 'N', 2, g_a, i);
+         return i;
+     }},
+    {"DTPTRI", -2,
+     [] {
+         zint i;
+         dtptri('U', 'T', 2, g_a, i);
+         return i;
+     }},
+    {"ZTPTRI", -3,
+     [] {
+         zint i;
+         ztptri('u', 'n', -3, g_z, i);
+         return i;
+     }},
+    {"DTPTRS", -1,
+     [] {
+         zint i;
+         dtptrs('N', 'N', 'N', 2, 1, g_a, g_a, 2, i);
+         return i;
+     }},
+    {"DTPTRS", -2,
+     [] {
+         zint i;
+         dtptrs('U', 'U', 'N', 2, 1, g_a, g_a, 2, i);
+         return i;
+     }},
+    {"DTPTRS", -3,
+     [] {
+         zint i;
+         dtptrs('U', 'N', 'T', 2, 1, g_a, g_a, 2, i);
+         return i;
+     }},
+    {"DTPTRS", -4,
+     [] {
+         zint i;
+         dtptrs('L', 'T', 'U', -1, 1, g_a, g_a, 2, i);
+         return i;
+     }},
+    {"DTPTRS", -5,
+     [] {
+         zint i;
+         dtptrs('L', 'C', 'U', 2, -1, g_a, g_a, 2, i);
+         return i;
+     }},
+    {"ZTPTRS", -8,
+     [] {
+         zint i;
+         ztptrs('L', 'C', 'U', 2, 1, g_z, g_z, 1, i);
+         return i;
+     }},
 };
 
 INSTANTIATE_TEST_SUITE_P(EveryParameter, TriangularArguments, ::testing::ValuesIn(kTriangularArgumentCases));
