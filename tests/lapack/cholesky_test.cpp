@@ -27,8 +27,6 @@ using test::kResidualThreshold;
 using test::Matrix;
 using test::Random;
 using test::Wide;
-using ::testing::internal::CaptureStdout;
-using ::testing::internal::GetCapturedStdout;
 
 constexpr bool is_upper(char uplo) {
     return uplo == 'U' || uplo == 'u';
@@ -275,7 +273,7 @@ void check_packed(zint n, char uplo, bool starve) {
     const Matrix<T> a = test::random_positive_definite<T>(random, n);
     std::vector<T> ap = pack(a, uplo);
     zint info = -1;
-    CaptureStdout();
+    ::testing::internal::CaptureStdout();
     {
         // Cached blocks would serve the request without asking the system.
         free_all_buffers();
@@ -286,7 +284,7 @@ void check_packed(zint n, char uplo, bool starve) {
             EXPECT_GT(AllocatorScope::allocations(), 0);
         }
     }
-    EXPECT_EQ(GetCapturedStdout(), "");  // the fallback is silent
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");  // the fallback is silent
     ASSERT_EQ(info, 0);
     EXPECT_LT(cholesky_residual(a, unpack(ap, n, uplo), uplo), kResidualThreshold) << n << uplo << starve;
 
@@ -384,200 +382,44 @@ INSTANTIATE_TEST_SUITE_P(Levels, PackedKernelLevels, test::kAllLevels, test::lev
 
 // ---- argument checks ----------------------------------------------------------------------------
 
-struct ArgumentCase {
-    const char* name;
-    zint expected;
-    std::function<zint()> call;
-};
-
-void PrintTo(const ArgumentCase& c, std::ostream* out) {
-    *out << c.name << " " << c.expected;
-}
-
-class CholeskyArguments : public ::testing::TestWithParam<ArgumentCase> {};
+class CholeskyArguments : public ::testing::TestWithParam<test::ArgumentCase> {};
 
 TEST_P(CholeskyArguments, TheFirstBadParameterIsReported) {
-    const ArgumentCase& c = GetParam();
-    CaptureStdout();
-    const zint info = c.call();
-    const std::string printed = GetCapturedStdout();
-    EXPECT_EQ(info, c.expected);
-    EXPECT_EQ(printed, "\nZOR ERROR: Parameter " + std::to_string(-c.expected) +
-                           " was incorrect on entry to " + c.name + "\n");
+    test::expect_argument_error(GetParam());
 }
 
 double g_a[16];
 zcomplex g_z[16];
 
-const ArgumentCase kCholeskyArgumentCases[] = {
-    {"DPOTRF", -1,
-     [] {
-         zint i;
-         dpotrf('X', 2, g_a, 2, i);
-         return i;
-     }},
-    {"DPOTRF", -2,
-     [] {
-         zint i;
-         dpotrf('U', -1, g_a, 2, i);
-         return i;
-     }},
-    {"DPOTRF", -4,
-     [] {
-         zint i;
-         dpotrf('L', 3, g_a, 2, i);
-         return i;
-     }},
-    {"ZPOTRF", -4,
-     [] {
-         zint i;
-         zpotrf('l', 3, g_z, 2, i);
-         return i;
-     }},
-    {"DPOTF2", -1,
-     [] {
-         zint i;
-         dpotf2('N', 2, g_a, 2, i);
-         return i;
-     }},
-    {"DPOTF2", -2,
-     [] {
-         zint i;
-         dpotf2('U', -2, g_a, 2, i);
-         return i;
-     }},
-    {"ZPOTF2", -4,
-     [] {
-         zint i;
-         zpotf2('U', 2, g_z, 1, i);
-         return i;
-     }},
-    {"DPOTRS", -1,
-     [] {
-         zint i;
-         dpotrs('x', 2, 1, g_a, 2, g_a, 2, i);
-         return i;
-     }},
-    {"DPOTRS", -2,
-     [] {
-         zint i;
-         dpotrs('U', -1, 1, g_a, 2, g_a, 2, i);
-         return i;
-     }},
-    {"DPOTRS", -3,
-     [] {
-         zint i;
-         dpotrs('U', 2, -1, g_a, 2, g_a, 2, i);
-         return i;
-     }},
-    {"DPOTRS", -5,
-     [] {
-         zint i;
-         dpotrs('U', 2, 1, g_a, 1, g_a, 2, i);
-         return i;
-     }},
-    {"DPOTRS", -7,
-     [] {
-         zint i;
-         dpotrs('U', 2, 1, g_a, 2, g_a, 1, i);
-         return i;
-     }},
-    {"DPOSV ", -1,
-     [] {
-         zint i;
-         dposv('A', 2, 1, g_a, 2, g_a, 2, i);
-         return i;
-     }},
-    {"DPOSV ", -2,
-     [] {
-         zint i;
-         dposv('U', -1, 1, g_a, 2, g_a, 2, i);
-         return i;
-     }},
-    {"DPOSV ", -3,
-     [] {
-         zint i;
-         dposv('U', 2, -1, g_a, 2, g_a, 2, i);
-         return i;
-     }},
-    {"DPOSV ", -5,
-     [] {
-         zint i;
-         dposv('L', 2, 1, g_a, 1, g_a, 2, i);
-         return i;
-     }},
-    {"ZPOSV ", -7,
-     [] {
-         zint i;
-         zposv('L', 2, 1, g_z, 2, g_z, 1, i);
-         return i;
-     }},
-    {"DPOTRI", -1,
-     [] {
-         zint i;
-         dpotri('B', 2, g_a, 2, i);
-         return i;
-     }},
-    {"DPOTRI", -2,
-     [] {
-         zint i;
-         dpotri('U', -1, g_a, 2, i);
-         return i;
-     }},
-    {"ZPOTRI", -4,
-     [] {
-         zint i;
-         zpotri('U', 2, g_z, 1, i);
-         return i;
-     }},
-    {"DPPTRF", -1,
-     [] {
-         zint i;
-         dpptrf('Q', 2, g_a, i);
-         return i;
-     }},
-    {"ZPPTRF", -2,
-     [] {
-         zint i;
-         zpptrf('U', -1, g_z, i);
-         return i;
-     }},
-    {"DPPTRS", -1,
-     [] {
-         zint i;
-         dpptrs('Q', 2, 1, g_a, g_a, 2, i);
-         return i;
-     }},
-    {"DPPTRS", -2,
-     [] {
-         zint i;
-         dpptrs('U', -2, 1, g_a, g_a, 2, i);
-         return i;
-     }},
-    {"DPPTRS", -3,
-     [] {
-         zint i;
-         dpptrs('U', 2, -1, g_a, g_a, 2, i);
-         return i;
-     }},
-    {"ZPPTRS", -6,
-     [] {
-         zint i;
-         zpptrs('L', 2, 1, g_z, g_z, 1, i);
-         return i;
-     }},
-    {"DPPTRI", -1,
-     [] {
-         zint i;
-         dpptri('0', 2, g_a, i);
-         return i;
-     }},
-    {"ZPPTRI", -2,
-     [] {
-         zint i;
-         zpptri('L', -5, g_z, i);
-         return i;
-     }},
+const test::ArgumentCase kCholeskyArgumentCases[] = {
+    {"DPOTRF", -1, [] { return test::info_of(dpotrf, 'X', 2, g_a, 2); }},
+    {"DPOTRF", -2, [] { return test::info_of(dpotrf, 'U', -1, g_a, 2); }},
+    {"DPOTRF", -4, [] { return test::info_of(dpotrf, 'L', 3, g_a, 2); }},
+    {"ZPOTRF", -4, [] { return test::info_of(zpotrf, 'l', 3, g_z, 2); }},
+    {"DPOTF2", -1, [] { return test::info_of(dpotf2, 'N', 2, g_a, 2); }},
+    {"DPOTF2", -2, [] { return test::info_of(dpotf2, 'U', -2, g_a, 2); }},
+    {"ZPOTF2", -4, [] { return test::info_of(zpotf2, 'U', 2, g_z, 1); }},
+    {"DPOTRS", -1, [] { return test::info_of(dpotrs, 'x', 2, 1, g_a, 2, g_a, 2); }},
+    {"DPOTRS", -2, [] { return test::info_of(dpotrs, 'U', -1, 1, g_a, 2, g_a, 2); }},
+    {"DPOTRS", -3, [] { return test::info_of(dpotrs, 'U', 2, -1, g_a, 2, g_a, 2); }},
+    {"DPOTRS", -5, [] { return test::info_of(dpotrs, 'U', 2, 1, g_a, 1, g_a, 2); }},
+    {"DPOTRS", -7, [] { return test::info_of(dpotrs, 'U', 2, 1, g_a, 2, g_a, 1); }},
+    {"DPOSV ", -1, [] { return test::info_of(dposv, 'A', 2, 1, g_a, 2, g_a, 2); }},
+    {"DPOSV ", -2, [] { return test::info_of(dposv, 'U', -1, 1, g_a, 2, g_a, 2); }},
+    {"DPOSV ", -3, [] { return test::info_of(dposv, 'U', 2, -1, g_a, 2, g_a, 2); }},
+    {"DPOSV ", -5, [] { return test::info_of(dposv, 'L', 2, 1, g_a, 1, g_a, 2); }},
+    {"ZPOSV ", -7, [] { return test::info_of(zposv, 'L', 2, 1, g_z, 2, g_z, 1); }},
+    {"DPOTRI", -1, [] { return test::info_of(dpotri, 'B', 2, g_a, 2); }},
+    {"DPOTRI", -2, [] { return test::info_of(dpotri, 'U', -1, g_a, 2); }},
+    {"ZPOTRI", -4, [] { return test::info_of(zpotri, 'U', 2, g_z, 1); }},
+    {"DPPTRF", -1, [] { return test::info_of(dpptrf, 'Q', 2, g_a); }},
+    {"ZPPTRF", -2, [] { return test::info_of(zpptrf, 'U', -1, g_z); }},
+    {"DPPTRS", -1, [] { return test::info_of(dpptrs, 'Q', 2, 1, g_a, g_a, 2); }},
+    {"DPPTRS", -2, [] { return test::info_of(dpptrs, 'U', -2, 1, g_a, g_a, 2); }},
+    {"DPPTRS", -3, [] { return test::info_of(dpptrs, 'U', 2, -1, g_a, g_a, 2); }},
+    {"ZPPTRS", -6, [] { return test::info_of(zpptrs, 'L', 2, 1, g_z, g_z, 1); }},
+    {"DPPTRI", -1, [] { return test::info_of(dpptri, '0', 2, g_a); }},
+    {"ZPPTRI", -2, [] { return test::info_of(zpptri, 'L', -5, g_z); }},
 };
 
 INSTANTIATE_TEST_SUITE_P(EveryParameter, CholeskyArguments, ::testing::ValuesIn(kCholeskyArgumentCases));

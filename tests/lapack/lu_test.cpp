@@ -28,8 +28,6 @@ using test::kResidualThreshold;
 using test::Matrix;
 using test::Random;
 using test::Wide;
-using ::testing::internal::CaptureStdout;
-using ::testing::internal::GetCapturedStdout;
 
 template <class T>
 void call_getrf(zint m, zint n, T* a, zint lda, zint* ipiv, zint& info) {
@@ -615,297 +613,61 @@ INSTANTIATE_TEST_SUITE_P(Levels, Gtts2Levels, test::kAllLevels, test::level_para
 
 // ---- argument checks ----------------------------------------------------------------------------
 
-struct ArgumentCase {
-    const char* name;  // as printed, blank-padded
-    zint expected;
-    std::function<zint()> call;
-};
-
-void PrintTo(const ArgumentCase& c, std::ostream* out) {
-    *out << c.name << " " << c.expected;
-}
-
-class LuArguments : public ::testing::TestWithParam<ArgumentCase> {};
+class LuArguments : public ::testing::TestWithParam<test::ArgumentCase> {};
 
 TEST_P(LuArguments, TheFirstBadParameterIsReported) {
-    const ArgumentCase& c = GetParam();
-    CaptureStdout();
-    const zint info = c.call();
-    const std::string printed = GetCapturedStdout();
-    EXPECT_EQ(info, c.expected);
-    EXPECT_EQ(printed, "\nZOR ERROR: Parameter " + std::to_string(-c.expected) +
-                           " was incorrect on entry to " + c.name + "\n");
+    test::expect_argument_error(GetParam());
 }
 
 double g_a[64];
 zcomplex g_z[64];
 zint g_pivots[8] = {1, 2, 3, 4, 5, 6, 7, 8};
 
-const ArgumentCase kLuArgumentCases[] = {
-    {"DGETRF", -1,
-     [] {
-         zint i;
-         dgetrf(-1, 2, g_a, 2, g_pivots, i);
-         return i;
-     }},
-    {"DGETRF", -2,
-     [] {
-         zint i;
-         dgetrf(2, -1, g_a, 2, g_pivots, i);
-         return i;
-     }},
-    {"DGETRF", -4,
-     [] {
-         zint i;
-         dgetrf(3, 2, g_a, 2, g_pivots, i);
-         return i;
-     }},
-    {"ZGETRF", -4,
-     [] {
-         zint i;
-         zgetrf(3, 2, g_z, 2, g_pivots, i);
-         return i;
-     }},
-    {"DGETRS", -1,
-     [] {
-         zint i;
-         dgetrs('X', 2, 1, g_a, 2, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGETRS", -2,
-     [] {
-         zint i;
-         dgetrs('N', -1, 1, g_a, 2, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGETRS", -3,
-     [] {
-         zint i;
-         dgetrs('T', 2, -1, g_a, 2, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGETRS", -5,
-     [] {
-         zint i;
-         dgetrs('C', 2, 1, g_a, 1, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGETRS", -8,
-     [] {
-         zint i;
-         dgetrs('n', 2, 1, g_a, 2, g_pivots, g_a, 1, i);
-         return i;
-     }},
-    {"ZGETRS", -1,
-     [] {
-         zint i;
-         zgetrs('H', 2, 1, g_z, 2, g_pivots, g_z, 2, i);
-         return i;
-     }},
-    {"DGESV ", -1,
-     [] {
-         zint i;
-         dgesv(-1, 1, g_a, 1, g_pivots, g_a, 1, i);
-         return i;
-     }},
-    {"DGESV ", -2,
-     [] {
-         zint i;
-         dgesv(2, -1, g_a, 2, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGESV ", -4,
-     [] {
-         zint i;
-         dgesv(2, 1, g_a, 1, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGESV ", -7,
-     [] {
-         zint i;
-         dgesv(2, 1, g_a, 2, g_pivots, g_a, 1, i);
-         return i;
-     }},
-    {"ZGESV ", -7,
-     [] {
-         zint i;
-         zgesv(2, 1, g_z, 2, g_pivots, g_z, 1, i);
-         return i;
-     }},
-    {"DGETRI", -1,
-     [] {
-         zint i;
-         dgetri(-1, g_a, 1, g_pivots, g_a, 1, i);
-         return i;
-     }},
-    {"DGETRI", -3,
-     [] {
-         zint i;
-         dgetri(3, g_a, 2, g_pivots, g_a, 9, i);
-         return i;
-     }},
-    {"DGETRI", -6,
-     [] {
-         zint i;
-         dgetri(3, g_a, 3, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"ZGETRI", -6,
-     [] {
-         zint i;
-         zgetri(3, g_z, 3, g_pivots, g_z, 0, i);
-         return i;
-     }},
-    {"DGBTRF", -1,
-     [] {
-         zint i;
-         dgbtrf(-1, 2, 1, 1, g_a, 4, g_pivots, i);
-         return i;
-     }},
-    {"DGBTRF", -2,
-     [] {
-         zint i;
-         dgbtrf(2, -1, 1, 1, g_a, 4, g_pivots, i);
-         return i;
-     }},
-    {"DGBTRF", -3,
-     [] {
-         zint i;
-         dgbtrf(2, 2, -1, 1, g_a, 4, g_pivots, i);
-         return i;
-     }},
-    {"DGBTRF", -4,
-     [] {
-         zint i;
-         dgbtrf(2, 2, 1, -1, g_a, 4, g_pivots, i);
-         return i;
-     }},
-    {"DGBTRF", -6,
-     [] {
-         zint i;
-         dgbtrf(2, 2, 1, 1, g_a, 3, g_pivots, i);
-         return i;
-     }},
-    {"DGBTRS", -1,
-     [] {
-         zint i;
-         dgbtrs('/', 2, 1, 1, 1, g_a, 4, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGBTRS", -2,
-     [] {
-         zint i;
-         dgbtrs('N', -2, 1, 1, 1, g_a, 4, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGBTRS", -3,
-     [] {
-         zint i;
-         dgbtrs('N', 2, -1, 1, 1, g_a, 4, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGBTRS", -4,
-     [] {
-         zint i;
-         dgbtrs('N', 2, 1, -1, 1, g_a, 4, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGBTRS", -5,
-     [] {
-         zint i;
-         dgbtrs('T', 2, 1, 1, -1, g_a, 4, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGBTRS", -7,
-     [] {
-         zint i;
-         dgbtrs('C', 2, 1, 1, 1, g_a, 3, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGBTRS", -10,
-     [] {
-         zint i;
-         dgbtrs('N', 2, 1, 1, 1, g_a, 4, g_pivots, g_a, 1, i);
-         return i;
-     }},
-    {"ZGBTRS", -10,
-     [] {
-         zint i;
-         zgbtrs('N', 2, 1, 1, 1, g_z, 4, g_pivots, g_z, 1, i);
-         return i;
-     }},
-    {"DGBSV ", -1,
-     [] {
-         zint i;
-         dgbsv(-1, 1, 1, 1, g_a, 4, g_pivots, g_a, 1, i);
-         return i;
-     }},
-    {"DGBSV ", -2,
-     [] {
-         zint i;
-         dgbsv(2, -1, 1, 1, g_a, 4, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGBSV ", -3,
-     [] {
-         zint i;
-         dgbsv(2, 1, -1, 1, g_a, 4, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGBSV ", -4,
-     [] {
-         zint i;
-         dgbsv(2, 1, 1, -1, g_a, 4, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGBSV ", -6,
-     [] {
-         zint i;
-         dgbsv(2, 1, 1, 1, g_a, 3, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGBSV ", -9,
-     [] {
-         zint i;
-         dgbsv(2, 1, 1, 1, g_a, 4, g_pivots, g_a, 1, i);
-         return i;
-     }},
-    {"ZGBSV ", -9,
-     [] {
-         zint i;
-         zgbsv(2, 1, 1, 1, g_z, 4, g_pivots, g_z, 1, i);
-         return i;
-     }},
-    {"DGTTRF", -1,
-     [] {
-         zint i;
-         dgttrf(-1, g_a, g_a, g_a, g_a, g_pivots, i);
-         return i;
-     }},
-    {"DGTTRS", -1,
-     [] {
-         zint i;
-         dgttrs('x', 2, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGTTRS", -2,
-     [] {
-         zint i;
-         dgttrs('N', -1, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGTTRS", -3,
-     [] {
-         zint i;
-         dgttrs('t', 2, -1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2, i);
-         return i;
-     }},
-    {"DGTTRS", -10,
-     [] {
-         zint i;
-         dgttrs('c', 2, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 1, i);
-         return i;
-     }},
+const test::ArgumentCase kLuArgumentCases[] = {
+    {"DGETRF", -1, [] { return test::info_of(dgetrf, -1, 2, g_a, 2, g_pivots); }},
+    {"DGETRF", -2, [] { return test::info_of(dgetrf, 2, -1, g_a, 2, g_pivots); }},
+    {"DGETRF", -4, [] { return test::info_of(dgetrf, 3, 2, g_a, 2, g_pivots); }},
+    {"ZGETRF", -4, [] { return test::info_of(zgetrf, 3, 2, g_z, 2, g_pivots); }},
+    {"DGETRS", -1, [] { return test::info_of(dgetrs, 'X', 2, 1, g_a, 2, g_pivots, g_a, 2); }},
+    {"DGETRS", -2, [] { return test::info_of(dgetrs, 'N', -1, 1, g_a, 2, g_pivots, g_a, 2); }},
+    {"DGETRS", -3, [] { return test::info_of(dgetrs, 'T', 2, -1, g_a, 2, g_pivots, g_a, 2); }},
+    {"DGETRS", -5, [] { return test::info_of(dgetrs, 'C', 2, 1, g_a, 1, g_pivots, g_a, 2); }},
+    {"DGETRS", -8, [] { return test::info_of(dgetrs, 'n', 2, 1, g_a, 2, g_pivots, g_a, 1); }},
+    {"ZGETRS", -1, [] { return test::info_of(zgetrs, 'H', 2, 1, g_z, 2, g_pivots, g_z, 2); }},
+    {"DGESV ", -1, [] { return test::info_of(dgesv, -1, 1, g_a, 1, g_pivots, g_a, 1); }},
+    {"DGESV ", -2, [] { return test::info_of(dgesv, 2, -1, g_a, 2, g_pivots, g_a, 2); }},
+    {"DGESV ", -4, [] { return test::info_of(dgesv, 2, 1, g_a, 1, g_pivots, g_a, 2); }},
+    {"DGESV ", -7, [] { return test::info_of(dgesv, 2, 1, g_a, 2, g_pivots, g_a, 1); }},
+    {"ZGESV ", -7, [] { return test::info_of(zgesv, 2, 1, g_z, 2, g_pivots, g_z, 1); }},
+    {"DGETRI", -1, [] { return test::info_of(dgetri, -1, g_a, 1, g_pivots, g_a, 1); }},
+    {"DGETRI", -3, [] { return test::info_of(dgetri, 3, g_a, 2, g_pivots, g_a, 9); }},
+    {"DGETRI", -6, [] { return test::info_of(dgetri, 3, g_a, 3, g_pivots, g_a, 2); }},
+    {"ZGETRI", -6, [] { return test::info_of(zgetri, 3, g_z, 3, g_pivots, g_z, 0); }},
+    {"DGBTRF", -1, [] { return test::info_of(dgbtrf, -1, 2, 1, 1, g_a, 4, g_pivots); }},
+    {"DGBTRF", -2, [] { return test::info_of(dgbtrf, 2, -1, 1, 1, g_a, 4, g_pivots); }},
+    {"DGBTRF", -3, [] { return test::info_of(dgbtrf, 2, 2, -1, 1, g_a, 4, g_pivots); }},
+    {"DGBTRF", -4, [] { return test::info_of(dgbtrf, 2, 2, 1, -1, g_a, 4, g_pivots); }},
+    {"DGBTRF", -6, [] { return test::info_of(dgbtrf, 2, 2, 1, 1, g_a, 3, g_pivots); }},
+    {"DGBTRS", -1, [] { return test::info_of(dgbtrs, '/', 2, 1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBTRS", -2, [] { return test::info_of(dgbtrs, 'N', -2, 1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBTRS", -3, [] { return test::info_of(dgbtrs, 'N', 2, -1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBTRS", -4, [] { return test::info_of(dgbtrs, 'N', 2, 1, -1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBTRS", -5, [] { return test::info_of(dgbtrs, 'T', 2, 1, 1, -1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBTRS", -7, [] { return test::info_of(dgbtrs, 'C', 2, 1, 1, 1, g_a, 3, g_pivots, g_a, 2); }},
+    {"DGBTRS", -10, [] { return test::info_of(dgbtrs, 'N', 2, 1, 1, 1, g_a, 4, g_pivots, g_a, 1); }},
+    {"ZGBTRS", -10, [] { return test::info_of(zgbtrs, 'N', 2, 1, 1, 1, g_z, 4, g_pivots, g_z, 1); }},
+    {"DGBSV ", -1, [] { return test::info_of(dgbsv, -1, 1, 1, 1, g_a, 4, g_pivots, g_a, 1); }},
+    {"DGBSV ", -2, [] { return test::info_of(dgbsv, 2, -1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBSV ", -3, [] { return test::info_of(dgbsv, 2, 1, -1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBSV ", -4, [] { return test::info_of(dgbsv, 2, 1, 1, -1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBSV ", -6, [] { return test::info_of(dgbsv, 2, 1, 1, 1, g_a, 3, g_pivots, g_a, 2); }},
+    {"DGBSV ", -9, [] { return test::info_of(dgbsv, 2, 1, 1, 1, g_a, 4, g_pivots, g_a, 1); }},
+    {"ZGBSV ", -9, [] { return test::info_of(zgbsv, 2, 1, 1, 1, g_z, 4, g_pivots, g_z, 1); }},
+    {"DGTTRF", -1, [] { return test::info_of(dgttrf, -1, g_a, g_a, g_a, g_a, g_pivots); }},
+    {"DGTTRS", -1, [] { return test::info_of(dgttrs, 'x', 2, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2); }},
+    {"DGTTRS", -2, [] { return test::info_of(dgttrs, 'N', -1, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2); }},
+    {"DGTTRS", -3, [] { return test::info_of(dgttrs, 't', 2, -1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2); }},
+    {"DGTTRS", -10, [] { return test::info_of(dgttrs, 'c', 2, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 1); }},
 };
 
 INSTANTIATE_TEST_SUITE_P(EveryParameter, LuArguments, ::testing::ValuesIn(kLuArgumentCases));

@@ -19,8 +19,6 @@ using test::kResidualThreshold;
 using test::Matrix;
 using test::Random;
 using test::Wide;
-using ::testing::internal::CaptureStdout;
-using ::testing::internal::GetCapturedStdout;
 
 struct Options {
     char uplo, diag;
@@ -191,109 +189,29 @@ TEST(TriangularInfo, TheFirstZeroOnANonUnitDiagonalIsReported) {
     }
 }
 
-struct ArgumentCase {
-    const char* name;
-    zint expected;
-    std::function<zint()> call;
-};
-
-void PrintTo(const ArgumentCase& c, std::ostream* out) {
-    *out << c.name << " " << c.expected;
-}
-
-class TriangularArguments : public ::testing::TestWithParam<ArgumentCase> {};
+class TriangularArguments : public ::testing::TestWithParam<test::ArgumentCase> {};
 
 TEST_P(TriangularArguments, TheFirstBadParameterIsReported) {
-    const ArgumentCase& c = GetParam();
-    CaptureStdout();
-    const zint info = c.call();
-    EXPECT_EQ(info, c.expected);
-    EXPECT_EQ(GetCapturedStdout(), "\nZOR ERROR: Parameter " + std::to_string(-c.expected) +
-                                       " was incorrect on entry to " + c.name + "\n");
+    test::expect_argument_error(GetParam());
 }
 
 double g_a[16];
 zcomplex g_z[16];
 
-const ArgumentCase kTriangularArgumentCases[] = {
-    {"DTRTRI", -1,
-     [] {
-         zint i;
-         dtrtri('X', 'N', 2, g_a, 2, i);
-         return i;
-     }},
-    {"DTRTRI", -2,
-     [] {
-         zint i;
-         dtrtri('U', 'X', 2, g_a, 2, i);
-         return i;
-     }},
-    {"DTRTRI", -3,
-     [] {
-         zint i;
-         dtrtri('L', 'U', -1, g_a, 2, i);
-         return i;
-     }},
-    {"ZTRTRI", -5,
-     [] {
-         zint i;
-         ztrtri('L', 'N', 3, g_z, 2, i);
-         return i;
-     }},
-    {"DTPTRI", -1,
-     [] {
-         zint i;
-         dtptri('X', 'N', 2, g_a, i);
-         return i;
-     }},
-    {"DTPTRI", -2,
-     [] {
-         zint i;
-         dtptri('U', 'T', 2, g_a, i);
-         return i;
-     }},
-    {"ZTPTRI", -3,
-     [] {
-         zint i;
-         ztptri('u', 'n', -3, g_z, i);
-         return i;
-     }},
-    {"DTPTRS", -1,
-     [] {
-         zint i;
-         dtptrs('N', 'N', 'N', 2, 1, g_a, g_a, 2, i);
-         return i;
-     }},
-    {"DTPTRS", -2,
-     [] {
-         zint i;
-         dtptrs('U', 'U', 'N', 2, 1, g_a, g_a, 2, i);
-         return i;
-     }},
-    {"DTPTRS", -3,
-     [] {
-         zint i;
-         dtptrs('U', 'N', 'T', 2, 1, g_a, g_a, 2, i);
-         return i;
-     }},
-    {"DTPTRS", -4,
-     [] {
-         zint i;
-         dtptrs('L', 'T', 'U', -1, 1, g_a, g_a, 2, i);
-         return i;
-     }},
-    {"DTPTRS", -5,
-     [] {
-         zint i;
-         dtptrs('L', 'C', 'U', 2, -1, g_a, g_a, 2, i);
-         return i;
-     }},
-    {"ZTPTRS", -8,
-     [] {
-         zint i;
-         ztptrs('L', 'C', 'U', 2, 1, g_z, g_z, 1, i);
-         return i;
-     }},
+const test::ArgumentCase kTriangularArgumentCases[] = {
+    {"DTRTRI", -1, [] { return test::info_of(dtrtri, 'X', 'N', 2, g_a, 2); }},
+    {"DTRTRI", -2, [] { return test::info_of(dtrtri, 'U', 'X', 2, g_a, 2); }},
+    {"DTRTRI", -3, [] { return test::info_of(dtrtri, 'L', 'U', -1, g_a, 2); }},
+    {"ZTRTRI", -5, [] { return test::info_of(ztrtri, 'L', 'N', 3, g_z, 2); }},
+    {"DTPTRI", -1, [] { return test::info_of(dtptri, 'X', 'N', 2, g_a); }},
+    {"DTPTRI", -2, [] { return test::info_of(dtptri, 'U', 'T', 2, g_a); }},
+    {"ZTPTRI", -3, [] { return test::info_of(ztptri, 'u', 'n', -3, g_z); }},
+    {"DTPTRS", -1, [] { return test::info_of(dtptrs, 'N', 'N', 'N', 2, 1, g_a, g_a, 2); }},
+    {"DTPTRS", -2, [] { return test::info_of(dtptrs, 'U', 'U', 'N', 2, 1, g_a, g_a, 2); }},
+    {"DTPTRS", -3, [] { return test::info_of(dtptrs, 'U', 'N', 'T', 2, 1, g_a, g_a, 2); }},
+    {"DTPTRS", -4, [] { return test::info_of(dtptrs, 'L', 'T', 'U', -1, 1, g_a, g_a, 2); }},
+    {"DTPTRS", -5, [] { return test::info_of(dtptrs, 'L', 'C', 'U', 2, -1, g_a, g_a, 2); }},
+    {"ZTPTRS", -8, [] { return test::info_of(ztptrs, 'L', 'C', 'U', 2, 1, g_z, g_z, 1); }},
 };
 
 INSTANTIATE_TEST_SUITE_P(EveryParameter, TriangularArguments, ::testing::ValuesIn(kTriangularArgumentCases));
