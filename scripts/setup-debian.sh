@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what building zor needs on a Debian machine; with --tests, also what its tests need
 # (the Windows cross compilers, Wine, qemu-user, GoogleTest, valgrind); with --demo, what the
-# demonstration compares and draws with (Debian's serial OpenBLAS and BLIS, gnuplot).
+# demonstration and the benchmarks compare and draw with (Debian's serial OpenBLAS and BLIS, reference
+# LAPACK, gnuplot).
 set -euo pipefail
 packages=(cmake ninja-build g++ ccache binutils)
 if [ "${1:-}" = --tests ]; then
@@ -9,7 +10,7 @@ if [ "${1:-}" = --tests ]; then
                libc-bin valgrind)
 fi
 if [ "${1:-}" = --demo ]; then
-    packages+=(libopenblas0-serial libblis4-serial gnuplot-nox)
+    packages+=(libopenblas0-serial libblis4-serial liblapack3 gnuplot-nox)
 fi
 missing=()
 for p in "${packages[@]}"; do

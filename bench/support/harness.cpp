@@ -23,6 +23,7 @@ namespace {
 
 const char* const kOpenBlas = "/usr/lib/x86_64-linux-gnu/openblas-serial/libopenblas.so.0";
 const char* const kBlis = "/usr/lib/x86_64-linux-gnu/blis-serial/libblis.so.4";
+const char* const kReferenceLapack = "/usr/lib/x86_64-linux-gnu/lapack/liblapack.so.3";
 
 }  // namespace
 
@@ -35,6 +36,9 @@ std::vector<Peer> standard_peers() {
         {"blis", {kBlis}, {}},
         // BLIS chooses its sub-configuration by processor model; "0" is its id of "skx".
         {"blis-avx512", {kBlis}, {"BLIS_ARCH_TYPE=0"}},
+        // Reference LAPACK first, so that its LAPACK symbols are found before OpenBLAS's own; its
+        // BLAS calls go to OpenBLAS (Debian's libblas.so.3), forced to the AVX-512 kernels.
+        {"reference-lapack", {kReferenceLapack, kOpenBlas}, {"OPENBLAS_CORETYPE=SkylakeX"}},
     };
 }
 
@@ -57,7 +61,10 @@ void* Library::symbol(const char* name) const {
 }
 
 std::string describe(const Library& library) {
-    if (auto* core = library.function<char*()>("openblas_get_corename")) return std::string("OpenBLAS core ") + core();
+    if (auto* core = library.function<char*()>("openblas_get_corename")) {
+        const bool reference = library.name() == "reference-lapack";
+        return std::string(reference ? "reference LAPACK on OpenBLAS core " : "OpenBLAS core ") + core();
+    }
     auto* arch_id = library.function<int()>("bli_arch_query_id");
     auto* arch_name = library.function<const char*(int)>("bli_arch_string");
     if (arch_id && arch_name) return std::string("BLIS sub-configuration ") + arch_name(arch_id());

@@ -18,7 +18,7 @@ struct Peer {
 };
 
 // zor at the Avx and Default levels, OpenBLAS and BLIS as shipped and forced to their AVX-512
-// kernels, each single-threaded. Every OPENBLAS_* and BLIS_* variable of the caller is cleared.
+// kernels, and reference LAPACK on OpenBLAS's AVX-512 BLAS, each single-threaded. Every OPENBLAS_* and BLIS_* variable of the caller is cleared.
 std::vector<Peer> standard_peers();
 
 // A loaded peer: its symbols, looked up by name (null when it has none).

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <string>
 
 #include "zor/zor.h"
 
@@ -94,6 +95,134 @@ TEST(ComplexRotations, ZdrotAndZrotgReachTheirKernels) {
     EXPECT_DOUBLE_EQ(cv, 0.6);
     EXPECT_DOUBLE_EQ(sv.real, 0.8);
     EXPECT_DOUBLE_EQ(ca.real, 5.0);
+}
+
+}  // namespace
+
+// ---- the LU, Cholesky and triangular exports ----------------------------------------------------
+
+#ifndef _WIN32
+extern "C" void dgesv_(const zor_int* n, const zor_int* nrhs, double* a, const zor_int* lda, zor_int* ipiv,
+                       double* b, const zor_int* ldb, zor_int* info);
+#endif
+
+namespace {
+
+// [[4, 3], [6, 3]] x = [10, 12] has the solution [1, 2]; the pivots come back as 32-bit integers.
+TEST(LuExports, SolveSmallSystemsExactly) {
+    const zor_int n = 2, one = 1, two = 2;
+    double a[4] = {4, 6, 3, 3}, b[2] = {10, 12};
+    zor_int ipiv[3] = {-9, -9, -9}, info = 99;
+    dgesv(&n, &one, a, &two, ipiv, b, &two, &info);
+    EXPECT_EQ(info, 0);
+    EXPECT_EQ(ipiv[0], 2);
+    EXPECT_EQ(ipiv[1], 2);
+    EXPECT_EQ(ipiv[2], -9);
+    EXPECT_DOUBLE_EQ(b[0], 1.0);
+    EXPECT_DOUBLE_EQ(b[1], 2.0);
+    zor_complex_double z[4] = {{4, 0}, {6, 0}, {3, 0}, {3, 0}}, zb[2] = {{10, 1}, {12, 0}};
+    zgesv(&n, &one, z, &two, ipiv, zb, &two, &info);
+    EXPECT_EQ(info, 0);
+    EXPECT_NEAR(zb[0].real, 1.0, 1e-15);
+    EXPECT_NEAR(zb[1].imag, 1.0, 1e-15);
+#ifndef _WIN32
+    double c[4] = {4, 6, 3, 3}, d[2] = {10, 12};
+    dgesv_(&n, &one, c, &two, ipiv, d, &two, &info);
+    EXPECT_DOUBLE_EQ(d[1], 2.0);
+#endif
+}
+
+TEST(LuExports, FactorInvertAndBandAndTridiagonalSolves) {
+    const zor_int zero = 0, two = 2, three = 3, one = 1, minus_one = -1;
+    zor_int ipiv[3] = {7, 7, 7}, info = 5;
+    double a[4] = {4, 6, 3, 3};
+    dgetrf(&zero, &two, a, &one, ipiv, &info);
+    EXPECT_EQ(info, 0);
+    EXPECT_EQ(ipiv[0], 7);  // no pivots written
+    dgetrf(&two, &two, a, &two, ipiv, &info);
+    // The workspace query reads neither ipiv nor a.
+    double work[8];
+    dgetri(&two, a, &two, nullptr, work, &minus_one, &info);
+    EXPECT_EQ(info, 0);
+    EXPECT_GE(work[0], 2.0);
+    const zor_int lwork = 8;
+    dgetri(&two, a, &two, ipiv, work, &lwork, &info);
+    EXPECT_EQ(info, 0);
+    EXPECT_NEAR(a[0], -0.5, 1e-15);  // inv([[4, 3], [6, 3]]) = [[-1/2, 1/2], [1, -2/3]]
+    EXPECT_NEAR(a[3], -2.0 / 3.0, 1e-15);
+    // The same system as a band matrix, kl = ku = 1: ldab = 4.
+    const zor_int ldab = 4;
+    double ab[8] = {0, 0, 4, 6, 0, 3, 3, 0}, b[2] = {10, 12};
+    dgbsv(&two, &one, &one, &one, ab, &ldab, ipiv, b, &two, &info);
+    EXPECT_EQ(info, 0);
+    EXPECT_DOUBLE_EQ(b[1], 2.0);
+    // Tridiagonal [[2, 1, 0], [1, 2, 1], [0, 1, 2]] x = [4, 8, 8]: x = [1, 2, 3].
+    double dl[2] = {1, 1}, d[3] = {2, 2, 2}, du[2] = {1, 1}, du2[1], x[3] = {4, 8, 8};
+    dgttrf(&three, dl, d, du, du2, ipiv, &info);
+    EXPECT_EQ(info, 0);
+    dgttrs("N", &three, &one, dl, d, du, du2, ipiv, x, &three, &info, 1);
+    EXPECT_EQ(info, 0);
+    EXPECT_NEAR(x[2], 3.0, 1e-15);
+    dgttrs("?", &three, &one, dl, d, du, du2, ipiv, x, &three, &info, 1);
+    EXPECT_EQ(info, -1);
+}
+
+TEST(CholeskyExports, FactorSolveAndInvertInFullAndPackedStorage) {
+    const zor_int two = 2, one = 1;
+    zor_int info = 9;
+    // [[4, 2], [2, 5]] = Uᵀ U with U = [[2, 1], [0, 2]]; [[4, 2], [2, 5]] x = [8, 12]: x = [1, 2].
+    double a[4] = {4, 2, 2, 5}, b[2] = {8, 12};
+    dposv("U", &two, &one, a, &two, b, &two, &info, 1);
+    EXPECT_EQ(info, 0);
+    EXPECT_DOUBLE_EQ(a[3], 2.0);
+    EXPECT_DOUBLE_EQ(b[1], 2.0);
+    dpotri("U", &two, a, &two, &info, 1);
+    EXPECT_NEAR(a[0], 5.0 / 16, 1e-15);
+    double f[4] = {4, 2, 2, 5};
+    dpotrf("L", &two, f, &two, &info, 1);
+    EXPECT_DOUBLE_EQ(f[1], 1.0);
+    double ap[3] = {4, 2, 5}, pb[2] = {8, 12};
+    dpptrf("L", &two, ap, &info, 1);
+    dpptrs("L", &two, &one, ap, pb, &two, &info, 1);
+    EXPECT_DOUBLE_EQ(pb[0], 1.0);
+    dpptri("L", &two, ap, &info, 1);
+    EXPECT_NEAR(ap[2], 4.0 / 16, 1e-15);
+    zor_complex_double z[4] = {{4, 0}, {2, 1}, {2, -1}, {5, 0}};
+    zpotrf("U", &two, z, &two, &info, 1);
+    EXPECT_EQ(info, 0);
+    EXPECT_DOUBLE_EQ(z[2].imag, -0.5);
+    // Not positive definite: info 2 and the failed value in place.
+    double indefinite[4] = {1, 2, 2, 1};
+    dpotrf("U", &two, indefinite, &two, &info, 1);
+    EXPECT_EQ(info, 2);
+    EXPECT_DOUBLE_EQ(indefinite[3], -3.0);
+}
+
+TEST(TriangularExports, InvertAndSolve) {
+    const zor_int two = 2, one = 1;
+    zor_int info = 9;
+    double t[4] = {2, 0, 1, 4};  // [[2, 1], [0, 4]]
+    dtrtri("U", "N", &two, t, &two, &info, 1, 1);
+    EXPECT_EQ(info, 0);
+    EXPECT_DOUBLE_EQ(t[2], -0.125);
+    double tp[3] = {2, 1, 4}, b[2] = {4, 8};
+    dtptrs("U", "N", "N", &two, &one, tp, b, &two, &info, 1, 1, 1);
+    EXPECT_DOUBLE_EQ(b[0], 1.0);
+    dtptri("U", "N", &two, tp, &info, 1, 1);
+    EXPECT_DOUBLE_EQ(tp[1], -0.125);
+    zor_complex_double z[3] = {{0, 0}, {1, 0}, {4, 0}};
+    ztptri("U", "N", &two, z, &info, 1, 1);
+    EXPECT_EQ(info, 1);
+}
+
+TEST(LapackExports, ABadArgumentIsPrintedWithTheBlankPaddedName) {
+    ::testing::internal::CaptureStdout();
+    const zor_int n = -1, one = 1;
+    zor_int info = 0;
+    dgesv(&n, &one, nullptr, &one, nullptr, nullptr, &one, &info);
+    const std::string printed = ::testing::internal::GetCapturedStdout();
+    EXPECT_EQ(info, -1);
+    EXPECT_EQ(printed, "\nZOR ERROR: Parameter 1 was incorrect on entry to DGESV \n");
 }
 
 }  // namespace

@@ -115,7 +115,6 @@ INSTANTIATE_TEST_SUITE_P(
         TuningCase{1, "ZHETRD", " ", 500, -1, -1, -1, 32}, TuningCase{1, "DHETRD", " ", 500, -1, -1, -1, 1},
         TuningCase{2, "ZSYTRF", " ", 500, -1, -1, -1, 8}, TuningCase{3, "DSYTRD", " ", 500, -1, -1, -1, 32},
         // Published defaults and the answers for names the table does not know.
-        TuningCase{1, "DPOTRF", "U", 1000, -1, -1, -1, 64},
         TuningCase{1, "DGEHRD", " ", 1000, 1, 1000, -1, 32},
         TuningCase{1, "DTRTRI", "U", 1000, -1, -1, -1, 64},
         TuningCase{1, "DGEQP3", " ", 1000, 1000, -1, -1, 32},
@@ -125,11 +124,28 @@ INSTANTIATE_TEST_SUITE_P(
         TuningCase{1, "DLAUUM", "U", 1000, -1, -1, -1, 64}, TuningCase{1, "DSTEBZ", " ", 1000, -1, -1, -1, 1},
         TuningCase{1, "DNOTAB", " ", 1000, 1000, -1, -1, 1},
         TuningCase{2, "DGETRF", " ", 1000, 1000, -1, -1, 2},
-        TuningCase{2, "DGEHRD", " ", 1000, 1, 1000, -1, 2}, TuningCase{3, "DPOTRF", "L", 1000, -1, -1, -1, 0},
+        TuningCase{2, "DGEHRD", " ", 1000, 1, 1000, -1, 2}, TuningCase{3, "DGETRI", " ", 1000, -1, -1, -1, 0},
         TuningCase{3, "DGEBRD", " ", 1000, 1000, -1, -1, 128},
         TuningCase{3, "DNOTAB", " ", 1000, 1000, -1, -1, 0}, TuningCase{7, "DGEQRF", " ", 0, 0, 0, 0, 1},
         TuningCase{17, "DGETRF", " ", 0, 0, 0, 0, kNever}, TuningCase{18, "ZPOTRF", "U", 0, 0, 0, 0, kNever},
-        TuningCase{19, "SGEQRF", " ", 0, 0, 0, 0, kNever}),
+        TuningCase{19, "SGEQRF", " ", 0, 0, 0, 0, kNever},
+        // The LU and Cholesky families' own block sizes and crossovers.
+        TuningCase{1, "DGETRF", "S", 3000, 32, -1, -1, 32},
+        TuningCase{1, "ZGETRF", "S", 33, 3000, -1, -1, 16},
+        TuningCase{1, "DGETRF", "S", 3000, 200, -1, -1, 104},
+        TuningCase{1, "DGETRF", "S", 3000, 3000, -1, -1, 256},
+        TuningCase{1, "DGETRF", " ", 3000, 3000, -1, -1, 64},
+        TuningCase{1, "DPOTRF", "U", 64, -1, -1, -1, 64}, TuningCase{1, "ZPOTRF", "L", 100, -1, -1, -1, 56},
+        TuningCase{1, "DPOTRF", "U", 1000, -1, -1, -1, 256},
+        TuningCase{3, "DPOTRF", "L", 1000, -1, -1, -1, 32},
+        TuningCase{3, "ZPPTRF", " ", 1000, -1, -1, -1, 64},
+        TuningCase{1, "DPPTRF", "Memory", 1000, -1, -1, -1, 128},
+        TuningCase{1, "DPPTRF", "No Memory", 1000, -1, -1, -1, 32},
+        TuningCase{1, "ZPPTRS", "Memory", 1000, 7, -1, -1, 1},
+        TuningCase{1, "DPPTRS", "Memory", 1000, 8, -1, -1, 128},
+        TuningCase{1, "DPPTRS", "No Memory", 1000, 8, -1, -1, 16},
+        TuningCase{1, "DGTTRS", "N", 1000, 8, -1, -1, 16}, TuningCase{1, "ZGTTRS", "N", 1000, 8, -1, -1, 1},
+        TuningCase{1, "DTPTRS", "T", 1000, 8, -1, -1, 16}),
     case_name);
 
 INSTANTIATE_TEST_SUITE_P(

@@ -118,6 +118,39 @@ zint getrf_crossover(const TuningRequest& r) {
     return (r.letter == 'D' && r.n3 == 8 && r.n2 > 2800) ? 4000 : 64;
 }
 
+// Query 1 for GETRF with opts "S", the recursive panels' block size by the smaller dimension: small
+// panels are factored unblocked (a block at least as wide as the panel), larger ones split about in
+// half, wide ones into blocks of at most 256 columns, whose trailing updates are deep enough for the
+// GEMM engine. Other opts keep the reference's 64.
+zint getrf_block(const TuningRequest& r) {
+    if (r.option != 'S') return 64;
+    const zint k = r.n1 < r.n2 ? r.n1 : r.n2;
+    if (k <= 32) return 32;
+    const zint half = (k / 2 + 7) / 8 * 8;
+    return half < 256 ? half : 256;
+}
+
+// Query 1 for POTRF: diagonal blocks up to 64 are left to the unblocked kernel, larger ones split
+// about in half up to blocks of 256.
+zint potrf_block(const TuningRequest& r) {
+    if (r.n1 <= 64) return 64;
+    const zint half = (r.n1 / 2 + 7) / 8 * 8;
+    return half < 256 ? half : 256;
+}
+
+// Query 1 for PPTRF: the block of the path with a full-storage work block ("Memory") and of the one
+// on the packed storage ("No Memory").
+zint pptrf_block(const TuningRequest& r) {
+    return r.option == 'M' ? 128 : 32;
+}
+
+// Query 1 for PPTRS (n2 = the right-hand sides): the copies to full storage pay for themselves from
+// a few right-hand sides on; below that the packed kernels solve directly.
+zint pptrs_block(const TuningRequest& r) {
+    if (r.option == 'M') return r.n2 < 8 ? 1 : 128;
+    return 16;
+}
+
 // Query 3 for GEQRF.
 zint geqrf_crossover(const TuningRequest& r) {
     zint answer;
@@ -182,9 +215,14 @@ constexpr char kQFamilies[] = "*QR *RQ *LQ *QL *HR *TR *BR";
 constexpr TuningEntry kTuningTable[] = {
     // Query 1: the block size NB.
     {1, kAny, "**", "QRF", 0, &qrf_block},
-    {1, kAny, "GE", "TRF TRI", 64},
+    {1, kAny, "GE", "TRF", 0, &getrf_block},
+    {1, kAny, "GE", "TRI", 64},
     {1, kAny, "GE", "RQF LQF QLF HRD BRD QP3", 32},
-    {1, kAny, "PO", "TRF", 64},
+    {1, kAny, "PO", "TRF", 0, &potrf_block},
+    {1, kAny, "PP", "TRF", 0, &pptrf_block},
+    {1, kAny, "PP", "TRS", 0, &pptrs_block},
+    {1, kReal, "GT", "TRS", 16},
+    {1, kAny, "TP", "TRS", 16},
     {1, kAny, "SY", "TRF", 64},
     {1, kReal, "SY", "TRD", 32},
     {1, kReal, "SY", "GST", 64},
@@ -209,6 +247,8 @@ constexpr TuningEntry kTuningTable[] = {
     // Query 3: the crossover NX below which unblocked code runs.
     {3, kAny, "GE", "TRF", 0, &getrf_crossover},
     {3, kAny, "GE", "QRF", 0, &geqrf_crossover},
+    {3, kAny, "PO", "TRF", 32},
+    {3, kAny, "PP", "TRF", 64},
     {3, kAny, "GE", "RQF LQF QLF HRD BRD QP3", 128},
     {3, kReal, "SY", "TRD", 32},
     {3, kComplex, "HE", "TRD", 32},

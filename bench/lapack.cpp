@@ -1,0 +1,180 @@
+// The LU and Cholesky factorisations and solvers through the Fortran-style interface: dgetrf,
+// zgetrf, dpotrf, zpotrf, dgesv (one right-hand side), dgetri (from the factors) and dpptrf at
+// n = 200, 1000 and 3000, with dgemm at the same orders as the ceiling to read them against; in
+// GFLOP/s (the usual operation counts), single-threaded. Every call works on a fresh copy of its
+// input; the time of the copy is measured alone and taken off.
+//
+// The peers to compare with: openblas-avx512 (OpenBLAS's own LU and Cholesky on its AVX-512
+// kernels) and reference-lapack (the reference routines on the same BLAS).
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "support/harness.hpp"
+
+namespace {
+
+using Getrf = void(const int*, const int*, double*, const int*, int*, int*);
+using Potrf = void(const char*, const int*, double*, const int*, int*, std::size_t);
+using Gesv = void(const int*, const int*, double*, const int*, int*, double*, const int*, int*);
+using Getri = void(const int*, double*, const int*, const int*, double*, const int*, int*);
+using Pptrf = void(const char*, const int*, double*, int*, std::size_t);
+using Dgemm = void(const char*, const char*, const int*, const int*, const int*, const double*, const double*,
+                   const int*, const double*, const int*, const double*, double*, const int*, std::size_t,
+                   std::size_t);
+
+// 64-byte aligned doubles.
+class Array {
+  public:
+    explicit Array(std::size_t count)
+        : count_(count), data_(static_cast<double*>(std::aligned_alloc(64, (count * 8 + 63) / 64 * 64))) {}
+    ~Array() { std::free(data_); }
+    Array(const Array&) = delete;
+    Array& operator=(const Array&) = delete;
+    double* get() const { return data_; }
+    std::size_t size() const { return count_; }
+    void copy_from(const Array& other) const { std::memcpy(data_, other.data_, count_ * sizeof(double)); }
+
+  private:
+    std::size_t count_;
+    double* data_;
+};
+
+// Uniform values in [-1, 1) from a fixed sequence (xorshift64*).
+void fill_random(double* x, std::size_t count, std::uint64_t seed) {
+    std::uint64_t state = seed;
+    for (std::size_t i = 0; i < count; ++i) {
+        state ^= state >> 12;
+        state ^= state << 25;
+        state ^= state >> 27;
+        x[i] = static_cast<double>((state * 0x2545F4914F6CDD1Du) >> 11) * 0x1.0p-52 - 1.0;
+    }
+}
+
+// A general matrix (doubles, or complex as pairs), or a symmetric (Hermitian) one with a dominant
+// diagonal, which is positive definite.
+void fill_matrix(const Array& a, int n, bool complex, bool positive_definite) {
+    fill_random(a.get(), a.size(), 0x9E3779B97F4A7C15u + static_cast<std::uint64_t>(n));
+    if (!positive_definite) return;
+    const std::size_t s = complex ? 2 : 1, nn = static_cast<std::size_t>(n);
+    for (std::size_t j = 0; j < nn; ++j) {
+        for (std::size_t i = 0; i < j; ++i) {
+            a.get()[s * (j + i * nn)] = a.get()[s * (i + j * nn)];
+            if (complex) a.get()[s * (j + i * nn) + 1] = -a.get()[s * (i + j * nn) + 1];
+        }
+        a.get()[s * (j + j * nn)] = n;
+        if (complex) a.get()[s * (j + j * nn) + 1] = 0.0;
+    }
+}
+
+// Seconds of `call` on a fresh copy of `input` in `work`, less the copy's own time.
+double timed_on_copy(const Array& input, const Array& work, const std::function<void()>& call) {
+    const double with_copy = bench::seconds_per_call([&] {
+        work.copy_from(input);
+        call();
+    });
+    const double copy = bench::seconds_per_call([&] { work.copy_from(input); });
+    return with_copy - copy;
+}
+
+double measure(const bench::Library& library, const std::string& routine, int n) {
+    const bool complex = routine[0] == 'z';
+    const std::size_t nn = static_cast<std::size_t>(n) * n * (complex ? 2 : 1);
+    std::vector<int> ipiv(static_cast<std::size_t>(n));
+    int info = 0;
+    const char lower = 'L';
+    if (routine == "dgetrf" || routine == "zgetrf") {
+        auto* f = library.function<Getrf>(complex ? "zgetrf_" : "dgetrf_");
+        if (!f) return -1;
+        Array a(nn), w(nn);
+        fill_matrix(a, n, complex, false);
+        return timed_on_copy(a, w, [&] { f(&n, &n, w.get(), &n, ipiv.data(), &info); });
+    }
+    if (routine == "dpotrf" || routine == "zpotrf") {
+        auto* f = library.function<Potrf>(complex ? "zpotrf_" : "dpotrf_");
+        if (!f) return -1;
+        Array a(nn), w(nn);
+        fill_matrix(a, n, complex, true);
+        return timed_on_copy(a, w, [&] { f(&lower, &n, w.get(), &n, &info, 1); });
+    }
+    if (routine == "dgesv") {
+        auto* f = library.function<Gesv>("dgesv_");
+        if (!f) return -1;
+        Array a(nn + n), w(nn + n);  // the matrix, then the right-hand side
+        fill_matrix(a, n, false, false);
+        const int one = 1;
+        return timed_on_copy(a, w, [&] { f(&n, &one, w.get(), &n, ipiv.data(), w.get() + nn, &n, &info); });
+    }
+    if (routine == "dgetri") {
+        auto* getrf = library.function<Getrf>("dgetrf_");
+        auto* f = library.function<Getri>("dgetri_");
+        if (!f || !getrf) return -1;
+        Array a(nn), w(nn);
+        fill_matrix(a, n, false, false);
+        getrf(&n, &n, a.get(), &n, ipiv.data(), &info);
+        double query = 0;
+        const int minus_one = -1;
+        f(&n, a.get(), &n, ipiv.data(), &query, &minus_one, &info);
+        const int lwork = static_cast<int>(query);
+        std::vector<double> work(static_cast<std::size_t>(lwork));
+        return timed_on_copy(a, w, [&] { f(&n, w.get(), &n, ipiv.data(), work.data(), &lwork, &info); });
+    }
+    if (routine == "dpptrf") {
+        auto* f = library.function<Pptrf>("dpptrf_");
+        if (!f) return -1;
+        Array full(nn), a(static_cast<std::size_t>(n) * (n + 1) / 2), w(a.size());
+        fill_matrix(full, n, false, true);
+        std::size_t p = 0;
+        for (int j = 0; j < n; ++j) {
+            for (int i = j; i < n; ++i) a.get()[p++] = full.get()[i + static_cast<std::size_t>(j) * n];
+        }
+        return timed_on_copy(a, w, [&] { f(&lower, &n, w.get(), &info, 1); });
+    }
+    if (routine == "dgemm") {
+        auto* f = library.function<Dgemm>("dgemm_");
+        if (!f) return -1;
+        Array a(nn), b(nn), c(nn);
+        fill_random(a.get(), nn, 1);
+        fill_random(b.get(), nn, 2);
+        fill_random(c.get(), nn, 3);
+        const double one = 1.0;
+        return bench::seconds_per_call(
+            [&] { f("N", "N", &n, &n, &n, &one, a.get(), &n, b.get(), &n, &one, c.get(), &n, 1, 1); });
+    }
+    return -1;
+}
+
+double flops(const std::string& routine, double n) {
+    const double cube = n * n * n;
+    if (routine == "dgetrf") return 2 * cube / 3;
+    if (routine == "zgetrf") return 8 * cube / 3;
+    if (routine == "dpotrf" || routine == "dpptrf") return cube / 3;
+    if (routine == "zpotrf") return 4 * cube / 3;
+    if (routine == "dgesv") return 2 * cube / 3 + 2 * n * n;
+    if (routine == "dgetri") return 4 * cube / 3;
+    return 2 * cube;  // dgemm
+}
+
+const char* const kRoutines[] = {"dgetrf", "zgetrf", "dpotrf", "zpotrf", "dgesv", "dgetri", "dpptrf", "dgemm"};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    bench::Benchmark benchmark;
+    benchmark.title = "LU and Cholesky, column-major, lda = n, GFLOP/s";
+    benchmark.metric = bench::Metric::GflopsPerSecond;
+    for (const char* routine : kRoutines) {
+        for (const int n : {200, 1000, 3000}) {
+            benchmark.cases.push_back({std::string(routine) + " n=" + std::to_string(n), flops(routine, n)});
+        }
+    }
+    benchmark.measure = [](const bench::Library& library, const bench::Case& c) {
+        const std::string routine = c.name.substr(0, c.name.find(' '));
+        return measure(library, routine, std::atoi(c.name.c_str() + c.name.find('=') + 1));
+    };
+    return bench::run(argc, argv, benchmark);
+}

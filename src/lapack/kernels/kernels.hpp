@@ -1,0 +1,58 @@
+#pragma once
+// The LAPACK layer's own kernels, in their five variants: the unblocked Cholesky steps, the
+// tridiagonal solve and the packed-storage kernels. Fortran calling form (everything by reference,
+// 64-bit integers, letters compared without regard to case), no argument checks.
+//
+// Packed storage holds a triangle column after column. A set of packed columns (the columns of a
+// block of a packed triangle, from a given row on) is a pointer, a step ld and a growth g: column r
+// starts r·ld + g·r(r-1)/2 elements after column 0, so g = 0 is ordinary storage, g = 1 the columns
+// of an upper triangle (each one longer) and g = -1 those of a lower triangle (each one shorter).
+
+#include "service/dispatch.hpp"
+#include "service/types.hpp"
+
+ZOR_DECLARE_VARIANTS(
+    // Cholesky of the leading n by n block, column by column (upper) or row by row (lower). On a
+    // diagonal value that is not positive (or NaN) it is stored in place, info = its index, and the
+    // kernel stops.
+    void dpotf2_upper(const zint& n, double* a, const zint& lda, zint& info);
+    void dpotf2_lower(const zint& n, double* a, const zint& lda, zint& info);
+    void zpotf2_upper(const zint& n, zcomplex* a, const zint& lda, zint& info);
+    void zpotf2_lower(const zint& n, zcomplex* a, const zint& lda, zint& info);
+
+    // Solves with the tridiagonal factors of dgttrf: itrans 0 for A X = B, 1 for Aᵀ X = B.
+    void dgtts2(const zint& itrans, const zint& n, const zint& nrhs, const double* dl, const double* d,
+                const double* du, const double* du2, const zint* ipiv, double* b, const zint& ldb);
+
+    // B := inv(op(T)) B for the packed triangle T of order n; B is a set of packed columns (ldb,
+    // growth) whose first n elements are solved.
+    void dtpsm(const char& uplo, const char& trans, const char& diag, const zint& n, const zint& nrhs,
+               const double* ap, double* b, const zint& ldb, const zint& growth);
+    void ztpsm(const char& uplo, const char& trans, const char& diag, const zint& n, const zint& nrhs,
+               const zcomplex* ap, zcomplex* b, const zint& ldb, const zint& growth);
+    // x := op(T) x for the packed triangle T.
+    void dtpmv(const char& uplo, const char& trans, const char& diag, const zint& n, const double* ap,
+               double* x, const zint& incx);
+    void ztpmv(const char& uplo, const char& trans, const char& diag, const zint& n, const zcomplex* ap,
+               zcomplex* x, const zint& incx);
+    // The packed triangle of order n := itself + alpha Σ x_r x_rᴴ over the k packed columns x (ldx,
+    // growth); the complex form is Hermitian and leaves its diagonal real.
+    void dsprk(const char& uplo, const zint& n, const zint& k, const double& alpha, const double* x,
+               const zint& ldx, const zint& growth, double* ap);
+    void zhprk(const char& uplo, const zint& n, const zint& k, const double& alpha, const zcomplex* x,
+               const zint& ldx, const zint& growth, zcomplex* ap);)
+
+namespace zor {
+
+// Where packed column r of a set starts, relative to column 0.
+constexpr zint packed_column_offset(zint r, zint ld, zint growth) {
+    return r * ld + growth * (r * (r - 1) / 2);
+}
+
+// Where column j of a packed triangle of order n starts: an upper column holds rows 0..j, a lower
+// one rows j..n-1.
+constexpr zint packed_start(bool upper, zint n, zint j) {
+    return upper ? j * (j + 1) / 2 : j * n - j * (j - 1) / 2;
+}
+
+}  // namespace zor

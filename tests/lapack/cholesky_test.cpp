@@ -1,0 +1,489 @@
+// The Cholesky family through its internal interface: residuals of the factorisations, solves and
+// inverses in full and packed storage (both packed paths, the second forced by an allocator that
+// fails), the failure rule of every unblocked kernel variant on both sides of its split, the
+// progress handler, and the argument checks of every parameter.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "lapack/cholesky/cholesky.hpp"
+#include "lapack/dispatch.hpp"
+#include "lapack/factor_support.hpp"
+#include "lapack/tuning/tuning.hpp"
+#include "service/memory.hpp"
+#include "support/counting_allocator.hpp"
+#include "support/variants.hpp"
+
+namespace zor {
+namespace {
+
+using test::AllocatorScope;
+using test::Exact;
+using test::kResidualThreshold;
+using test::Matrix;
+using test::Random;
+using test::Wide;
+
+constexpr bool is_upper(char uplo) {
+    return uplo == 'U' || uplo == 'u';
+}
+
+// The factor as a dense triangle (the other triangle zero).
+template <class T>
+Wide triangle(const Matrix<T>& f, char uplo) {
+    Wide t(f.rows, f.cols);
+    for (zint j = 0; j < f.cols; ++j) {
+        for (zint i = 0; i < f.rows; ++i) {
+            if (is_upper(uplo) ? i <= j : i >= j) t(i, j) = f.at(i, j);
+        }
+    }
+    return t;
+}
+
+// ||A - Uᴴ U||₁ or ||A - L Lᴴ||₁ over n ||A||₁ eps.
+template <class T>
+double cholesky_residual(const Matrix<T>& a, const Wide& factor, char uplo) {
+    const Wide product = is_upper(uplo) ? test::multiply(test::adjoint(factor), factor)
+                                        : test::multiply(factor, test::adjoint(factor));
+    return static_cast<double>(test::difference_norm(product, test::widen_matrix(a)) /
+                               (a.rows * test::one_norm(a) * test::epsilon()));
+}
+
+// ||I - A inv(A)||₁ over n ||A||₁ ||inv(A)||₁ eps, with inv(A) given by one triangle.
+template <class T>
+double inverse_residual(const Matrix<T>& a, const Wide& inverse_triangle, char uplo) {
+    const zint n = a.rows;
+    Wide inverse(n, n);
+    for (zint j = 0; j < n; ++j) {
+        for (zint i = 0; i < n; ++i) {
+            const bool stored = is_upper(uplo) ? i <= j : i >= j;
+            inverse(i, j) = stored ? inverse_triangle(i, j) : std::conj(inverse_triangle(j, i));
+        }
+    }
+    Wide product = test::multiply(test::widen_matrix(a), inverse);
+    for (zint i = 0; i < n; ++i) product(i, i) -= 1;
+    return static_cast<double>(test::one_norm(product) /
+                               (n * test::one_norm(a) * test::one_norm(inverse) * test::epsilon()));
+}
+
+template <class T>
+void potrf(char uplo, zint n, T* a, zint lda, zint& info) {
+    if constexpr (test::kIsComplex<T>) {
+        zpotrf(uplo, n, a, lda, info);
+    } else {
+        dpotrf(uplo, n, a, lda, info);
+    }
+}
+
+std::vector<zint> cholesky_orders() {
+    std::vector<zint> orders;
+    for (zint n = 1; n <= 70; ++n) orders.push_back(n);
+    for (zint n : {100, 129, 200, 300}) orders.push_back(n);
+    return orders;
+}
+
+template <class T>
+void check_potrf_and_potri(zint n, char uplo) {
+    Random random(static_cast<std::uint64_t>(n * 3 + uplo));
+    const Matrix<T> a = test::random_positive_definite<T>(random, n);
+    Matrix<T> f = a;
+    zint info = -1;
+    potrf(uplo, n, f.data(), f.ld, info);
+    ASSERT_EQ(info, 0);
+    EXPECT_LT(cholesky_residual(a, triangle(f, uplo), uplo), kResidualThreshold) << n << uplo;
+    // The other triangle is never touched.
+    for (zint j = 0; j < n; ++j) {
+        for (zint i = 0; i < n; ++i) {
+            if (is_upper(uplo) ? i > j : i < j) {
+                ASSERT_TRUE(std::memcmp(&f(i, j), &a(i, j), sizeof(T)) == 0);
+            }
+        }
+    }
+    EXPECT_TRUE(test::padding_untouched(f));
+    if (n % 3 != 0 && n < 200) return;  // the inverse on a sample of the orders
+    if constexpr (test::kIsComplex<T>) {
+        zpotri(uplo, n, f.data(), f.ld, info);
+    } else {
+        dpotri(uplo, n, f.data(), f.ld, info);
+    }
+    ASSERT_EQ(info, 0);
+    EXPECT_LT(inverse_residual(a, triangle(f, uplo), uplo), kResidualThreshold) << n << uplo;
+}
+
+class Potrf : public ::testing::TestWithParam<zint> {};
+
+TEST_P(Potrf, FactorAndInverseReproduceTheMatrix) {
+    for (char uplo : {'U', 'L', 'u', 'l'}) {
+        if ((uplo == 'u' || uplo == 'l') && GetParam() % 10 != 7) continue;
+        check_potrf_and_potri<double>(GetParam(), uplo);
+        check_potrf_and_potri<zcomplex>(GetParam(), uplo);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Orders, Potrf, ::testing::ValuesIn(cholesky_orders()));
+
+// A(k, k) (k >= 3) driven to exactly -1 by the columns before it: info k, the value left in A(k, k), on the
+// kernel path and inside the blocked one; a NaN on the diagonal fails the same way.
+template <class T>
+Matrix<T> indefinite_at(zint n, zint k, double diagonal_value) {
+    Matrix<T> a(n, n, n);
+    for (zint j = 0; j < n; ++j) {
+        for (zint i = 0; i < n; ++i) a(i, j) = test::narrow_to<T>({i == j ? 1.0 : 0.0, 0.0});
+    }
+    for (zint i : {zint{0}, k - 2}) {
+        a(i, k - 1) = test::narrow_to<T>({1.0, 0.0});
+        a(k - 1, i) = test::narrow_to<T>({1.0, 0.0});
+    }
+    a(k - 1, k - 1) = test::narrow_to<T>({diagonal_value, 0.0});
+    return a;
+}
+
+TEST(PotrfInfo, TheFailedDiagonalValueStaysInPlace) {
+    for (const auto& [n, k] : {std::pair<zint, zint>{5, 3}, {100, 70}, {300, 190}}) {
+        for (char uplo : {'U', 'L'}) {
+            Matrix<double> a = indefinite_at<double>(n, k, 1.0);
+            zint info = 0;
+            dpotrf(uplo, n, a.data(), a.ld, info);
+            EXPECT_EQ(info, k) << n << uplo;
+            EXPECT_EQ(a(k - 1, k - 1), -1.0) << n << uplo;
+            Matrix<zcomplex> z = indefinite_at<zcomplex>(n, k, 1.0);
+            zpotrf(uplo, n, z.data(), z.ld, info);
+            EXPECT_EQ(info, k) << n << uplo;
+            EXPECT_EQ(z(k - 1, k - 1).re, -1.0);
+            Matrix<double> nan = indefinite_at<double>(n, k, std::numeric_limits<double>::quiet_NaN());
+            nan(0, k - 1) = nan(k - 1, 0) = nan(k - 2, k - 1) = nan(k - 1, k - 2) = 0.0;
+            dpotrf(uplo, n, nan.data(), nan.ld, info);
+            EXPECT_EQ(info, k) << n << uplo;
+        }
+    }
+}
+
+// Every variant of the unblocked kernels, on both sides of the split at 50 (upper) and 40 (lower):
+// a valid factor, and the same info with the failed value in place.
+class Potf2Levels : public test::LevelTest {};
+
+template <class T>
+void check_potf2_variant(CpuLevel level, bool upper, zint n) {
+    const char uplo = upper ? 'U' : 'L';
+    Random random(static_cast<std::uint64_t>(n));
+    const Matrix<T> a = test::random_positive_definite<T>(random, n, 1);
+    Matrix<T> f = a;
+    zint info = 0;
+    if constexpr (test::kIsComplex<T>) {
+        (upper ? zpotf2_upper : zpotf2_lower).variant(level)(n, f.data(), f.ld, info);
+    } else {
+        (upper ? dpotf2_upper : dpotf2_lower).variant(level)(n, f.data(), f.ld, info);
+    }
+    ASSERT_EQ(info, 0);
+    EXPECT_LT(cholesky_residual(a, triangle(f, uplo), uplo), kResidualThreshold) << n << uplo;
+    const zint k = n - 1;
+    Matrix<T> bad = indefinite_at<T>(n, k, 1.0);
+    if constexpr (test::kIsComplex<T>) {
+        (upper ? zpotf2_upper : zpotf2_lower).variant(level)(n, bad.data(), bad.ld, info);
+    } else {
+        (upper ? dpotf2_upper : dpotf2_lower).variant(level)(n, bad.data(), bad.ld, info);
+    }
+    EXPECT_EQ(info, k);
+    EXPECT_EQ(test::wide(bad(k - 1, k - 1)), Exact(-1));
+}
+
+TEST_P(Potf2Levels, BothPathsFactorAndFailAlike) {
+    for (zint n : {4, 39, 40, 49, 50, 64}) {
+        for (bool upper : {true, false}) {
+            check_potf2_variant<double>(level(), upper, n);
+            check_potf2_variant<zcomplex>(level(), upper, n);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Levels, Potf2Levels, test::kAllLevels, test::level_param_name);
+
+template <class T>
+void check_posv(zint n, zint nrhs, char uplo) {
+    Random random(static_cast<std::uint64_t>(n + nrhs * 7));
+    const Matrix<T> a = test::random_positive_definite<T>(random, n);
+    const Matrix<T> b = test::random_matrix<T>(random, n, nrhs, 2);
+    Matrix<T> f = a, x = b;
+    zint info = 0;
+    if constexpr (test::kIsComplex<T>) {
+        zposv(uplo, n, nrhs, f.data(), f.ld, x.data(), x.ld, info);
+    } else {
+        dposv(uplo, n, nrhs, f.data(), f.ld, x.data(), x.ld, info);
+    }
+    ASSERT_EQ(info, 0);
+    const long double residual =
+        test::difference_norm(test::multiply(test::widen_matrix(a), test::widen_matrix(x)),
+                              test::widen_matrix(b)) /
+        (n * test::one_norm(a) * test::one_norm(x) * test::epsilon());
+    EXPECT_LT(static_cast<double>(residual), kResidualThreshold) << n << " " << nrhs << uplo;
+}
+
+TEST(Posv, SolvesWithEitherTriangle) {
+    for (char uplo : {'U', 'L'}) {
+        for (zint n : {1, 20, 100}) {
+            for (zint nrhs : {1, 3}) {
+                check_posv<double>(n, nrhs, uplo);
+                check_posv<zcomplex>(n, nrhs, uplo);
+            }
+        }
+    }
+}
+
+// ---- packed storage -----------------------------------------------------------------------------
+
+template <class T>
+std::vector<T> pack(const Matrix<T>& a, char uplo) {
+    std::vector<T> ap;
+    for (zint j = 0; j < a.cols; ++j) {
+        for (zint i = is_upper(uplo) ? 0 : j; i < (is_upper(uplo) ? j + 1 : a.rows); ++i)
+            ap.push_back(a(i, j));
+    }
+    return ap;
+}
+
+template <class T>
+Wide unpack(const std::vector<T>& ap, zint n, char uplo) {
+    Wide t(n, n);
+    std::size_t p = 0;
+    for (zint j = 0; j < n; ++j) {
+        for (zint i = is_upper(uplo) ? 0 : j; i < (is_upper(uplo) ? j + 1 : n); ++i)
+            t(i, j) = test::wide(ap[p++]);
+    }
+    return t;
+}
+
+template <class T>
+void pptrf(char uplo, zint n, T* ap, zint& info) {
+    if constexpr (test::kIsComplex<T>) {
+        zpptrf(uplo, n, ap, info);
+    } else {
+        dpptrf(uplo, n, ap, info);
+    }
+}
+
+// Factor, solve and invert in packed storage; `starve` makes every allocation fail, so that the
+// factorisation and the solve take their paths on the packed storage.
+template <class T>
+void check_packed(zint n, char uplo, bool starve) {
+    Random random(static_cast<std::uint64_t>(n * 5 + uplo));
+    const Matrix<T> a = test::random_positive_definite<T>(random, n);
+    std::vector<T> ap = pack(a, uplo);
+    zint info = -1;
+    ::testing::internal::CaptureStdout();
+    {
+        // Cached blocks would serve the request without asking the system.
+        free_all_buffers();
+        AllocatorScope allocator;
+        if (starve) AllocatorScope::fail_next(1 << 30);
+        pptrf(uplo, n, ap.data(), info);
+        if (starve && n > ilaenv(3, "DPPTRF", " ", n, -1, -1, -1)) {
+            EXPECT_GT(AllocatorScope::allocations(), 0);
+        }
+    }
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");  // the fallback is silent
+    ASSERT_EQ(info, 0);
+    EXPECT_LT(cholesky_residual(a, unpack(ap, n, uplo), uplo), kResidualThreshold) << n << uplo << starve;
+
+    for (zint nrhs : {zint{1}, zint{12}}) {
+        const Matrix<T> b = test::random_matrix<T>(random, n, nrhs, 1);
+        Matrix<T> x = b;
+        {
+            free_all_buffers();
+            AllocatorScope allocator;
+            if (starve) AllocatorScope::fail_next(1 << 30);
+            if constexpr (test::kIsComplex<T>) {
+                zpptrs(uplo, n, nrhs, ap.data(), x.data(), x.ld, info);
+            } else {
+                dpptrs(uplo, n, nrhs, ap.data(), x.data(), x.ld, info);
+            }
+        }
+        ASSERT_EQ(info, 0);
+        const long double residual =
+            test::difference_norm(test::multiply(test::widen_matrix(a), test::widen_matrix(x)),
+                                  test::widen_matrix(b)) /
+            (n * test::one_norm(a) * test::one_norm(x) * test::epsilon());
+        EXPECT_LT(static_cast<double>(residual), kResidualThreshold) << n << uplo << nrhs << starve;
+    }
+
+    if constexpr (test::kIsComplex<T>) {
+        zpptri(uplo, n, ap.data(), info);
+    } else {
+        dpptri(uplo, n, ap.data(), info);
+    }
+    ASSERT_EQ(info, 0);
+    EXPECT_LT(inverse_residual(a, unpack(ap, n, uplo), uplo), kResidualThreshold) << n << uplo;
+}
+
+TEST(Packed, FactorSolveAndInverseOnBothPaths) {
+    const zint nx = ilaenv(3, "DPPTRF", " ", 1000, -1, -1, -1);
+    const zint nb = ilaenv(1, "DPPTRF", "Memory", 1000, -1, -1, -1, 6, 6);
+    for (zint n : {zint{1}, zint{9}, nx, nx + 1, nb + 37, 2 * nb + 5}) {
+        for (char uplo : {'U', 'L'}) {
+            for (bool starve : {false, true}) {
+                check_packed<double>(n, uplo, starve);
+                check_packed<zcomplex>(n, uplo, starve);
+            }
+        }
+    }
+}
+
+TEST(Packed, NotPositiveDefiniteOnEveryPath) {
+    const zint nx = ilaenv(3, "DPPTRF", " ", 1000, -1, -1, -1);
+    for (zint n : {zint{6}, nx + 90}) {
+        for (char uplo : {'U', 'L'}) {
+            for (bool starve : {false, true}) {
+                const zint k = n - 2;
+                std::vector<double> ap = pack(indefinite_at<double>(n, k, 1.0), uplo);
+                zint info = 0;
+                {
+                    free_all_buffers();
+                    AllocatorScope allocator;
+                    if (starve) AllocatorScope::fail_next(1 << 30);
+                    dpptrf(uplo, n, ap.data(), info);
+                }
+                EXPECT_EQ(info, k) << n << uplo << starve;
+                EXPECT_EQ(unpack(ap, n, uplo)(k - 1, k - 1), Exact(-1)) << n << uplo << starve;
+            }
+        }
+    }
+}
+
+// The packed kernels compute the same bits at every level.
+class PackedKernelLevels : public test::LevelTest {};
+
+TEST_P(PackedKernelLevels, EveryVariantGivesTheDefaultBits) {
+    const zint n = 45, k = 5;
+    Random random(21);
+    for (char uplo : {'U', 'L'}) {
+        std::vector<double> ap(n * (n + 1) / 2);
+        for (auto& v : ap) v = random.uniform() + 2.0;
+        const Matrix<double> b = test::random_matrix<double>(random, n, k, 0);
+        for (char trans : {'N', 'T'}) {
+            Matrix<double> expected = b, got = b;
+            dtpsm.variant(CpuLevel::Default)(uplo, trans, 'N', n, k, ap.data(), expected.data(), n, 0);
+            dtpsm.variant(level())(uplo, trans, 'N', n, k, ap.data(), got.data(), n, 0);
+            EXPECT_TRUE(test::same_contents(expected, got)) << uplo << trans;
+            dtpmv.variant(CpuLevel::Default)(uplo, trans, 'U', n, ap.data(), expected.data(), 1);
+            dtpmv.variant(level())(uplo, trans, 'U', n, ap.data(), got.data(), 1);
+            EXPECT_TRUE(test::same_contents(expected, got)) << uplo << trans;
+        }
+        std::vector<double> expected = ap, got = ap;
+        dsprk.variant(CpuLevel::Default)(uplo, n - 5, 3, -0.5, b.data(), n - 1, -1, expected.data());
+        dsprk.variant(level())(uplo, n - 5, 3, -0.5, b.data(), n - 1, -1, got.data());
+        EXPECT_EQ(expected, got);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Levels, PackedKernelLevels, test::kAllLevels, test::level_param_name);
+
+// ---- argument checks ----------------------------------------------------------------------------
+
+class CholeskyArguments : public ::testing::TestWithParam<test::ArgumentCase> {};
+
+TEST_P(CholeskyArguments, TheFirstBadParameterIsReported) {
+    test::expect_argument_error(GetParam());
+}
+
+double g_a[16];
+zcomplex g_z[16];
+
+const test::ArgumentCase kCholeskyArgumentCases[] = {
+    {"DPOTRF", -1, [] { return test::info_of(dpotrf, 'X', 2, g_a, 2); }},
+    {"DPOTRF", -2, [] { return test::info_of(dpotrf, 'U', -1, g_a, 2); }},
+    {"DPOTRF", -4, [] { return test::info_of(dpotrf, 'L', 3, g_a, 2); }},
+    {"ZPOTRF", -4, [] { return test::info_of(zpotrf, 'l', 3, g_z, 2); }},
+    {"DPOTF2", -1, [] { return test::info_of(dpotf2, 'N', 2, g_a, 2); }},
+    {"DPOTF2", -2, [] { return test::info_of(dpotf2, 'U', -2, g_a, 2); }},
+    {"ZPOTF2", -4, [] { return test::info_of(zpotf2, 'U', 2, g_z, 1); }},
+    {"DPOTRS", -1, [] { return test::info_of(dpotrs, 'x', 2, 1, g_a, 2, g_a, 2); }},
+    {"DPOTRS", -2, [] { return test::info_of(dpotrs, 'U', -1, 1, g_a, 2, g_a, 2); }},
+    {"DPOTRS", -3, [] { return test::info_of(dpotrs, 'U', 2, -1, g_a, 2, g_a, 2); }},
+    {"DPOTRS", -5, [] { return test::info_of(dpotrs, 'U', 2, 1, g_a, 1, g_a, 2); }},
+    {"DPOTRS", -7, [] { return test::info_of(dpotrs, 'U', 2, 1, g_a, 2, g_a, 1); }},
+    {"DPOSV ", -1, [] { return test::info_of(dposv, 'A', 2, 1, g_a, 2, g_a, 2); }},
+    {"DPOSV ", -2, [] { return test::info_of(dposv, 'U', -1, 1, g_a, 2, g_a, 2); }},
+    {"DPOSV ", -3, [] { return test::info_of(dposv, 'U', 2, -1, g_a, 2, g_a, 2); }},
+    {"DPOSV ", -5, [] { return test::info_of(dposv, 'L', 2, 1, g_a, 1, g_a, 2); }},
+    {"ZPOSV ", -7, [] { return test::info_of(zposv, 'L', 2, 1, g_z, 2, g_z, 1); }},
+    {"DPOTRI", -1, [] { return test::info_of(dpotri, 'B', 2, g_a, 2); }},
+    {"DPOTRI", -2, [] { return test::info_of(dpotri, 'U', -1, g_a, 2); }},
+    {"ZPOTRI", -4, [] { return test::info_of(zpotri, 'U', 2, g_z, 1); }},
+    {"DPPTRF", -1, [] { return test::info_of(dpptrf, 'Q', 2, g_a); }},
+    {"ZPPTRF", -2, [] { return test::info_of(zpptrf, 'U', -1, g_z); }},
+    {"DPPTRS", -1, [] { return test::info_of(dpptrs, 'Q', 2, 1, g_a, g_a, 2); }},
+    {"DPPTRS", -2, [] { return test::info_of(dpptrs, 'U', -2, 1, g_a, g_a, 2); }},
+    {"DPPTRS", -3, [] { return test::info_of(dpptrs, 'U', 2, -1, g_a, g_a, 2); }},
+    {"ZPPTRS", -6, [] { return test::info_of(zpptrs, 'L', 2, 1, g_z, g_z, 1); }},
+    {"DPPTRI", -1, [] { return test::info_of(dpptri, '0', 2, g_a); }},
+    {"ZPPTRI", -2, [] { return test::info_of(zpptri, 'L', -5, g_z); }},
+};
+
+INSTANTIATE_TEST_SUITE_P(EveryParameter, CholeskyArguments, ::testing::ValuesIn(kCholeskyArgumentCases));
+
+TEST(CholeskyQuickReturns, EmptyMatricesTouchNothing) {
+    zint info = 3;
+    dpotrf('U', 0, nullptr, 1, info);
+    EXPECT_EQ(info, 0);
+    zpptrf('L', 0, nullptr, info);
+    dpptrs('U', 4, 0, nullptr, nullptr, 4, info);
+    dpotri('L', 0, nullptr, 1, info);
+    EXPECT_EQ(info, 0);
+}
+
+// ---- progress -----------------------------------------------------------------------------------
+
+void progress_child() {
+    test::use_progress_log();
+    Random random(2);
+    const zint n = 300;
+    Matrix<double> a = test::random_positive_definite<double>(random, n);
+    Matrix<double> f = a;
+    zint info = 0;
+    dpotrf('L', n, f.data(), f.ld, info);
+    const auto& steps = test::ProgressLog::steps;
+    if (info != 0 || steps.empty() || steps.back() != n) std::exit(1);
+    for (std::size_t i = 1; i < steps.size(); ++i) {
+        if (steps[i] <= steps[i - 1]) std::exit(2);
+    }
+    if (test::ProgressLog::stages[0] != "DPOTRF") std::exit(3);
+    // Stopped at its first report: only the first diagonal block was factored.
+    test::ProgressLog::reset(1);
+    Matrix<zcomplex> z = test::random_positive_definite<zcomplex>(random, n);
+    const Matrix<zcomplex> z0 = z;
+    zpotrf('U', n, z.data(), z.ld, info);
+    if (test::ProgressLog::calls != 1 || test::ProgressLog::stages[0] != "ZPOTRF") std::exit(4);
+    if (std::memcmp(&z(n - 1, n - 1), &z0(n - 1, n - 1), sizeof(zcomplex)) != 0) std::exit(5);
+    // dposv skips the solve after a stop.
+    test::ProgressLog::reset(1);
+    Matrix<double> b = test::random_matrix<double>(random, n, 1);
+    const Matrix<double> b0 = b;
+    f = a;
+    dposv('U', n, 1, f.data(), f.ld, b.data(), b.ld, info);
+    if (!test::same_contents(b, b0)) std::exit(6);
+    // Below the crossover the kernel runs without a report.
+    test::ProgressLog::reset();
+    const zint small = ilaenv(3, "DPOTRF", "U", 10, -1, -1, -1) - 1;
+    if (small > 0) {
+        Matrix<double> s = test::random_positive_definite<double>(random, small);
+        dpotrf('U', small, s.data(), s.ld, info);
+        if (test::ProgressLog::calls != 0) std::exit(7);
+    }
+    // The packed factorisation reports its diagonal blocks as "DPPTRF".
+    std::vector<double> ap = pack(a, 'U');
+    dpptrf('U', n, ap.data(), info);
+    if (test::ProgressLog::stages.empty() || test::ProgressLog::stages.back() != "DPPTRF") std::exit(8);
+    if (test::ProgressLog::steps.back() != n) std::exit(9);
+    dpotrf('U', 0, f.data(), 1, info);
+    std::exit(test::ProgressLog::steps.back() == n ? 0 : 10);
+}
+
+TEST(CholeskyProgress, ReportsDiagonalBlocksAndStopsAtOnceWhenAsked) {
+    EXPECT_EXIT(progress_child(), ::testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
+}  // namespace zor

@@ -1,0 +1,235 @@
+#pragma once
+// Matrices for the factorisation tests: real or complex (double, zcomplex), column-major with a
+// padded leading dimension whose padding is poisoned, the norms and products the residuals of the
+// LAPACK test suite need (computed in long double from the stored values), and the progress handler
+// the stop tests install.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <ostream>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "service/types.hpp"
+#include "support/random.hpp"
+
+namespace zor::test {
+
+using Exact = std::complex<long double>;
+
+template <class T>
+inline constexpr bool kIsComplex = std::is_same_v<T, zcomplex>;
+
+inline Exact wide(double x) {
+    return {x, 0};
+}
+inline Exact wide(const zcomplex& x) {
+    return {x.re, x.im};
+}
+template <class T>
+T narrow_to(const Exact& x) {
+    if constexpr (kIsComplex<T>) {
+        return {static_cast<double>(x.real()), static_cast<double>(x.imag())};
+    } else {
+        return static_cast<double>(x.real());
+    }
+}
+
+inline double epsilon() {
+    return std::numeric_limits<double>::epsilon() / 2;
+}
+
+template <class T>
+T random_element(Random& random) {
+    if constexpr (kIsComplex<T>) {
+        return random.complex();
+    } else {
+        return random.uniform();
+    }
+}
+
+// An m by n matrix with leading dimension ld (>= m); rows m..ld-1 hold NaN.
+template <class T>
+struct Matrix {
+    zint rows = 0, cols = 0, ld = 1;
+    std::vector<T> v;
+
+    Matrix() = default;
+    Matrix(zint m, zint n, zint ld_)
+        : rows(m), cols(n), ld(ld_), v(static_cast<std::size_t>(ld_ * (n > 0 ? n : 1))) {
+        for (auto& x : v) x = narrow_to<T>({kPoison, kPoison});
+    }
+    T& operator()(zint i, zint j) { return v[static_cast<std::size_t>(i + j * ld)]; }
+    const T& operator()(zint i, zint j) const { return v[static_cast<std::size_t>(i + j * ld)]; }
+    T* data() { return v.data(); }
+    const T* data() const { return v.data(); }
+    Exact at(zint i, zint j) const { return wide((*this)(i, j)); }
+};
+
+template <class T>
+Matrix<T> random_matrix(Random& random, zint m, zint n, zint pad = 3) {
+    Matrix<T> a(m, n, m + pad);
+    for (zint j = 0; j < n; ++j) {
+        for (zint i = 0; i < m; ++i) a(i, j) = random_element<T>(random);
+    }
+    return a;
+}
+
+// A Hermitian (symmetric) positive definite matrix, both triangles stored: B Bᴴ / n + I.
+template <class T>
+Matrix<T> random_positive_definite(Random& random, zint n, zint pad = 3) {
+    const Matrix<T> b = random_matrix<T>(random, n, n, 0);
+    Matrix<T> a(n, n, n + pad);
+    for (zint j = 0; j < n; ++j) {
+        for (zint i = 0; i <= j; ++i) {
+            Exact s = 0;
+            for (zint k = 0; k < n; ++k) s += b.at(i, k) * std::conj(b.at(j, k));
+            s /= static_cast<long double>(n);
+            if (i == j) s = {s.real() + 1, 0};
+            a(i, j) = narrow_to<T>(s);
+            a(j, i) = narrow_to<T>(std::conj(s));
+        }
+    }
+    return a;
+}
+
+// The largest column sum of |a(i, j)| over the m by n matrix given as a function.
+template <class F>
+long double one_norm(zint m, zint n, F element) {
+    long double best = 0;
+    for (zint j = 0; j < n; ++j) {
+        long double s = 0;
+        for (zint i = 0; i < m; ++i) s += std::abs(element(i, j));
+        if (s > best || std::isnan(s)) best = s;
+    }
+    return best;
+}
+
+template <class T>
+long double one_norm(const Matrix<T>& a) {
+    return one_norm(a.rows, a.cols, [&](zint i, zint j) { return a.at(i, j); });
+}
+
+// A dense m by n product of long double values, column-major.
+struct Wide {
+    zint rows, cols;
+    std::vector<Exact> v;
+    Wide(zint m, zint n) : rows(m), cols(n), v(static_cast<std::size_t>(m * n)) {}
+    Exact& operator()(zint i, zint j) { return v[static_cast<std::size_t>(i + j * rows)]; }
+    const Exact& operator()(zint i, zint j) const { return v[static_cast<std::size_t>(i + j * rows)]; }
+};
+
+inline Wide multiply(const Wide& a, const Wide& b) {
+    Wide c(a.rows, b.cols);
+    for (zint j = 0; j < b.cols; ++j) {
+        for (zint k = 0; k < a.cols; ++k) {
+            const Exact f = b(k, j);
+            if (f == Exact(0)) continue;
+            for (zint i = 0; i < a.rows; ++i) c(i, j) += a(i, k) * f;
+        }
+    }
+    return c;
+}
+
+template <class T>
+Wide widen_matrix(const Matrix<T>& a) {
+    Wide w(a.rows, a.cols);
+    for (zint j = 0; j < a.cols; ++j) {
+        for (zint i = 0; i < a.rows; ++i) w(i, j) = a.at(i, j);
+    }
+    return w;
+}
+
+inline Wide adjoint(const Wide& a) {
+    Wide t(a.cols, a.rows);
+    for (zint j = 0; j < a.cols; ++j) {
+        for (zint i = 0; i < a.rows; ++i) t(j, i) = std::conj(a(i, j));
+    }
+    return t;
+}
+
+// ||a - b||₁
+inline long double difference_norm(const Wide& a, const Wide& b) {
+    return one_norm(a.rows, a.cols, [&](zint i, zint j) { return a(i, j) - b(i, j); });
+}
+inline long double one_norm(const Wide& a) {
+    return one_norm(a.rows, a.cols, [&](zint i, zint j) { return a(i, j); });
+}
+
+// The padding of a matrix (rows m..ld-1) is still NaN: nothing was written outside the matrix.
+template <class T>
+bool padding_untouched(const Matrix<T>& a) {
+    for (zint j = 0; j < a.cols; ++j) {
+        for (zint i = a.rows; i < a.ld; ++i) {
+            const Exact x = a.at(i, j);
+            if (!std::isnan(x.real())) return false;
+        }
+    }
+    return true;
+}
+
+// The same bits everywhere, padding included.
+template <class T>
+bool same_contents(const Matrix<T>& a, const Matrix<T>& b) {
+    return a.v.size() == b.v.size() && std::memcmp(a.v.data(), b.v.data(), a.v.size() * sizeof(T)) == 0;
+}
+
+// The threshold of the LAPACK test suite for its scaled residuals.
+inline constexpr double kResidualThreshold = 30.0;
+
+// One bad-argument call of a LAPACK routine: the name it prints (blank-padded) and the info it must
+// return (-k for parameter k).
+struct ArgumentCase {
+    const char* name;
+    zint expected;
+    zint (*call)();
+};
+
+inline void PrintTo(const ArgumentCase& c, std::ostream* out) {
+    *out << c.name << " " << c.expected;
+}
+
+// The info a routine of the Fortran calling form (info its last parameter) returns for `arguments`.
+template <class... Parameters, class... Arguments>
+zint info_of(void (*routine)(Parameters...), Arguments... arguments) {
+    zint info = 0;
+    routine(arguments..., info);
+    return info;
+}
+
+// The call returns the expected info and prints exactly the report of parameter k.
+void expect_argument_error(const ArgumentCase& c);
+
+// A progress handler that records its calls and answers `stop_at`-th call (counted from 1) with 1.
+struct ProgressLog {
+    static inline int calls = 0;
+    static inline int stop_at = 0;
+    static inline std::vector<std::int32_t> steps;
+    static inline std::vector<std::string> stages;
+    static void reset(int stop = 0) {
+        calls = 0;
+        stop_at = stop;
+        steps.clear();
+        stages.clear();
+    }
+    static int handler(const std::int32_t* thread, const std::int32_t* step, const char* stage, int length) {
+        ++calls;
+        EXPECT_EQ(*thread, 0);
+        steps.push_back(*step);
+        stages.emplace_back(stage, static_cast<std::size_t>(length));
+        return calls == stop_at ? 1 : 0;
+    }
+};
+
+// Installs ProgressLog::handler in the process-wide slot (once: the first registration wins) and
+// resets its log; the handler stays installed for the rest of the process and never stops unless
+// asked to.
+void use_progress_log(int stop_at = 0);
+
+}  // namespace zor::test
