@@ -23,9 +23,9 @@ using Potrf = void(const char*, const int*, double*, const int*, int*, std::size
 using Gesv = void(const int*, const int*, double*, const int*, int*, double*, const int*, int*);
 using Getri = void(const int*, double*, const int*, const int*, double*, const int*, int*);
 using Pptrf = void(const char*, const int*, double*, int*, std::size_t);
-using Dgemm = void(const char*, const char*, const int*, const int*, const int*, const double*, const double*,
-                   const int*, const double*, const int*, const double*, double*, const int*, std::size_t,
-                   std::size_t);
+// cblas_dgemm: zor exports the CBLAS level 3, not the Fortran-style dgemm.
+using Dgemm = void(int, int, int, int, int, int, double, const double*, int, const double*, int, double,
+                   double*, int);
 
 // 64-byte aligned doubles.
 class Array {
@@ -135,15 +135,16 @@ double measure(const bench::Library& library, const std::string& routine, int n)
         return timed_on_copy(a, w, [&] { f(&lower, &n, w.get(), &info, 1); });
     }
     if (routine == "dgemm") {
-        auto* f = library.function<Dgemm>("dgemm_");
+        auto* f = library.function<Dgemm>("cblas_dgemm");
         if (!f) return -1;
         Array a(nn), b(nn), c(nn);
         fill_random(a.get(), nn, 1);
         fill_random(b.get(), nn, 2);
         fill_random(c.get(), nn, 3);
         const double one = 1.0;
+        constexpr int kColMajor = 102, kNoTrans = 111;  // the CBLAS enumeration values
         return bench::seconds_per_call(
-            [&] { f("N", "N", &n, &n, &n, &one, a.get(), &n, b.get(), &n, &one, c.get(), &n, 1, 1); });
+            [&] { f(kColMajor, kNoTrans, kNoTrans, n, n, n, one, a.get(), n, b.get(), n, one, c.get(), n); });
     }
     return -1;
 }
@@ -159,7 +160,8 @@ double flops(const std::string& routine, double n) {
     return 2 * cube;  // dgemm
 }
 
-const char* const kRoutines[] = {"dgetrf", "zgetrf", "dpotrf", "zpotrf", "dgesv", "dgetri", "dpptrf", "dgemm"};
+const char* const kRoutines[] = {"dgetrf", "zgetrf", "dpotrf", "zpotrf",
+                                 "dgesv",  "dgetri", "dpptrf", "dgemm"};
 
 }  // namespace
 
