@@ -15,9 +15,11 @@
 namespace zor {
 namespace {
 
+using test::plus;
 using test::Random;
 using test::same_bits;
 using test::TestVector;
+using test::times;
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -360,20 +362,6 @@ TEST_P(VectorKernels, NormsPropagateInfinityAndNaN) {
 
 // --- Element-wise kernels ------------------------------------------------------------------------
 
-// The products and sums the kernels compute, in their order: re = (xr*ar) + (xi*(-ai)),
-// im = (xi*ar) + (xr*ai) for complex values.
-double times(double alpha, double x) {
-    return x * alpha;
-}
-zcomplex times(const zcomplex& alpha, const zcomplex& x) {
-    return {x.re * alpha.re + x.im * -alpha.im, x.im * alpha.re + x.re * alpha.im};
-}
-double plus(double a, double b) {
-    return a + b;
-}
-zcomplex plus(const zcomplex& a, const zcomplex& b) {
-    return {a.re + b.re, a.im + b.im};
-}
 void rotate(double c, double s, double& x, double& y) {
     const double w = x, z = y;
     x = c * w + s * z;
