@@ -1,5 +1,5 @@
-// The blocking decisions of the GEMM engines as pure functions: block sizes over given problems and
-// cache sizes, the records of each level, the work-area sizes and their carving.
+// The blocking decisions of the GEMM engines as pure functions: block sizes on both sides of each
+// threshold of the problem and the cache sizes, the work-area sizes and their carving.
 
 #include <gtest/gtest.h>
 
@@ -15,9 +15,8 @@ constexpr std::int64_t kMiB = std::int64_t{1} << 20;
 TEST(GemmBlocks, DepthFollowsTheThreeRanges) {
     const struct {
         zint k, kr, kc;
-    } cases[] = {{1, 4, 128},   {100, 4, 128}, {128, 4, 128}, {130, 4, 132}, {253, 4, 256},
-                 {255, 4, 256}, {256, 4, 256}, {257, 4, 128}, {300, 4, 152}, {302, 4, 152},
-                 {511, 4, 256}, {512, 4, 256}, {513, 4, 256}, {9999, 4, 256}};
+    } cases[] = {{1, 4, 128},   {128, 4, 128}, {130, 4, 132}, {253, 4, 256}, {256, 4, 256},
+                 {257, 4, 128}, {302, 4, 152}, {512, 4, 256}, {513, 4, 256}};
     for (const auto& c : cases) EXPECT_EQ(gemm_kc(c.k, c.kr), c.kc) << "k = " << c.k;
 }
 
@@ -28,12 +27,8 @@ TEST(GemmBlocks, RowsFollowTheLastLevelCache) {
         zint mr, mc;
     } cases[] = {
         {8 * kMiB, 8, 4, 408},
-        {6 * kMiB, 8, 4, 304},
         {3 * kMiB, 8, 4, 152},
         {8 * kMiB, 16, 2, 204},
-        {8 * kMiB, 8, 2, 408},
-        {260 * kMiB, 8, 4, 13312},
-        {260 * kMiB, 16, 2, 6656},
         {32 * kMiB, 8, 4, 1636},  // 1638 rounded down to mr
         // No cache reported: the blocks of a 4 MiB one; a tiny one: at least one panel.
         {-1, 8, 4, 204},
@@ -44,17 +39,13 @@ TEST(GemmBlocks, RowsFollowTheLastLevelCache) {
 }
 
 TEST(GemmBlocks, ColumnsAreCappedAndRoundedToThePanel) {
-    EXPECT_EQ(gemm_nc(1, 8), 8);
     EXPECT_EQ(gemm_nc(13, 8), 16);
     EXPECT_EQ(gemm_nc(4999, 8), 5000);
     EXPECT_EQ(gemm_nc(5001, 8), 5000);
-    EXPECT_EQ(gemm_nc(3, 4), 4);
-    EXPECT_EQ(gemm_nc(4998, 4), 5000);
 }
 
 TEST(GemmBlocks, AGroupsTakeHalfTheLevel2Cache) {
     EXPECT_EQ(gemm_a_group_bytes(2 * kMiB), 1 * kMiB);
-    EXPECT_EQ(gemm_a_group_bytes(512 << 10), 256 << 10);
     EXPECT_EQ(gemm_a_group_bytes(64 << 10), 64 << 10);   // at least 64 KiB
     EXPECT_EQ(gemm_a_group_bytes(16 * kMiB), 2 * kMiB);  // at most 2 MiB
     EXPECT_EQ(gemm_a_group_bytes(-1), 256 << 10);        // not reported: as 512 KiB
@@ -75,38 +66,6 @@ TEST(GemmBlocks, ChooseBlocksKeepsChosenRowsAndDepthButNotColumns) {
     EXPECT_EQ(params.nc, 5000);
 }
 
-TEST(GemmRecords, EachLevelLoadsItsRecord) {
-    const GemmRecord avx = real_gemm_record(CpuLevel::Avx, 128);
-    EXPECT_EQ(avx.layout_code, 106);
-    EXPECT_EQ(avx.mr * 100 + avx.nr * 10 + avx.kr, 484);
-    EXPECT_EQ(avx.min_m + avx.min_n + avx.min_k, 6);
-    EXPECT_EQ(avx.micro_panel_count, 4);
-    for (int sublevel : {64, 66}) {
-        const GemmRecord r = real_gemm_record(CpuLevel::Sse42, sublevel);
-        EXPECT_EQ(r.record_index, sublevel == 66 ? 1 : 0);
-        EXPECT_EQ(r.layout_code, 126);
-        EXPECT_EQ(r.mr * 100 + r.nr * 10 + r.kr, 284);
-        EXPECT_EQ(r.min_m, 4);
-        EXPECT_EQ(r.micro_panel_count, 1);
-    }
-    const GemmRecord ssse3_0 = real_gemm_record(CpuLevel::Ssse3, 32),
-                     ssse3_1 = real_gemm_record(CpuLevel::Ssse3, 33);
-    EXPECT_EQ(ssse3_0.record_index, 0);
-    EXPECT_EQ(ssse3_0.layout_code, 382);
-    EXPECT_EQ(ssse3_0.min_m, 2);
-    EXPECT_EQ(ssse3_0.micro_panel_count, 2);
-    EXPECT_EQ(ssse3_1.record_index, 1);
-    EXPECT_EQ(ssse3_1.layout_code, 126);
-    EXPECT_EQ(ssse3_1.min_m, 4);
-    EXPECT_EQ(ssse3_1.micro_panel_count, 1);
-    EXPECT_EQ(ssse3_1.mr * 100 + ssse3_1.nr * 10 + ssse3_1.kr, 444);
-    const GemmRecord complex_avx = complex_gemm_record(CpuLevel::Avx, 128);
-    EXPECT_EQ(complex_avx.mr * 100 + complex_avx.nr * 10 + complex_avx.kr, 244);
-    EXPECT_EQ(complex_avx.min_m + complex_avx.min_n + complex_avx.min_k, 3);
-    EXPECT_EQ(complex_avx.layout_code, 106);
-    EXPECT_EQ(complex_avx.micro_panel_count, 1);
-}
-
 GemmBlockingParams<double> avx_params(zint mc, zint nc, zint kc) {
     GemmBlockingParams<double> params{};
     params.mr = 4;
@@ -125,9 +84,6 @@ TEST(GemmBuffers, SizesClampToTheProblemAndRoundToThePanels) {
     EXPECT_EQ(params.a_buffer.bytes, 100 * 152 * 8 + 512);
     EXPECT_EQ(params.b_buffer.bytes, 56 * 152 * 8 + 512);
     EXPECT_EQ(params.c_buffer.bytes, 152 * 8 * 8 * 4 + 512);
-    EXPECT_EQ(params.a_buffer.alignment_log2, 12);
-    EXPECT_EQ(params.b_buffer.alignment_log2, 12);
-    EXPECT_EQ(params.c_buffer.alignment_log2, 7);
     EXPECT_EQ(params.a_buffer.panel_elements, 4 * 152);
     EXPECT_EQ(params.b_buffer.panel_elements, 8 * 152);
     EXPECT_EQ(gemm_allocation_bytes(kGemmAreasAll, params),
@@ -205,8 +161,8 @@ TEST(GemmBuffers, CarvingAlignsEveryAreaInsideTheOneAllocation) {
 TEST(DefaultGemmBlocks, DepthHalvesBetween129And256) {
     const struct {
         zint k, kc, kc_used;
-    } cases[] = {{1, 128, 1},     {100, 128, 100}, {128, 128, 128}, {129, 64, 64},     {200, 100, 100},
-                 {202, 100, 100}, {256, 128, 128}, {257, 128, 128}, {10000, 128, 128}, {9, 128, 9}};
+    } cases[] = {{9, 128, 9},     {128, 128, 128}, {129, 64, 64},
+                 {202, 100, 100}, {256, 128, 128}, {257, 128, 128}};
     for (const auto& c : cases) {
         const DefaultGemmBlocks blocks = default_gemm_blocks(100, 100, c.k);
         EXPECT_EQ(blocks.kc, c.kc) << "k = " << c.k;
@@ -217,9 +173,8 @@ TEST(DefaultGemmBlocks, DepthHalvesBetween129And256) {
 TEST(DefaultGemmBlocks, WideShallowProblemsGetTallerRowBlocks) {
     const struct {
         zint m, n, k, mc;
-    } cases[] = {{5001, 5001, 16, 1536}, {5001, 5001, 257, 512}, {9000, 1000, 32, 1024},
-                 {9000, 1000, 33, 768},  {9000, 1000, 64, 768},  {9000, 1000, 65, 512},
-                 {9000, 999, 16, 512},   {5000, 5000, 256, 512}, {100, 20000, 8, 1536}};
+    } cases[] = {{5001, 5001, 16, 1536}, {9000, 1000, 32, 1024}, {9000, 1000, 33, 768},
+                 {9000, 1000, 64, 768},  {9000, 1000, 65, 512},  {9000, 999, 16, 512}};
     for (const auto& c : cases) {
         EXPECT_EQ(default_gemm_blocks(c.m, c.n, c.k).mc, c.mc) << c.m << " x " << c.n << " x " << c.k;
     }
@@ -246,15 +201,12 @@ TEST(DefaultGemmBlocks, WorkAreaSizeAndCarving) {
 
 TEST(Sse3GemmBlocks, ModesAndBlocks) {
     // The light mode only for an untransposed B and m + n + k <= 384.
-    EXPECT_EQ(sse3_gemm_blocks('N', 100, 100, 184).mode, Sse3GemmMode::Light);
     EXPECT_EQ(sse3_gemm_blocks('n', 99, 101, 184).mode, Sse3GemmMode::Light);
     EXPECT_EQ(sse3_gemm_blocks('N', 100, 100, 185).mode, Sse3GemmMode::FullAligned);
     EXPECT_EQ(sse3_gemm_blocks('N', 100, 102, 185).mode, Sse3GemmMode::Full);
     EXPECT_EQ(sse3_gemm_blocks('T', 3, 3, 3).mode, Sse3GemmMode::Full);
-    EXPECT_EQ(sse3_gemm_blocks('C', 4, 8, 3).mode, Sse3GemmMode::FullAligned);
 
     EXPECT_EQ(sse3_gemm_blocks('N', 500, 500, 200).kc, 100);
-    EXPECT_EQ(sse3_gemm_blocks('N', 500, 500, 112).kc, 112);
     EXPECT_EQ(sse3_gemm_blocks('N', 500, 500, 225).kc, 112);
     EXPECT_EQ(sse3_gemm_blocks('N', 500, 500, 50).kc_used, 50);
 
@@ -267,9 +219,6 @@ TEST(Sse3GemmBlocks, ModesAndBlocks) {
     const Sse3GemmBlocks large = sse3_gemm_blocks('N', 6000, 6000, 4000);
     EXPECT_EQ(large.mc, 512);
     EXPECT_EQ(large.nc, 5000);
-    const Sse3GemmBlocks square = sse3_gemm_blocks('N', 4000, 4000, 4000);
-    EXPECT_EQ(square.mc, 480);
-    EXPECT_EQ(square.nc, 2000);
 
     EXPECT_EQ(sse3_gemm_bytes(plain), 112 * 64 + 480 * 112 * 8 + 2000 * 112 * 8 + 18176);
     const Sse3GemmBlocks light = sse3_gemm_blocks('N', 100, 100, 100);
@@ -290,9 +239,7 @@ TEST(Sse3GemmBlocks, ModesAndBlocks) {
 TEST(ZgemmDefaultBlocks, DepthRemainderFirstAndTheFixedWorkArea) {
     EXPECT_EQ(zgemm_default_first_depth(130), 2);  // blocks of 2, 64, 64
     EXPECT_EQ(zgemm_default_first_depth(128), 64);
-    EXPECT_EQ(zgemm_default_first_depth(64), 64);
     EXPECT_EQ(zgemm_default_first_depth(65), 1);
-    EXPECT_EQ(zgemm_default_first_depth(8), 8);
     EXPECT_EQ(zgemm_default_nc(1999), 1999);
     EXPECT_EQ(zgemm_default_nc(2001), 2000);
     EXPECT_EQ(zgemm_default_bytes(2000), 2000 * 1024 + 353536);

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <type_traits>
 #include <vector>
 
 #include "service/types.hpp"
@@ -14,7 +15,7 @@ namespace zor::test {
 
 // A small, fast generator with a fixed sequence per seed (xorshift64*).
 class Random {
-public:
+  public:
     explicit Random(std::uint64_t seed = 0x9E3779B97F4A7C15u) : state_(seed ? seed : 1) {}
     std::uint64_t next() {
         state_ ^= state_ >> 12;
@@ -33,7 +34,7 @@ public:
         return static_cast<double>(static_cast<std::int64_t>(next() % (2 * range + 1)) - range);
     }
 
-private:
+  private:
     std::uint64_t state_;
 };
 
@@ -63,6 +64,16 @@ inline std::vector<zcomplex> random_complex_matrix(Random& random, zint m, zint 
         for (zint i = 0; i < m; ++i) a[i + j * ld] = random.complex();
     }
     return a;
+}
+
+// A random m x n matrix of either element type, rows m..ld-1 poisoned.
+template <class T>
+std::vector<T> random_operand(Random& random, zint m, zint n, zint ld) {
+    if constexpr (std::is_same_v<T, double>) {
+        return random_matrix(random, m, n, ld);
+    } else {
+        return random_complex_matrix(random, m, n, ld);
+    }
 }
 
 }  // namespace zor::test
