@@ -101,21 +101,6 @@ void strengthen_diagonal(std::vector<T>& a, Index order, Index ld) {
     }
 }
 
-// |R(i, j)| within `terms` roundings of the size of its terms.
-::testing::AssertionResult small(const Expected& residual, long double terms) {
-    for (Index j = 0; j < residual.value.cols; ++j) {
-        for (Index i = 0; i < residual.value.rows; ++i) {
-            const long double size = residual.size(i, j).re, r = test::magnitude(residual.value(i, j));
-            if (!(r <= terms * test::kEps * size)) {
-                return ::testing::AssertionFailure()
-                       << "residual (" << i << ", " << j << ") is " << static_cast<double>(r)
-                       << " of a size of " << static_cast<double>(size);
-            }
-        }
-    }
-    return ::testing::AssertionSuccess();
-}
-
 // ---- trsm and trmm ----------------------------------------------------------------------------------
 
 struct Options {
@@ -163,9 +148,9 @@ template <class T>
         // op(A) X - alpha B, or X op(A) - alpha B.
         const Dense x = test::load(b.data(), m, n, ldb);
         const Value minus_alpha = Value{} - test::value(alpha);
-        result = small(left ? test::combine({1, 0}, t, x, minus_alpha, &before)
-                            : test::combine({1, 0}, x, t, minus_alpha, &before),
-                       8 * (order + 4));
+        result = test::small(left ? test::combine({1, 0}, t, x, minus_alpha, &before)
+                                  : test::combine({1, 0}, x, t, minus_alpha, &before),
+                             8 * (order + 4));
     } else {
         const Value al = test::value(alpha);
         result = test::near(
