@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "service/types.hpp"
+#include "support/level3_reference.hpp"
 #include "support/random.hpp"
 
 namespace zor::test {
@@ -24,7 +25,7 @@ namespace zor::test {
 using Exact = std::complex<long double>;
 
 template <class T>
-inline constexpr bool kIsComplex = std::is_same_v<T, zcomplex>;
+inline constexpr bool kIsComplex = kComplex<T>;
 
 inline Exact wide(double x) {
     return {x, 0};
@@ -160,6 +161,67 @@ inline long double difference_norm(const Wide& a, const Wide& b) {
 }
 inline long double one_norm(const Wide& a) {
     return one_norm(a.rows, a.cols, [&](zint i, zint j) { return a(i, j); });
+}
+
+// op(A): A, Aᵀ or Aᴴ by the letter, in either case.
+inline Wide op(const Wide& a, char trans) {
+    if (trans == 'N' || trans == 'n') return a;
+    Wide t = adjoint(a);
+    if (trans == 'T' || trans == 't') {
+        for (auto& v : t.v) v = std::conj(v);
+    }
+    return t;
+}
+
+// The triangle `uplo` names ('U' or 'L', either case) of a square matrix, the rest zero; a unit
+// diagonal is taken as ones.
+inline Wide triangle_of(const Wide& a, char uplo, bool unit = false) {
+    const bool upper = uplo == 'U' || uplo == 'u';
+    Wide t(a.rows, a.cols);
+    for (zint j = 0; j < a.cols; ++j) {
+        for (zint i = 0; i < a.rows; ++i) {
+            if (i == j) {
+                t(i, j) = unit ? Exact(1) : a(i, j);
+            } else if (upper ? i < j : i > j) {
+                t(i, j) = a(i, j);
+            }
+        }
+    }
+    return t;
+}
+
+// The scaled residual of a solve op(A) X = B: ||op(A) X - B||₁ / (n ||op(A)||₁ ||X||₁ eps).
+template <class T>
+double solve_residual(const Wide& a, char trans, const Matrix<T>& x, const Matrix<T>& b) {
+    const Wide o = op(a, trans), wx = widen_matrix(x);
+    return static_cast<double>(difference_norm(multiply(o, wx), widen_matrix(b)) /
+                               (a.rows * one_norm(o) * one_norm(wx) * epsilon()));
+}
+
+// The scaled residual of an inverse: ||A inv(A) - I||₁ / (n ||A||₁ ||inv(A)||₁ eps).
+inline double inverse_residual(const Wide& a, const Wide& inverse) {
+    Wide product = multiply(a, inverse);
+    for (zint i = 0; i < a.rows; ++i) product(i, i) -= 1;
+    return static_cast<double>(one_norm(product) / (a.rows * one_norm(a) * one_norm(inverse) * epsilon()));
+}
+
+// Packed storage of the triangle `uplo` names, column by column, and back (the other triangle zero).
+template <class T>
+std::vector<T> pack(const Matrix<T>& a, char uplo) {
+    std::vector<T> ap;
+    for (zint j = 0; j < a.cols; ++j) {
+        for (zint i = uplo == 'U' ? 0 : j; i < (uplo == 'U' ? j + 1 : a.rows); ++i) ap.push_back(a(i, j));
+    }
+    return ap;
+}
+template <class T>
+Wide unpack(const std::vector<T>& ap, zint n, char uplo) {
+    Wide t(n, n);
+    std::size_t p = 0;
+    for (zint j = 0; j < n; ++j) {
+        for (zint i = uplo == 'U' ? 0 : j; i < (uplo == 'U' ? j + 1 : n); ++i) t(i, j) = wide(ap[p++]);
+    }
+    return t;
 }
 
 // The padding of a matrix (rows m..ld-1) is still NaN: nothing was written outside the matrix.

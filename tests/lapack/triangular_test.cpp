@@ -46,69 +46,26 @@ Matrix<T> random_triangle(Random& random, zint n, Options o) {
     return a;
 }
 
-template <class T>
-Wide dense_triangle(const Matrix<T>& a, Options o) {
-    Wide t(a.rows, a.cols);
-    for (zint j = 0; j < a.cols; ++j) {
-        for (zint i = 0; i < a.rows; ++i) {
-            if (i == j) {
-                t(i, j) = o.diag == 'U' ? Exact(1) : a.at(i, j);
-            } else if (o.uplo == 'U' ? i < j : i > j) {
-                t(i, j) = a.at(i, j);
-            }
-        }
-    }
-    return t;
-}
-
-template <class T>
-std::vector<T> pack(const Matrix<T>& a, char uplo) {
-    std::vector<T> ap;
-    for (zint j = 0; j < a.cols; ++j) {
-        for (zint i = uplo == 'U' ? 0 : j; i < (uplo == 'U' ? j + 1 : a.rows); ++i) ap.push_back(a(i, j));
-    }
-    return ap;
-}
-
-template <class T>
-void unpack(const std::vector<T>& ap, char uplo, Matrix<T>& a) {
-    std::size_t p = 0;
-    for (zint j = 0; j < a.cols; ++j) {
-        for (zint i = uplo == 'U' ? 0 : j; i < (uplo == 'U' ? j + 1 : a.rows); ++i) a(i, j) = ap[p++];
-    }
-}
-
-// ||T inv(T) - I||₁ / (n ||T||₁ ||inv(T)||₁ eps)
-double inverse_residual(const Wide& t, const Wide& inverse) {
-    Wide product = test::multiply(t, inverse);
-    for (zint i = 0; i < t.rows; ++i) product(i, i) -= 1;
-    return static_cast<double>(test::one_norm(product) /
-                               (t.rows * test::one_norm(t) * test::one_norm(inverse) * test::epsilon()));
+Wide dense_triangle(const Wide& a, Options o) {
+    return test::triangle_of(a, o.uplo, o.diag == 'U');
 }
 
 template <class T>
 void check_inverses(zint n, Options o) {
     Random random(static_cast<std::uint64_t>(n * 4 + o.uplo + o.diag));
     const Matrix<T> a = random_triangle<T>(random, n, o);
-    const Wide t = dense_triangle(a, o);
+    const Wide t = dense_triangle(test::widen_matrix(a), o);
     Matrix<T> full = a;
-    std::vector<T> ap = pack(a, o.uplo);
+    std::vector<T> ap = test::pack(a, o.uplo);
     zint info = -1;
-    if constexpr (test::kIsComplex<T>) {
-        ztrtri(o.uplo, o.diag, n, full.data(), full.ld, info);
-        ASSERT_EQ(info, 0);
-        ztptri(o.uplo, o.diag, n, ap.data(), info);
-    } else {
-        dtrtri(o.uplo, o.diag, n, full.data(), full.ld, info);
-        ASSERT_EQ(info, 0);
-        dtptri(o.uplo, o.diag, n, ap.data(), info);
-    }
+    ZOR_D_OR_Z(T, dtrtri, ztrtri, o.uplo, o.diag, n, full.data(), full.ld, info);
     ASSERT_EQ(info, 0);
-    EXPECT_LT(inverse_residual(t, dense_triangle(full, o)), kResidualThreshold) << n << o.uplo << o.diag;
+    ZOR_D_OR_Z(T, dtptri, ztptri, o.uplo, o.diag, n, ap.data(), info);
+    ASSERT_EQ(info, 0);
+    EXPECT_LT(test::inverse_residual(t, dense_triangle(test::widen_matrix(full), o)), kResidualThreshold)
+        << n << o.uplo << o.diag;
     EXPECT_TRUE(test::padding_untouched(full));
-    Matrix<T> from_packed = a;
-    unpack(ap, o.uplo, from_packed);
-    EXPECT_LT(inverse_residual(t, dense_triangle(from_packed, o)), kResidualThreshold)
+    EXPECT_LT(test::inverse_residual(t, dense_triangle(test::unpack(ap, n, o.uplo), o)), kResidualThreshold)
         << n << o.uplo << o.diag;
 }
 
@@ -128,27 +85,14 @@ template <class T>
 void check_tptrs(zint n, zint nrhs, Options o, char trans) {
     Random random(static_cast<std::uint64_t>(n + nrhs + trans));
     const Matrix<T> a = random_triangle<T>(random, n, o);
-    const std::vector<T> ap = pack(a, o.uplo);
+    const std::vector<T> ap = test::pack(a, o.uplo);
     const Matrix<T> b = test::random_matrix<T>(random, n, nrhs, 2);
     Matrix<T> x = b;
     zint info = -1;
-    if constexpr (test::kIsComplex<T>) {
-        ztptrs(o.uplo, trans, o.diag, n, nrhs, ap.data(), x.data(), x.ld, info);
-    } else {
-        dtptrs(o.uplo, trans, o.diag, n, nrhs, ap.data(), x.data(), x.ld, info);
-    }
+    ZOR_D_OR_Z(T, dtptrs, ztptrs, o.uplo, trans, o.diag, n, nrhs, ap.data(), x.data(), x.ld, info);
     ASSERT_EQ(info, 0);
-    Wide op = dense_triangle(a, o);
-    if (trans != 'N') {
-        op = test::adjoint(op);
-        if (trans == 'T') {
-            for (auto& v : op.v) v = std::conj(v);
-        }
-    }
-    const long double residual =
-        test::difference_norm(test::multiply(op, test::widen_matrix(x)), test::widen_matrix(b)) /
-        (n * test::one_norm(op) * test::one_norm(x) * test::epsilon());
-    EXPECT_LT(static_cast<double>(residual), kResidualThreshold) << n << nrhs << o.uplo << o.diag << trans;
+    EXPECT_LT(test::solve_residual(dense_triangle(test::widen_matrix(a), o), trans, x, b), kResidualThreshold)
+        << n << nrhs << o.uplo << o.diag << trans;
     EXPECT_TRUE(test::padding_untouched(x));
 }
 
@@ -172,7 +116,7 @@ TEST(TriangularInfo, TheFirstZeroOnANonUnitDiagonalIsReported) {
         Matrix<double> a = random_triangle<double>(random, 90, {uplo, 'N'});
         a(40, 40) = 0.0;
         a(70, 70) = 0.0;
-        std::vector<double> ap = pack(a, uplo);
+        std::vector<double> ap = test::pack(a, uplo);
         const std::vector<double> ap0 = ap;
         zint info = 0;
         dtrtri(uplo, 'N', 90, a.data(), a.ld, info);
