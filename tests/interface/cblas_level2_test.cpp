@@ -12,19 +12,8 @@
 
 #include "support/cblas.hpp"
 
+namespace zor::test {
 namespace {
-
-using zor::test::BadCall;
-using zor::test::Checked;
-using zor::test::Complex;
-using zor::test::Dense;
-using zor::test::Everywhere;
-using zor::test::Expected;
-using zor::test::Index;
-using zor::test::kLayouts;
-using zor::test::LayoutMatrix;
-using zor::test::StridedVector;
-using zor::test::Value;
 
 // ---- argument checks --------------------------------------------------------------------------------
 
@@ -64,7 +53,7 @@ void check(const std::vector<Function>& functions, std::vector<BadCall<Args>> ca
     cases.insert(cases.begin(), {{[](Args&) {}, {}},
                                  {[](Args& a) { a.layout = CblasRowMajor; }, {}},
                                  {[](Args& a) { a.layout = 100; }, {1}}});
-    zor::test::check_table(functions, cases);
+    check_table(functions, cases);
 }
 
 TEST(CblasLevel2Checks, Gemv) {
@@ -203,7 +192,7 @@ char letter(int transpose) {
 
 template <class E>
 E as(Value v) {
-    return zor::test::scalar<E>(static_cast<double>(v.re), static_cast<double>(v.im));
+    return scalar<E>(static_cast<double>(v.re), static_cast<double>(v.im));
 }
 
 template <class F>
@@ -219,7 +208,7 @@ TEST(CblasLevel2Results, GemvAndGer) {
     for (const bool row : kLayouts) {
         for_both([&](auto e) {
             using E = decltype(e);
-            constexpr bool complex = zor::test::kComplex<E>;
+            constexpr bool complex = kComplex<E>;
             const Value al = complex ? kAlpha : Value{1.5, 0}, be = complex ? kBeta : Value{-0.5, 0};
             const E alpha = as<E>(al), beta = as<E>(be);
             for (const int t : kTransposes) {
@@ -227,25 +216,21 @@ TEST(CblasLevel2Results, GemvAndGer) {
                 LayoutMatrix<E> a(row, m, n, 1);
                 StridedVector<E> x(plain ? n : m, -2, 2), y(plain ? m : n, 1, 3);
                 const Dense yd = y.dense();
-                const Expected want =
-                    zor::test::combine(al, zor::test::op(a.dense(), letter(t)), x.dense(), be, &yd);
-                ZOR_D_OR_Z(E, cblas_dgemv, cblas_zgemv, zor::test::layout_of(row), CBLAS_TRANSPOSE(t), m, n,
-                           zor::test::arg(alpha), a.data.data(), a.ld, x.data.data(), x.inc,
-                           zor::test::arg(beta), y.data.data(), y.inc);
-                EXPECT_TRUE(zor::test::near(y.dense(), want, 64, Everywhere{})) << "gemv " << row << " " << t;
+                const Expected want = combine(al, op(a.dense(), letter(t)), x.dense(), be, &yd);
+                ZOR_D_OR_Z(E, cblas_dgemv, cblas_zgemv, layout_of(row), CBLAS_TRANSPOSE(t), m, n, arg(alpha),
+                           a.data.data(), a.ld, x.data.data(), x.inc, arg(beta), y.data.data(), y.inc);
+                EXPECT_TRUE(near(y.dense(), want, 64, Everywhere{})) << "gemv " << row << " " << t;
             }
             for (const bool conjugated : {false, true}) {
                 LayoutMatrix<E> a(row, m, n, 7);
                 StridedVector<E> x(m, 1, 8), y(n, -3, 9);
                 const std::vector<E> a0 = a.data;
                 const Dense ad = a.dense();
-                const Expected want = zor::test::combine(
-                    al, x.dense(), zor::test::op(y.dense(), conjugated ? 'C' : 'T'), {1, 0}, &ad);
-                ZOR_D_OR_Z(E, cblas_dger, (conjugated ? cblas_zgerc : cblas_zgeru), zor::test::layout_of(row),
-                           m, n, zor::test::arg(alpha), x.data.data(), x.inc, y.data.data(), y.inc,
-                           a.data.data(), a.ld);
-                EXPECT_TRUE(zor::test::near(a.dense(), want, 64, Everywhere{}) &&
-                            a.untouched_except(a0, Everywhere{}))
+                const Expected want =
+                    combine(al, x.dense(), op(y.dense(), conjugated ? 'C' : 'T'), {1, 0}, &ad);
+                ZOR_D_OR_Z(E, cblas_dger, (conjugated ? cblas_zgerc : cblas_zgeru), layout_of(row), m, n,
+                           arg(alpha), x.data.data(), x.inc, y.data.data(), y.inc, a.data.data(), a.ld);
+                EXPECT_TRUE(near(a.dense(), want, 64, Everywhere{}) && a.untouched_except(a0, Everywhere{}))
                     << "ger " << row << " " << conjugated;
             }
         });
@@ -261,7 +246,7 @@ TEST(CblasLevel2Results, SymmetricAndHermitian) {
         for (const int uplo : {CblasUpper, CblasLower}) {
             for_both([&](auto e) {
                 using E = decltype(e);
-                constexpr bool herm = zor::test::kComplex<E>;
+                constexpr bool herm = kComplex<E>;
                 const Value al = herm ? kAlpha : Value{1.5, 0}, be = herm ? kBeta : Value{-0.5, 0};
                 const E alpha = as<E>(al), beta = as<E>(be);
                 const auto u = static_cast<CBLAS_UPLO>(uplo);
@@ -270,12 +255,11 @@ TEST(CblasLevel2Results, SymmetricAndHermitian) {
                     LayoutMatrix<E> a(row, n, n, 13);
                     StridedVector<E> x(n, 2, 14), y(n, -1, 15);
                     const Dense yd = y.dense();
-                    const Expected want = zor::test::combine(
-                        al, zor::test::symmetric(a.dense(), uplo == CblasUpper, herm), x.dense(), be, &yd);
-                    ZOR_D_OR_Z(E, cblas_dsymv, cblas_zhemv, zor::test::layout_of(row), u, n,
-                               zor::test::arg(alpha), a.data.data(), a.ld, x.data.data(), x.inc,
-                               zor::test::arg(beta), y.data.data(), y.inc);
-                    EXPECT_TRUE(zor::test::near(y.dense(), want, 64, Everywhere{})) << "symv " << row << uplo;
+                    const Expected want =
+                        combine(al, symmetric(a.dense(), uplo == CblasUpper, herm), x.dense(), be, &yd);
+                    ZOR_D_OR_Z(E, cblas_dsymv, cblas_zhemv, layout_of(row), u, n, arg(alpha), a.data.data(),
+                               a.ld, x.data.data(), x.inc, arg(beta), y.data.data(), y.inc);
+                    EXPECT_TRUE(near(y.dense(), want, 64, Everywhere{})) << "symv " << row << uplo;
                 }
                 for (const bool two : {false, true}) {
                     LayoutMatrix<E> a(row, n, n, 16);
@@ -284,24 +268,21 @@ TEST(CblasLevel2Results, SymmetricAndHermitian) {
                     Dense ad = a.dense();
                     for (Index i = 0; herm && i < n; ++i) ad(i, i).im = 0;
                     const Dense xd = x.dense(), yd = y.dense();
-                    Expected want = zor::test::combine(two ? al : Value{real_alpha, 0}, xd,
-                                                       zor::test::op(two ? yd : xd, 'C'), {1, 0}, &ad);
-                    if (two)
-                        zor::test::add(want, zor::test::combine(zor::test::conj(al), yd,
-                                                                zor::test::op(xd, 'C'), {}, nullptr));
+                    Expected want =
+                        combine(two ? al : Value{real_alpha, 0}, xd, op(two ? yd : xd, 'C'), {1, 0}, &ad);
+                    if (two) add(want, combine(conj(al), yd, op(xd, 'C'), {}, nullptr));
                     if (two) {
-                        ZOR_D_OR_Z(E, cblas_dsyr2, cblas_zher2, zor::test::layout_of(row), u, n,
-                                   zor::test::arg(alpha), x.data.data(), x.inc, y.data.data(), y.inc,
-                                   a.data.data(), a.ld);
+                        ZOR_D_OR_Z(E, cblas_dsyr2, cblas_zher2, layout_of(row), u, n, arg(alpha),
+                                   x.data.data(), x.inc, y.data.data(), y.inc, a.data.data(), a.ld);
                     } else {
-                        ZOR_D_OR_Z(E, cblas_dsyr, cblas_zher, zor::test::layout_of(row), u, n, real_alpha,
-                                   x.data.data(), x.inc, a.data.data(), a.ld);
+                        ZOR_D_OR_Z(E, cblas_dsyr, cblas_zher, layout_of(row), u, n, real_alpha, x.data.data(),
+                                   x.inc, a.data.data(), a.ld);
                     }
                     bool real_diagonal = true;
                     for (Index i = 0; herm && i < n; ++i)
-                        real_diagonal = real_diagonal && zor::test::value(a(i, i)).im == 0;
-                    EXPECT_TRUE(zor::test::near(a.dense(), want, 64, triangle) &&
-                                a.untouched_except(a0, triangle) && real_diagonal)
+                        real_diagonal = real_diagonal && value(a(i, i)).im == 0;
+                    EXPECT_TRUE(near(a.dense(), want, 64, triangle) && a.untouched_except(a0, triangle) &&
+                                real_diagonal)
                         << (two ? "syr2 " : "syr ") << row << uplo;
                 }
             });
@@ -319,27 +300,24 @@ TEST(CblasLevel2Results, TriangularProductAndSolve) {
                     for_both([&](auto e) {
                         using E = decltype(e);
                         LayoutMatrix<E> a(row, n, n, 21);
-                        for (Index i = 0; i < n; ++i)
-                            a(i, i) = zor::test::scalar<E>(4.0, 1.0);  // well conditioned
-                        const Dense op = zor::test::op(
-                            zor::test::triangle(a.dense(), uplo == CblasUpper, diag == CblasUnit), letter(t));
+                        for (Index i = 0; i < n; ++i) a(i, i) = scalar<E>(4.0, 1.0);  // well conditioned
+                        const Dense t_op =
+                            op(triangle(a.dense(), uplo == CblasUpper, diag == CblasUnit), letter(t));
                         StridedVector<E> x(n, -2, 22);
                         const Dense before = x.dense();
                         const auto run = [&](auto real, auto complex) {
-                            ZOR_D_OR_Z(E, real, complex, zor::test::layout_of(row), CBLAS_UPLO(uplo),
-                                       CBLAS_TRANSPOSE(t), CBLAS_DIAG(diag), n, a.data.data(), a.ld,
-                                       x.data.data(), x.inc);
+                            ZOR_D_OR_Z(E, real, complex, layout_of(row), CBLAS_UPLO(uplo), CBLAS_TRANSPOSE(t),
+                                       CBLAS_DIAG(diag), n, a.data.data(), a.ld, x.data.data(), x.inc);
                         };
                         const std::string what = std::to_string(row) + " " + std::to_string(uplo) + " " +
                                                  std::to_string(t) + " " + std::to_string(diag);
                         run(cblas_dtrmv, cblas_ztrmv);
-                        EXPECT_TRUE(zor::test::near(
-                            x.dense(), zor::test::combine({1, 0}, op, before, {}, nullptr), 64, Everywhere{}))
+                        EXPECT_TRUE(
+                            near(x.dense(), combine({1, 0}, t_op, before, {}, nullptr), 64, Everywhere{}))
                             << "trmv " << what;
                         const Dense product = x.dense();
                         run(cblas_dtrsv, cblas_ztrsv);
-                        EXPECT_TRUE(zor::test::small(
-                            zor::test::combine({1, 0}, op, x.dense(), {-1, 0}, &product), 64))
+                        EXPECT_TRUE(small(combine({1, 0}, t_op, x.dense(), {-1, 0}, &product), 64))
                             << "trsv " << what;
                     });
                 }
@@ -349,3 +327,4 @@ TEST(CblasLevel2Results, TriangularProductAndSolve) {
 }
 
 }  // namespace
+}  // namespace zor::test

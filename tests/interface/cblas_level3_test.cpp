@@ -11,18 +11,8 @@
 
 #include "support/cblas.hpp"
 
+namespace zor::test {
 namespace {
-
-using zor::test::BadCall;
-using zor::test::Checked;
-using zor::test::Complex;
-using zor::test::Dense;
-using zor::test::Everywhere;
-using zor::test::Expected;
-using zor::test::Index;
-using zor::test::kLayouts;
-using zor::test::LayoutMatrix;
-using zor::test::Value;
 
 // ---- argument checks --------------------------------------------------------------------------------
 
@@ -63,7 +53,7 @@ CBLAS_DIAG diag(const Args& x) {
 const double kOne[2] = {1, 0};
 
 TEST(CblasLevel3Checks, Gemm) {
-    zor::test::check_table<Args, Operands>(
+    check_table<Args, Operands>(
         {{"cblas_dgemm", "DGEMM ",
           [](const Args& x, Operands& o) {
               cblas_dgemm(layout(x), trans(x.trans), trans(x.transb), x.m, x.n, x.k, 1.0, o.a, x.lda, o.b,
@@ -100,39 +90,38 @@ TEST(CblasLevel3Checks, Gemm) {
 }
 
 TEST(CblasLevel3Checks, SymmetricMultiply) {
-    zor::test::check_table<Args, Operands>(
-        {{"cblas_dsymm", "DSYMM ",
-          [](const Args& x, Operands& o) {
-              cblas_dsymm(layout(x), side(x), uplo(x), x.m, x.n, 1.0, o.a, x.lda, o.b, x.ldb, 0.0, o.c,
-                          x.ldc);
-          }},
-         {"cblas_zsymm", "ZSYMM ",
-          [](const Args& x, Operands& o) {
-              cblas_zsymm(layout(x), side(x), uplo(x), x.m, x.n, kOne, o.a, x.lda, o.b, x.ldb, kOne, o.c,
-                          x.ldc);
-          }},
-         {"cblas_zhemm", "ZHEMM ",
-          [](const Args& x, Operands& o) {
-              cblas_zhemm(layout(x), side(x), uplo(x), x.m, x.n, kOne, o.a, x.lda, o.b, x.ldb, kOne, o.c,
-                          x.ldc);
-          }}},
-        Table{
-            {[](Args&) {}, {}},
-            {[](Args& x) { x.side = 0, x.uplo = 0; }, {2}},
-            {[](Args& x) { x.uplo = 123; }, {3}},
-            {[](Args& x) { x.layout = 0, x.m = -1; }, {4}},
-            {[](Args& x) { x.n = -1; }, {5}},
-            {[](Args& x) { x.layout = 100, x.lda = 0; }, {1}},
-            {[](Args& x) { x.lda = 3, x.ldc = 0; }, {8}},
-            {[](Args& x) { x.side = CblasRight, x.lda = 2; }, {8}},
-            {[](Args& x) { x.side = CblasRight, x.lda = 3; }, {}},
-            {[](Args& x) { x.ldb = 3; }, {10}},
-            {[](Args& x) { x.ldc = 3; }, {13}},
-            {[](Args& x) { x.layout = CblasRowMajor, x.ldb = 3, x.ldc = 3; }, {}},
-            {[](Args& x) { x.layout = CblasRowMajor, x.ldb = 2, x.ldc = 3; }, {10}},
-            {[](Args& x) { x.layout = CblasRowMajor, x.ldc = 2; }, {13}},
-            {[](Args& x) { x.m = 0, x.lda = 1, x.ldb = 1, x.ldc = 1; }, {}},
-        });
+    check_table<Args, Operands>({{"cblas_dsymm", "DSYMM ",
+                                  [](const Args& x, Operands& o) {
+                                      cblas_dsymm(layout(x), side(x), uplo(x), x.m, x.n, 1.0, o.a, x.lda, o.b,
+                                                  x.ldb, 0.0, o.c, x.ldc);
+                                  }},
+                                 {"cblas_zsymm", "ZSYMM ",
+                                  [](const Args& x, Operands& o) {
+                                      cblas_zsymm(layout(x), side(x), uplo(x), x.m, x.n, kOne, o.a, x.lda,
+                                                  o.b, x.ldb, kOne, o.c, x.ldc);
+                                  }},
+                                 {"cblas_zhemm", "ZHEMM ",
+                                  [](const Args& x, Operands& o) {
+                                      cblas_zhemm(layout(x), side(x), uplo(x), x.m, x.n, kOne, o.a, x.lda,
+                                                  o.b, x.ldb, kOne, o.c, x.ldc);
+                                  }}},
+                                Table{
+                                    {[](Args&) {}, {}},
+                                    {[](Args& x) { x.side = 0, x.uplo = 0; }, {2}},
+                                    {[](Args& x) { x.uplo = 123; }, {3}},
+                                    {[](Args& x) { x.layout = 0, x.m = -1; }, {4}},
+                                    {[](Args& x) { x.n = -1; }, {5}},
+                                    {[](Args& x) { x.layout = 100, x.lda = 0; }, {1}},
+                                    {[](Args& x) { x.lda = 3, x.ldc = 0; }, {8}},
+                                    {[](Args& x) { x.side = CblasRight, x.lda = 2; }, {8}},
+                                    {[](Args& x) { x.side = CblasRight, x.lda = 3; }, {}},
+                                    {[](Args& x) { x.ldb = 3; }, {10}},
+                                    {[](Args& x) { x.ldc = 3; }, {13}},
+                                    {[](Args& x) { x.layout = CblasRowMajor, x.ldb = 3, x.ldc = 3; }, {}},
+                                    {[](Args& x) { x.layout = CblasRowMajor, x.ldb = 2, x.ldc = 3; }, {10}},
+                                    {[](Args& x) { x.layout = CblasRowMajor, x.ldc = 2; }, {13}},
+                                    {[](Args& x) { x.m = 0, x.lda = 1, x.ldb = 1, x.ldc = 1; }, {}},
+                                });
 }
 
 // Column-major A is n x k untransposed, k x n transposed; row-major the other way round.
@@ -182,11 +171,11 @@ TEST(CblasLevel3Checks, RankUpdates) {
     };
     Table two = common;
     common.push_back({[](Args& x) { x.ldc = 2; }, {11}});
-    zor::test::check_table(rank_k, common);
+    check_table(rank_k, common);
     two.push_back({[](Args& x) { x.ldb = 2, x.ldc = 1; }, {10}});
     two.push_back({[](Args& x) { x.trans = CblasTrans, x.lda = 2, x.ldb = 1; }, {10}});
     two.push_back({[](Args& x) { x.ldc = 1; }, {13}});
-    zor::test::check_table(rank_2k, two);
+    check_table(rank_2k, two);
 }
 
 TEST(CblasLevel3Checks, TriangularMultiplyAndSolve) {
@@ -205,21 +194,21 @@ TEST(CblasLevel3Checks, TriangularMultiplyAndSolve) {
                                                                      o.a, x.lda, o.b, x.ldb);
                              }});
     }
-    zor::test::check_table(functions, Table{
-                                          {[](Args&) {}, {}},
-                                          {[](Args& x) { x.side = 143; }, {2}},
-                                          {[](Args& x) { x.uplo = 120; }, {3}},
-                                          {[](Args& x) { x.trans = 0; }, {4}},
-                                          {[](Args& x) { x.diag = 0, x.m = -1; }, {5}},
-                                          {[](Args& x) { x.m = -1; }, {6}},
-                                          {[](Args& x) { x.n = -1, x.layout = 0; }, {7}},
-                                          {[](Args& x) { x.layout = 1; }, {1}},
-                                          {[](Args& x) { x.lda = 3, x.ldb = 0; }, {10}},
-                                          {[](Args& x) { x.side = CblasRight, x.lda = 2; }, {10}},
-                                          {[](Args& x) { x.ldb = 3; }, {12}},
-                                          {[](Args& x) { x.layout = CblasRowMajor, x.ldb = 2; }, {12}},
-                                          {[](Args& x) { x.layout = CblasRowMajor, x.ldb = 3; }, {}},
-                                      });
+    check_table(functions, Table{
+                               {[](Args&) {}, {}},
+                               {[](Args& x) { x.side = 143; }, {2}},
+                               {[](Args& x) { x.uplo = 120; }, {3}},
+                               {[](Args& x) { x.trans = 0; }, {4}},
+                               {[](Args& x) { x.diag = 0, x.m = -1; }, {5}},
+                               {[](Args& x) { x.m = -1; }, {6}},
+                               {[](Args& x) { x.n = -1, x.layout = 0; }, {7}},
+                               {[](Args& x) { x.layout = 1; }, {1}},
+                               {[](Args& x) { x.lda = 3, x.ldb = 0; }, {10}},
+                               {[](Args& x) { x.side = CblasRight, x.lda = 2; }, {10}},
+                               {[](Args& x) { x.ldb = 3; }, {12}},
+                               {[](Args& x) { x.layout = CblasRowMajor, x.ldb = 2; }, {12}},
+                               {[](Args& x) { x.layout = CblasRowMajor, x.ldb = 3; }, {}},
+                           });
 }
 
 // A transpose letter the CBLAS check accepts but the routine does not: the Fortran-style check
@@ -256,15 +245,15 @@ bool in(int uplo_value, Index i, Index j) {
 // The scalars of the real and of the complex calls, as the element type and as the reference's value.
 template <class E>
 E as(Value v) {
-    return zor::test::scalar<E>(static_cast<double>(v.re), static_cast<double>(v.im));
+    return scalar<E>(static_cast<double>(v.re), static_cast<double>(v.im));
 }
 template <class E>
 Value alpha_of() {
-    return zor::test::kComplex<E> ? Value{0.75, -0.5} : Value{1.5, 0};
+    return kComplex<E> ? Value{0.75, -0.5} : Value{1.5, 0};
 }
 template <class E>
 Value beta_of() {
-    return zor::test::kComplex<E> ? Value{0.5, 0.25} : Value{-0.5, 0};
+    return kComplex<E> ? Value{0.5, 0.25} : Value{-0.5, 0};
 }
 
 // Runs `check` with a real and with a complex element.
@@ -286,14 +275,13 @@ TEST(CblasLevel3Results, GemmForEveryPairOfOperations) {
                             b(row, plain_b ? k : n, plain_b ? n : k, 2), c(row, m, n, 3);
                         const std::vector<E> c0 = c.data;
                         const Dense cd = c.dense();
-                        const Expected want =
-                            zor::test::combine(alpha_of<E>(), zor::test::op(a.dense(), letter(ta)),
-                                               zor::test::op(b.dense(), letter(tb)), beta_of<E>(), &cd);
+                        const Expected want = combine(alpha_of<E>(), op(a.dense(), letter(ta)),
+                                                      op(b.dense(), letter(tb)), beta_of<E>(), &cd);
                         const E alpha = as<E>(alpha_of<E>()), beta = as<E>(beta_of<E>());
-                        ZOR_D_OR_Z(E, cblas_dgemm, cblas_zgemm, zor::test::layout_of(row), trans(ta),
-                                   trans(tb), m, n, k, zor::test::arg(alpha), a.data.data(), a.ld,
-                                   b.data.data(), b.ld, zor::test::arg(beta), c.data.data(), c.ld);
-                        EXPECT_TRUE(zor::test::near(c.dense(), want, 8 * (k + 4), Everywhere{}) &&
+                        ZOR_D_OR_Z(E, cblas_dgemm, cblas_zgemm, layout_of(row), trans(ta), trans(tb), m, n, k,
+                                   arg(alpha), a.data.data(), a.ld, b.data.data(), b.ld, arg(beta),
+                                   c.data.data(), c.ld);
+                        EXPECT_TRUE(near(c.dense(), want, 8 * (k + 4), Everywhere{}) &&
                                     c.untouched_except(c0, Everywhere{}))
                             << "row-major " << row << ", op " << letter(ta) << letter(tb) << ", k " << k;
                     });
@@ -311,32 +299,32 @@ TEST(CblasLevel3Results, SymmetricAndHermitianMultiply) {
                 for (const bool herm : {false, true}) {
                     for_both([&](auto e) {
                         using E = decltype(e);
-                        if (herm && !zor::test::kComplex<E>) return;
+                        if (herm && !kComplex<E>) return;
                         const Index order = s == CblasLeft ? m : n;
                         LayoutMatrix<E> a(row, order, order, 1), b(row, m, n, 2), c(row, m, n, 3);
                         for (Index i = 0; i < order; ++i) {
                             for (Index j = 0; j < order; ++j) {
-                                if (!in(u, i, j)) a(i, j) = zor::test::scalar<E>(NAN, NAN);
+                                if (!in(u, i, j)) a(i, j) = scalar<E>(NAN, NAN);
                             }
                         }
                         const std::vector<E> c0 = c.data;
-                        const Dense sym = zor::test::symmetric(a.dense(), u == CblasUpper, herm),
-                                    bd = b.dense(), cd = c.dense();
-                        const Expected want =
-                            s == CblasLeft ? zor::test::combine(alpha_of<E>(), sym, bd, beta_of<E>(), &cd)
-                                           : zor::test::combine(alpha_of<E>(), bd, sym, beta_of<E>(), &cd);
+                        const Dense sym = symmetric(a.dense(), u == CblasUpper, herm), bd = b.dense(),
+                                    cd = c.dense();
+                        const Expected want = s == CblasLeft
+                                                  ? combine(alpha_of<E>(), sym, bd, beta_of<E>(), &cd)
+                                                  : combine(alpha_of<E>(), bd, sym, beta_of<E>(), &cd);
                         const E alpha = as<E>(alpha_of<E>()), beta = as<E>(beta_of<E>());
                         const auto call = [&](auto function) {
-                            function(zor::test::layout_of(row), CBLAS_SIDE(s), CBLAS_UPLO(u), m, n,
-                                     zor::test::arg(alpha), a.data.data(), a.ld, b.data.data(), b.ld,
-                                     zor::test::arg(beta), c.data.data(), c.ld);
+                            function(layout_of(row), CBLAS_SIDE(s), CBLAS_UPLO(u), m, n, arg(alpha),
+                                     a.data.data(), a.ld, b.data.data(), b.ld, arg(beta), c.data.data(),
+                                     c.ld);
                         };
-                        if constexpr (zor::test::kComplex<E>) {
+                        if constexpr (kComplex<E>) {
                             call(herm ? cblas_zhemm : cblas_zsymm);
                         } else {
                             call(cblas_dsymm);
                         }
-                        EXPECT_TRUE(zor::test::near(c.dense(), want, 64, Everywhere{}) &&
+                        EXPECT_TRUE(near(c.dense(), want, 64, Everywhere{}) &&
                                     c.untouched_except(c0, Everywhere{}))
                             << "hermitian " << herm << ", row-major " << row << ", side " << s << ", uplo "
                             << u;
@@ -358,7 +346,7 @@ TEST(CblasLevel3Results, RankUpdates) {
                     for (const bool two : {false, true}) {
                         for_both([&](auto e) {
                             using E = decltype(e);
-                            constexpr bool complex = zor::test::kComplex<E>;
+                            constexpr bool complex = kComplex<E>;
                             if ((herm && !complex) ||
                                 (complex && t != CblasNoTrans && (t == CblasConjTrans) != herm))
                                 return;
@@ -368,13 +356,12 @@ TEST(CblasLevel3Results, RankUpdates) {
                             auto triangle = [&](Index i, Index j) { return in(u, i, j); };
                             for (Index i = 0; i < n; ++i) {
                                 for (Index j = 0; j < n; ++j) {
-                                    if (!triangle(i, j)) c(i, j) = zor::test::scalar<E>(NAN, NAN);
+                                    if (!triangle(i, j)) c(i, j) = scalar<E>(NAN, NAN);
                                 }
                             }
                             const std::vector<E> c0 = c.data;
                             const char to_p = plain ? 'N' : (herm ? 'C' : 'T'), across = herm ? 'C' : 'T';
-                            const Dense p = zor::test::op(a.dense(), to_p),
-                                        q = zor::test::op(b.dense(), to_p);
+                            const Dense p = op(a.dense(), to_p), q = op(b.dense(), to_p);
                             Dense cd = c.dense();
                             Value al = alpha_of<E>(), be = beta_of<E>();
                             if (herm) {
@@ -382,15 +369,12 @@ TEST(CblasLevel3Results, RankUpdates) {
                                 if (!two) al.im = 0;
                                 for (Index i = 0; i < n; ++i) cd(i, i).im = 0;
                             }
-                            Expected want =
-                                zor::test::combine(al, p, zor::test::op(two ? q : p, across), be, &cd);
+                            Expected want = combine(al, p, op(two ? q : p, across), be, &cd);
                             if (two) {
-                                zor::test::add(want,
-                                               zor::test::combine(herm ? zor::test::conj(al) : al, q,
-                                                                  zor::test::op(p, across), {}, nullptr));
+                                add(want, combine(herm ? conj(al) : al, q, op(p, across), {}, nullptr));
                             }
                             const E alpha = as<E>(al), beta = as<E>(be);
-                            const CBLAS_LAYOUT l = zor::test::layout_of(row);
+                            const CBLAS_LAYOUT l = layout_of(row);
                             const CBLAS_UPLO up = CBLAS_UPLO(u);
                             E *cc = c.data.data(), *ad = a.data.data(), *bd = b.data.data();
                             if constexpr (complex) {
@@ -410,7 +394,7 @@ TEST(CblasLevel3Results, RankUpdates) {
                             } else {
                                 cblas_dsyrk(l, up, trans(t), n, k, alpha, ad, a.ld, beta, cc, c.ld);
                             }
-                            EXPECT_TRUE(zor::test::near(c.dense(), want, 64, triangle) &&
+                            EXPECT_TRUE(near(c.dense(), want, 64, triangle) &&
                                         c.untouched_except(c0, triangle))
                                 << "hermitian " << herm << ", two " << two << ", row-major " << row
                                 << ", uplo " << u << ", trans " << t;
@@ -437,33 +421,28 @@ TEST(CblasLevel3Results, TriangularMultiplyAndSolve) {
                                 LayoutMatrix<E> a(row, order, order, 7), b(row, m, n, 8);
                                 for (Index i = 0; i < order; ++i) {
                                     for (Index j = 0; j < order; ++j) {
-                                        if (i == j) a(i, j) = zor::test::scalar<E>(4.0, 1.0);
+                                        if (i == j) a(i, j) = scalar<E>(4.0, 1.0);
                                         if (!in(u, i, j) || (i == j && d == CblasUnit))
-                                            a(i, j) = zor::test::scalar<E>(NAN, NAN);
+                                            a(i, j) = scalar<E>(NAN, NAN);
                                     }
                                 }
                                 const std::vector<E> b0 = b.data;
-                                const Dense op_a =
-                                                zor::test::op(zor::test::triangle(a.dense(), u == CblasUpper,
-                                                                                  d == CblasUnit),
-                                                              letter(t)),
+                                const Dense op_a = op(triangle(a.dense(), u == CblasUpper, d == CblasUnit),
+                                                      letter(t)),
                                             before = b.dense();
                                 const E alpha = as<E>(alpha_of<E>());
                                 ZOR_D_OR_Z(E, (solve ? cblas_dtrsm : cblas_dtrmm),
-                                           (solve ? cblas_ztrsm : cblas_ztrmm), zor::test::layout_of(row),
-                                           CBLAS_SIDE(s), CBLAS_UPLO(u), trans(t), CBLAS_DIAG(d), m, n,
-                                           zor::test::arg(alpha), a.data.data(), a.ld, b.data.data(), b.ld);
+                                           (solve ? cblas_ztrsm : cblas_ztrmm), layout_of(row), CBLAS_SIDE(s),
+                                           CBLAS_UPLO(u), trans(t), CBLAS_DIAG(d), m, n, arg(alpha),
+                                           a.data.data(), a.ld, b.data.data(), b.ld);
                                 const Dense x = b.dense();
                                 const Dense& left = s == CblasLeft ? op_a : (solve ? x : before);
                                 const Dense& right = s == CblasLeft ? (solve ? x : before) : op_a;
-                                EXPECT_TRUE((solve ? zor::test::small(
-                                                         zor::test::combine({1, 0}, left, right,
-                                                                            Value{} - alpha_of<E>(), &before),
-                                                         64)
-                                                   : zor::test::near(x,
-                                                                     zor::test::combine(alpha_of<E>(), left,
-                                                                                        right, {}, nullptr),
-                                                                     64, Everywhere{})) &&
+                                EXPECT_TRUE((solve ? small(combine({1, 0}, left, right,
+                                                                   Value{} - alpha_of<E>(), &before),
+                                                           64)
+                                                   : near(x, combine(alpha_of<E>(), left, right, {}, nullptr),
+                                                          64, Everywhere{})) &&
                                             b.untouched_except(b0, Everywhere{}))
                                     << "solve " << solve << ", row-major " << row << ", " << s << u << t << d;
                             });
@@ -476,3 +455,4 @@ TEST(CblasLevel3Results, TriangularMultiplyAndSolve) {
 }
 
 }  // namespace
+}  // namespace zor::test

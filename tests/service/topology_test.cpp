@@ -41,8 +41,7 @@ TEST_P(ThreadCount, DigitsOnlyCount) {
 
 INSTANTIATE_TEST_SUITE_P(Texts, ThreadCount,
                          ::testing::Values(CountCase{"4", 4}, CountCase{"4x", 1}, CountCase{"0", -1},
-                                           CountCase{"007", 7}, CountCase{"00", -1}, CountCase{" 4", 1},
-                                           CountCase{"-3", 1}, CountCase{"+3", 1}, CountCase{"1.5", 1},
+                                           CountCase{"007", 7}, CountCase{" 4", 1}, CountCase{"-3", 1},
                                            CountCase{"99999999999999999999", INT32_MAX}, CountCase{"", -1}));
 
 TEST(ThreadCount, UnsetOrTooLongKeepsNothing) {
@@ -53,9 +52,9 @@ TEST(ThreadCount, UnsetOrTooLongKeepsNothing) {
 TEST(DynamicSetting, OnUnlessTheTextSaysFalse) {
     EXPECT_EQ(parse_dynamic(kUnset), 1);
     EXPECT_EQ(parse_dynamic(kTooLong), 1);
-    for (const char* off : {"FALSE", "false", "  false", "\"FALSE\"", "'false'", " \t' \"false", "falsehood"})
+    for (const char* off : {"FALSE", "false", " \t' \"false", "falsehood"})
         EXPECT_EQ(parse_dynamic(env(off)), 0) << off;
-    for (const char* on : {"TRUE", "False", "0", "no", "x false", "fals"})
+    for (const char* on : {"TRUE", "False", "0", "x false", "fals"})
         EXPECT_EQ(parse_dynamic(env(on)), 1) << on;
 }
 
@@ -76,19 +75,16 @@ TEST_P(DomainThreads, ParsesPairsUpToTheFirstMalformedOne) {
     EXPECT_EQ(counts[kDomainLapack], c.lapack) << c.text;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Texts, DomainThreads,
-    ::testing::Values(DomainCase{"", true, -1, -1, -1}, DomainCase{"ZOR_ALL=4", true, 4, -1, -1},
-                      DomainCase{"ZOR_BLAS 2, ZOR_LAPACK=3", true, -1, 2, 3},
-                      DomainCase{" zor_all = 8; ZOR_Blas=1 ,", true, 8, 1, -1},
-                      DomainCase{"ZOR_ALL=2 ZOR_ALL=5", true, 5, -1, -1},
-                      DomainCase{"ZOR_ALL=0", true, -1, -1, -1},
-                      DomainCase{"ZOR_LAPACK=3,ZOR_FFT=2,ZOR_ALL=4", false, -1, -1, 3},
-                      DomainCase{"ZOR_ALL=4, bogus", false, 4, -1, -1},
-                      DomainCase{"ZOR_ALL4", false, -1, -1, -1}, DomainCase{"ZOR_ALLX=4", false, -1, -1, -1},
-                      DomainCase{"ZOR_BLAS=x", false, -1, -1, -1},
-                      DomainCase{"ZOR_ALL=3x", false, -1, -1, -1}, DomainCase{"ZOR_ALL=", false, -1, -1, -1},
-                      DomainCase{"=3", false, -1, -1, -1}));
+INSTANTIATE_TEST_SUITE_P(Texts, DomainThreads,
+                         ::testing::Values(DomainCase{"", true, -1, -1, -1},
+                                           DomainCase{"ZOR_BLAS 2, ZOR_LAPACK=3", true, -1, 2, 3},
+                                           DomainCase{" zor_all = 8; ZOR_Blas=1 ,", true, 8, 1, -1},
+                                           DomainCase{"ZOR_ALL=2 ZOR_ALL=5", true, 5, -1, -1},
+                                           DomainCase{"ZOR_ALL=0", true, -1, -1, -1},
+                                           DomainCase{"ZOR_LAPACK=3,ZOR_FFT=2,ZOR_ALL=4", false, -1, -1, 3},
+                                           DomainCase{"ZOR_ALLX=4", false, -1, -1, -1},
+                                           DomainCase{"ZOR_ALL=3x", false, -1, -1, -1},
+                                           DomainCase{"=3", false, -1, -1, -1}));
 
 TEST(ThreadSettings, RequestedCountComesFromTheFirstVariableThatGivesOne) {
     EXPECT_EQ(decide_thread_settings(env("4"), env("ZOR_ALL=2"), kUnset, env("8")).requested_threads, 4);
@@ -107,9 +103,9 @@ TEST(ThreadSettings, RequestedCountComesFromTheFirstVariableThatGivesOne) {
 }
 
 TEST(Topology, MaskWidth) {
-    const std::int32_t counts[] = {1, 2, 3, 4, 5, 8, 9, 16, 17, 256, 0};
-    const int widths[] = {0, 1, 2, 2, 3, 3, 4, 4, 5, 8, 16};
-    for (int i = 0; i < 11; ++i) EXPECT_EQ(mask_width(counts[i]), widths[i]) << counts[i];
+    const std::int32_t counts[] = {1, 2, 3, 4, 5, 256, 0};
+    const int widths[] = {0, 1, 2, 2, 3, 8, 16};
+    for (int i = 0; i < 7; ++i) EXPECT_EQ(mask_width(counts[i]), widths[i]) << counts[i];
 }
 
 TEST(Topology, PackageLayoutFromCpuidOnlyForTheDesignatedVendorWithMultipleThreads) {
@@ -158,10 +154,6 @@ INSTANTIATE_TEST_SUITE_P(
                      {16, 8},
                      {0, 1, 2, 3},
                      {4, 2, 1, 2, 1}},
-        TopologyCase{"one thread per core, gaps between packages",
-                     {4, 4},
-                     {0, 1, 2, 3, 16, 17, 18, 19},
-                     {8, 8, 2, 4, 0}},
         TopologyCase{"threads but the package seen only in part", {8, 4}, {32, 33, 36}, {3, 2, 1, 2, 1}}),
     [](const ::testing::TestParamInfo<TopologyCase>& info) { return "case" + std::to_string(info.index); });
 
@@ -212,22 +204,16 @@ TEST(TopologyMeasurement, PinsEachProcessorOfTheSystemMaskAndRestoresTheProcessM
     EXPECT_EQ(t.cores_per_package, 1);
 }
 
-TEST(TopologyMeasurement, ProcessorsThatRefusePinningAreNotCounted) {
+// Processors that refuse pinning are not counted; the highest one is reached.
+TEST(TopologyMeasurement, RefusedProcessorsAreLeftOutAndTheHighestIsReached) {
     g_fake = {};
-    g_fake.process_mask = g_fake.system_mask = 0b1111;
+    g_fake.process_mask = g_fake.system_mask = (std::uint64_t{1} << 63) | 0b1111;
     g_fake.refused = 0b0100;
     Topology t;
     ASSERT_TRUE(measure_topology(kFakeProbe, {1, 1}, &t));
-    EXPECT_EQ(t.logical, 3);
-    EXPECT_EQ(g_fake.pins.back(), 0b1111u);
-}
-
-TEST(TopologyMeasurement, HighestProcessorIsReached) {
-    g_fake = {};
-    g_fake.process_mask = g_fake.system_mask = (std::uint64_t{1} << 63) | 1;
-    Topology t;
-    ASSERT_TRUE(measure_topology(kFakeProbe, {1, 1}, &t));
-    EXPECT_EQ(g_fake.pins, (std::vector<std::uint64_t>{1, std::uint64_t{1} << 63, g_fake.system_mask}));
+    EXPECT_EQ(t.logical, 4);
+    EXPECT_EQ(g_fake.pins,
+              (std::vector<std::uint64_t>{1, 2, 4, 8, std::uint64_t{1} << 63, g_fake.system_mask}));
 }
 
 TEST(TopologyMeasurement, GivesUpWithoutPinningWhenTheMasksDiffer) {
