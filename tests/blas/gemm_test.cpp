@@ -20,10 +20,8 @@
 #include "support/random.hpp"
 #include "support/variants.hpp"
 
-namespace zor {
+namespace zor::test {
 namespace {
-
-using test::Random;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInf = std::numeric_limits<double>::infinity();
@@ -66,27 +64,26 @@ template <class T, class Run>
 ::testing::AssertionResult check_product(Run run, char transa, char transb, Shape s, T alpha, T beta,
                                          zint pad, std::uint64_t seed, double c_fill = 0.0) {
     Random random(seed);
-    const bool plain_a = test::is(transa, 'N'), plain_b = test::is(transb, 'N');
+    const bool plain_a = is(transa, 'N'), plain_b = is(transb, 'N');
     const zint a_rows = plain_a ? s.m : s.k, a_cols = plain_a ? s.k : s.m;
     const zint b_rows = plain_b ? s.k : s.n, b_cols = plain_b ? s.n : s.k;
     const zint lda = std::max<zint>(a_rows + pad, 1), ldb = std::max<zint>(b_rows + pad, 1);
     const zint ldc = std::max<zint>(s.m + pad, 1);
-    const std::vector<T> a = test::random_operand<T>(random, a_rows, a_cols, lda);
-    const std::vector<T> b = test::random_operand<T>(random, b_rows, b_cols, ldb);
-    std::vector<T> c = test::random_operand<T>(random, s.m, s.n, ldc);
+    const std::vector<T> a = random_operand<T>(random, a_rows, a_cols, lda);
+    const std::vector<T> b = random_operand<T>(random, b_rows, b_cols, ldb);
+    std::vector<T> c = random_operand<T>(random, s.m, s.n, ldc);
     for (zint j = 0; c_fill != 0.0 && j < s.n; ++j) {
-        for (zint i = 0; i < s.m; ++i) c[i + j * ldc] = test::scalar<T>(c_fill, c_fill);
+        for (zint i = 0; i < s.m; ++i) c[i + j * ldc] = scalar<T>(c_fill, c_fill);
     }
     const std::vector<T> c0 = c;
     run(transa, transb, s.m, s.n, s.k, alpha, a.data(), lda, b.data(), ldb, beta, c.data(), ldc);
     // With k = 0 nothing is added, whatever alpha is; a NaN or infinite beta reaches every element.
-    const test::Dense before = test::load(c0.data(), s.m, s.n, ldc);
-    const test::Expected want = test::combine(s.k > 0 ? test::value(alpha) : test::Value{},
-                                              test::op(test::load(a.data(), a_rows, a_cols, lda), transa),
-                                              test::op(test::load(b.data(), b_rows, b_cols, ldb), transb),
-                                              test::value(beta), &before);
-    ::testing::AssertionResult result = test::near(c.data(), ldc, want, 8 * (s.k + 4), test::Everywhere{});
-    if (result) result = test::untouched(c, c0, ldc, [&](zint i, zint) { return i < s.m; });
+    const Dense before = load(c0.data(), s.m, s.n, ldc);
+    const Expected want =
+        combine(s.k > 0 ? value(alpha) : Value{}, op(load(a.data(), a_rows, a_cols, lda), transa),
+                op(load(b.data(), b_rows, b_cols, ldb), transb), value(beta), &before);
+    ::testing::AssertionResult result = near(c.data(), ldc, want, 8 * (s.k + 4), Everywhere{});
+    if (result) result = untouched(c, c0, ldc, [&](zint i, zint) { return i < s.m; });
     if (!result) {
         result << " (op " << transa << transb << ", m " << s.m << ", n " << s.n << ", k " << s.k << ", lda "
                << lda << ", ldb " << ldb << ", ldc " << ldc << ")";
@@ -109,46 +106,32 @@ const char kComplexOps[] = {'N', 'T', 'C', 'c'};
 
 class GemmPath : public ::testing::TestWithParam<Path> {
   protected:
-    auto real_run() const {
+    // The path's engine for elements T, called as the dispatched routine is.
+    template <class T>
+    auto run() const {
         const Path path = GetParam();
-        return [path](char ta, char tb, zint m, zint n, zint k, double alpha, const double* a, zint lda,
-                      const double* b, zint ldb, double beta, double* c, zint ldc) {
-            kDgemmWith[static_cast<int>(path.level)](path.choice, ta, tb, m, n, k, alpha, a, lda, b, ldb,
-                                                     beta, c, ldc);
-        };
-    }
-    auto complex_run() const {
-        const Path path = GetParam();
-        return [path](char ta, char tb, zint m, zint n, zint k, zcomplex alpha, const zcomplex* a, zint lda,
-                      const zcomplex* b, zint ldb, zcomplex beta, zcomplex* c, zint ldc) {
-            kZgemmWith[static_cast<int>(path.level)](path.choice, ta, tb, m, n, k, alpha, a, lda, b, ldb,
-                                                     beta, c, ldc);
+        return [path](auto... args) {
+            const int l = static_cast<int>(path.level);
+            ZOR_D_OR_Z(T, kDgemmWith[l], kZgemmWith[l], path.choice, args...);
         };
     }
 };
 
-TEST_P(GemmPath, RealMatchesTheReferenceForEveryOperationPairAndShape) {
+TEST_P(GemmPath, MatchesTheReferenceForEveryOperationPairAndShape) {
     ZOR_SKIP_UNLESS_PATH_RUNS(GetParam().level, GetParam().needs);
     std::uint64_t seed = 1;
+    const zcomplex alpha{0.75, -0.25}, beta{-0.5, 0.375};
     for (const Shape& s : kShapes) {
         for (char ta : kRealOps) {
             for (char tb : kRealOps) {
-                const zint pad = (seed % 3 == 0) ? 0 : 3;
-                ASSERT_TRUE(check_product<double>(real_run(), ta, tb, s, 0.75, -0.5, pad, ++seed));
+                ASSERT_TRUE(check_product<double>(run<double>(), ta, tb, s, 0.75, -0.5,
+                                                  (ta + tb + s.m) % 3 ? 3 : 0, ++seed));
             }
         }
-    }
-}
-
-TEST_P(GemmPath, ComplexMatchesTheReferenceForEveryOperationPairAndShape) {
-    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam().level, GetParam().needs);
-    std::uint64_t seed = 1000;
-    const zcomplex alpha{0.75, -0.25}, beta{-0.5, 0.375};
-    for (const Shape& s : kShapes) {
         for (char ta : kComplexOps) {
             for (char tb : kComplexOps) {
-                const zint pad = (seed % 3 == 0) ? 0 : 2;
-                ASSERT_TRUE(check_product<zcomplex>(complex_run(), ta, tb, s, alpha, beta, pad, ++seed));
+                ASSERT_TRUE(check_product<zcomplex>(run<zcomplex>(), ta, tb, s, alpha, beta,
+                                                    (ta + tb + s.m) % 3 ? 2 : 0, ++seed));
             }
         }
     }
@@ -161,9 +144,9 @@ TEST_P(GemmPath, BlockEdgesOfRowsAndColumns) {
     const Shape shapes[] = {{5, 5001, 5}, {13313, 9, 4}, {9990, 12, 16}, {9, 4999, 33}};
     std::uint64_t seed = 77;
     for (const Shape& s : shapes) {
-        ASSERT_TRUE(check_product<double>(real_run(), 'N', 'T', s, 1.0, 1.0, 1, ++seed));
-        ASSERT_TRUE(
-            check_product<zcomplex>(complex_run(), 'C', 'N', s, zcomplex{1, 0.5}, zcomplex{1, 0}, 1, ++seed));
+        ASSERT_TRUE(check_product<double>(run<double>(), 'N', 'T', s, 1.0, 1.0, 1, ++seed));
+        ASSERT_TRUE(check_product<zcomplex>(run<zcomplex>(), 'C', 'N', s, zcomplex{1, 0.5}, zcomplex{1, 0}, 1,
+                                            ++seed));
     }
 }
 
@@ -188,11 +171,11 @@ TEST_P(GemmPath, SpecialScalarsAndValuesInC) {
         const char ta = s.m == 3 ? 'N' : 'T';
         for (const Scalars& v : kScalars) {
             if (v.alpha_im == 0 && v.beta_im == 0) {
-                ASSERT_TRUE(
-                    check_product<double>(real_run(), ta, 'N', s, v.alpha_re, v.beta_re, 1, ++seed, v.c_fill))
+                ASSERT_TRUE(check_product<double>(run<double>(), ta, 'N', s, v.alpha_re, v.beta_re, 1, ++seed,
+                                                  v.c_fill))
                     << "alpha " << v.alpha_re << ", beta " << v.beta_re;
             }
-            ASSERT_TRUE(check_product<zcomplex>(complex_run(), ta, 'C', s, zcomplex{v.alpha_re, v.alpha_im},
+            ASSERT_TRUE(check_product<zcomplex>(run<zcomplex>(), ta, 'C', s, zcomplex{v.alpha_re, v.alpha_im},
                                                 zcomplex{v.beta_re, v.beta_im}, 1, ++seed, v.c_fill))
                 << "alpha (" << v.alpha_re << ", " << v.alpha_im << "), beta (" << v.beta_re << ", "
                 << v.beta_im << ")";
@@ -249,28 +232,19 @@ Shape smallest_blocked(const Path& path, bool complex) {
     return path.level == CpuLevel::Sse3 ? Shape{3, 3, 3} : Shape{2, 2, 2};
 }
 
-int allocations_of(const Path& path, bool complex, Shape s) {
+template <class T, class Run>
+int allocations_of(Run run, Shape s) {
     int count = -1;
     on_fresh_thread([&] {
         Random random(s.m * 10000 + s.n * 100 + s.k);
-        const test::AllocatorScope scope;
-        if (complex) {
-            const std::vector<zcomplex> a = test::random_complex_matrix(random, s.m, s.k, s.m);
-            const std::vector<zcomplex> b = test::random_complex_matrix(random, s.k, s.n, s.k);
-            std::vector<zcomplex> c = test::random_complex_matrix(random, s.m, s.n, s.m);
-            test::AllocatorScope::reset();
-            kZgemmWith[static_cast<int>(path.level)](path.choice, 'N', 'N', s.m, s.n, s.k, zcomplex{1, 0},
-                                                     a.data(), s.m, b.data(), s.k, zcomplex{1, 0}, c.data(),
-                                                     s.m);
-        } else {
-            const std::vector<double> a = test::random_matrix(random, s.m, s.k, s.m);
-            const std::vector<double> b = test::random_matrix(random, s.k, s.n, s.k);
-            std::vector<double> c = test::random_matrix(random, s.m, s.n, s.m);
-            test::AllocatorScope::reset();
-            kDgemmWith[static_cast<int>(path.level)](path.choice, 'N', 'N', s.m, s.n, s.k, 1.0, a.data(), s.m,
-                                                     b.data(), s.k, 1.0, c.data(), s.m);
-        }
-        count = test::AllocatorScope::allocations();
+        const AllocatorScope scope;
+        const std::vector<T> a = random_operand<T>(random, s.m, s.k, s.m),
+                             b = random_operand<T>(random, s.k, s.n, s.k);
+        std::vector<T> c = random_operand<T>(random, s.m, s.n, s.m);
+        AllocatorScope::reset();
+        run('N', 'N', s.m, s.n, s.k, scalar<T>(1, 0), a.data(), s.m, b.data(), s.k, scalar<T>(1, 0), c.data(),
+            s.m);
+        count = AllocatorScope::allocations();
     });
     return count;
 }
@@ -278,12 +252,16 @@ int allocations_of(const Path& path, bool complex, Shape s) {
 TEST_P(GemmPath, ProblemsBelowTheThresholdsNeverAllocate) {
     ZOR_SKIP_UNLESS_PATH_RUNS(GetParam().level, GetParam().needs);
     for (bool complex : {false, true}) {
+        auto allocations = [&](Shape s) {
+            return complex ? allocations_of<zcomplex>(run<zcomplex>(), s)
+                           : allocations_of<double>(run<double>(), s);
+        };
         const Shape s = smallest_blocked(GetParam(), complex);
-        EXPECT_GT(allocations_of(GetParam(), complex, s), 0) << "the smallest blocked problem";
+        EXPECT_GT(allocations(s), 0) << "the smallest blocked problem";
         for (const Shape below : {Shape{s.m - 1, s.n + 9, s.k + 9}, Shape{s.m + 9, s.n - 1, s.k + 9},
                                   Shape{s.m + 9, s.n + 9, s.k - 1}, Shape{1, 1, 1}}) {
-            EXPECT_EQ(allocations_of(GetParam(), complex, below), 0)
-                << (complex ? "complex " : "real ") << below.m << " x " << below.n << " x " << below.k;
+            EXPECT_EQ(allocations(below), 0)
+                << complex << " " << below.m << " x " << below.n << " x " << below.k;
         }
     }
 }
@@ -303,23 +281,14 @@ TEST_P(GemmPath, FailedAllocationIsReportedOnceAndCIsStillRight) {
     auto failing = [](auto call) {
         return [call](auto... args) {
             on_fresh_thread([&] {
-                const test::AllocatorScope scope;
-                test::AllocatorScope::fail_next(1 << 30);
+                const AllocatorScope scope;
+                AllocatorScope::fail_next(1 << 30);
                 call(args...);
             });
         };
     };
-    auto real = failing([path](char ta, char tb, zint m, zint n, zint k, double alpha, const double* a,
-                               zint lda, const double* b, zint ldb, double beta, double* c, zint ldc) {
-        kDgemmWith[static_cast<int>(path.level)](path.choice, ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c,
-                                                 ldc);
-    });
-    auto complex =
-        failing([path](char ta, char tb, zint m, zint n, zint k, zcomplex alpha, const zcomplex* a, zint lda,
-                       const zcomplex* b, zint ldb, zcomplex beta, zcomplex* c, zint ldc) {
-            kZgemmWith[static_cast<int>(path.level)](path.choice, ta, tb, m, n, k, alpha, a, lda, b, ldb,
-                                                     beta, c, ldc);
-        });
+    auto real = failing(run<double>());
+    auto complex = failing(run<zcomplex>());
     ::testing::internal::CaptureStdout();
     const ::testing::AssertionResult real_result =
         check_product<double>(real, 'T', 'N', Shape{41, 43, 45}, -1.5, 0.5, 1, 31);
@@ -334,7 +303,7 @@ TEST_P(GemmPath, FailedAllocationIsReportedOnceAndCIsStillRight) {
     EXPECT_EQ(complex_out, failure_report(path, true));
 }
 
-INSTANTIATE_TEST_SUITE_P(Paths, GemmPath, ::testing::ValuesIn(kPaths), test::NameOfParam{});
+INSTANTIATE_TEST_SUITE_P(Paths, GemmPath, ::testing::ValuesIn(kPaths), NameOfParam{});
 
 // Through the dispatcher table: each level's variant, with the choices of this processor.
 class GemmVariant : public ::testing::TestWithParam<CpuLevel> {};
@@ -342,14 +311,8 @@ class GemmVariant : public ::testing::TestWithParam<CpuLevel> {};
 TEST_P(GemmVariant, DispatchedVariantMatchesTheReference) {
     const CpuLevel level = GetParam();
     ZOR_SKIP_UNLESS_RUNNABLE(level);
-    auto run_real = [level](char ta, char tb, zint m, zint n, zint k, double alpha, const double* a, zint lda,
-                            const double* b, zint ldb, double beta, double* c, zint ldc) {
-        dgemm.variant(level)(ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
-    };
-    auto run_complex = [level](char ta, char tb, zint m, zint n, zint k, zcomplex alpha, const zcomplex* a,
-                               zint lda, const zcomplex* b, zint ldb, zcomplex beta, zcomplex* c, zint ldc) {
-        zgemm.variant(level)(ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
-    };
+    auto run_real = [level](auto... args) { dgemm.variant(level)(args...); };
+    auto run_complex = [level](auto... args) { zgemm.variant(level)(args...); };
     const Shape shapes[] = {{3, 7, 3}, {57, 61, 259}, {130, 129, 64}};
     std::uint64_t seed = 9000;
     for (const Shape& s : shapes) {
@@ -359,7 +322,7 @@ TEST_P(GemmVariant, DispatchedVariantMatchesTheReference) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, GemmVariant, test::kAllLevels, test::level_param_name);
+INSTANTIATE_TEST_SUITE_P(Levels, GemmVariant, kAllLevels, level_param_name);
 
 }  // namespace
-}  // namespace zor
+}  // namespace zor::test

@@ -12,14 +12,8 @@
 #include "support/variants.hpp"
 #include "support/vectors.hpp"
 
-namespace zor {
+namespace zor::test {
 namespace {
-
-using test::plus;
-using test::Random;
-using test::same_bits;
-using test::TestVector;
-using test::times;
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -247,7 +241,7 @@ zcomplex zdot_default_model(bool conjugate, zint n, const zcomplex* x, zint incx
     return conjugate ? zcomplex{a0 + a1, b0 - b1} : zcomplex{a0 - a1, b0 + b1};
 }
 
-class VectorKernels : public test::LevelTest {};
+class VectorKernels : public LevelTest {};
 
 TEST_P(VectorKernels, DdotFollowsTheOrderOfItsLevelBitForBit) {
     auto* kernel = ddot.variant(level());
@@ -434,7 +428,7 @@ void check_element_wise(CpuLevel lv, T alpha, Axpy& axpy, Scal& scal, Copy& copy
     // Overlapping vectors are copied element by element.
     for (zint n : {5, 16, 37}) {
         std::vector<T> v(n + 1);
-        for (T& e : v) e = test::random_value(random, T{});
+        for (T& e : v) e = random_value(random, T{});
         const T head = v[0];
         copy.variant(lv)(n, v.data(), 1, v.data() + 1, 1);
         for (const T& e : v) ASSERT_TRUE(same_bits(e, head)) << n;
@@ -636,7 +630,7 @@ TEST_P(VectorKernels, DrotmgFlagsAndTheTruncatedThresholds) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, VectorKernels, test::kAllLevels, test::level_param_name);
+INSTANTIATE_TEST_SUITE_P(Levels, VectorKernels, kAllLevels, level_param_name);
 
 }  // namespace
-}  // namespace zor
+}  // namespace zor::test

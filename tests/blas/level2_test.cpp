@@ -17,14 +17,9 @@
 #include "support/variants.hpp"
 #include "support/vectors.hpp"
 
-namespace zor {
+namespace zor::test {
 namespace {
 
-using test::plus;
-using test::Random;
-using test::same_bits;
-using test::TestVector;
-using test::times;
 using Complex = std::complex<long double>;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -78,11 +73,11 @@ struct TestMatrix {
         : m(rows),
           n(columns),
           ld(rows + 3),
-          data(static_cast<std::size_t>(ld * (columns > 0 ? columns : 1)), test::poison_value(T{})) {
+          data(static_cast<std::size_t>(ld * (columns > 0 ? columns : 1)), poison_value(T{})) {
         for (zint j = 0; j < n; ++j) {
             for (zint i = 0; i < m; ++i) {
                 const bool other = (triangle == 'U' && i > j) || (triangle == 'L' && i < j);
-                if (!other && !(unit_diagonal && i == j)) at(i, j) = test::random_value(random, T{});
+                if (!other && !(unit_diagonal && i == j)) at(i, j) = random_value(random, T{});
             }
         }
     }
@@ -149,7 +144,7 @@ std::string describe_case(char option, zint m, zint n, zint incx, zint incy) {
            " incx=" + std::to_string(incx) + " incy=" + std::to_string(incy);
 }
 
-class MatrixVector : public test::LevelTest {};
+class MatrixVector : public LevelTest {};
 
 // ---- general ------------------------------------------------------------------------------------
 
@@ -208,7 +203,7 @@ void check_gemv(CpuLevel level, Kernel* gemv, const std::vector<char>& transes,
                     const TestMatrix<T> a(random, m, n);
                     const TestVector<T> x(random, plain ? n : m, inc[0]);
                     TestVector<T> y(random, plain ? m : n, inc[1]);
-                    for (zint i = 0; is_zero(beta) && i < y.size(); ++i) y[i] = test::poison_value(T{});
+                    for (zint i = 0; is_zero(beta) && i < y.size(); ++i) y[i] = poison_value(T{});
                     TestVector<T> got(y);
                     gemv(trans, m, n, alpha, a.data.data(), a.ld, x.data(), inc[0], beta, got.data(), inc[1]);
                     const std::string what = describe_case(trans, m, n, inc[0], inc[1]);
@@ -266,7 +261,7 @@ void check_ger(Kernel* ger, bool conjugated, T alpha, Random& random) {
                 TestVector<T> x(random, m, inc[0]), y(random, n, inc[1]);
                 if (n > 1) {
                     y[1] = real_scalar<T>(-0.0);
-                    if (m > 0) x[0] = test::poison_value(T{});
+                    if (m > 0) x[0] = poison_value(T{});
                 }
                 TestMatrix<T> want(a);
                 for (zint j = 0; j < n; ++j) {
@@ -360,7 +355,7 @@ void check_symv(CpuLevel level, Kernel* symv, T alpha, const T (&betas)[3]) {
                     }
                     const TestVector<T> x(random, n, inc[0]);
                     TestVector<T> y(random, n, inc[1], y_offset);
-                    for (zint i = 0; is_zero(beta) && i < n; ++i) y[i] = test::poison_value(T{});
+                    for (zint i = 0; is_zero(beta) && i < n; ++i) y[i] = poison_value(T{});
                     TestVector<T> got(y);
                     symv(uplo, n, alpha, a.data.data(), a.ld, x.data(), inc[0], beta, got.data(), inc[1]);
                     const std::string what = describe_case(uplo, n, n, inc[0], inc[1]);
@@ -448,7 +443,7 @@ void check_updates(Syr* syr, Syr2* syr2, T alpha, Random& random) {
                 TestVector<T> x(random, n, inc[0]), y(random, n, inc[1]);
                 if (n > 2) {
                     x[1] = y[1] = T{};
-                    x[n - 1] = test::poison_value(T{});  // reaches every updated column but those skipped
+                    x[n - 1] = poison_value(T{});  // reaches every updated column but those skipped
                 }
                 TestMatrix<T> a(random, n, n, uplo);
                 const TestMatrix<T> want = rank_one_model(a, uplo, 0.625, x);
@@ -564,7 +559,7 @@ TEST_P(MatrixVector, TriangularProductsAndSolves) {
     check_triangular<zcomplex>(ztrmv.variant(level()), ztrsv.variant(level()));
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, MatrixVector, test::kAllLevels, test::level_param_name);
+INSTANTIATE_TEST_SUITE_P(Levels, MatrixVector, kAllLevels, level_param_name);
 
 }  // namespace
-}  // namespace zor
+}  // namespace zor::test

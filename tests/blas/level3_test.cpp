@@ -20,16 +20,8 @@
 #include "support/random.hpp"
 #include "support/variants.hpp"
 
-namespace zor {
+namespace zor::test {
 namespace {
-
-using test::Dense;
-using test::Expected;
-using test::Index;
-using test::is;
-using test::Random;
-using test::scalar;
-using test::Value;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
@@ -79,7 +71,7 @@ T nan_element() {
 // A square operand of `order` whose triangle outside `upper` (and the diagonal when `unit`) is NaN.
 template <class T>
 std::vector<T> triangular_operand(Random& random, Index order, Index ld, bool upper, bool unit) {
-    std::vector<T> a = test::random_operand<T>(random, order, order, ld);
+    std::vector<T> a = random_operand<T>(random, order, order, ld);
     for (Index j = 0; j < order; ++j) {
         for (Index i = 0; i < order; ++i) {
             if (i == j ? unit : upper != (i < j)) a[i + j * ld] = nan_element<T>();
@@ -93,7 +85,7 @@ template <class T>
 void strengthen_diagonal(std::vector<T>& a, Index order, Index ld) {
     for (Index i = 0; i < order; ++i) {
         T& d = a[i + i * ld];
-        if constexpr (test::kComplex<T>) {
+        if constexpr (kComplex<T>) {
             d.re += d.re < 0 ? -1.0 : 1.0;
         } else {
             d += d < 0 ? -1.0 : 1.0;
@@ -121,7 +113,7 @@ void call(const Path& path, Table table, const Dispatcher& dispatcher, const Arg
 template <class T>
 void run_triangular(bool solve, const Path& path, const Options& o, Index m, Index n, T alpha, const T* a,
                     Index lda, T* b, Index ldb) {
-    if constexpr (test::kComplex<T>) {
+    if constexpr (kComplex<T>) {
         call(path, solve ? kZtrsm : kZtrmm, solve ? ztrsm : ztrmm, o.side, o.uplo, o.trans, o.diag, m, n,
              alpha, a, lda, b, ldb);
     } else {
@@ -138,27 +130,26 @@ template <class T>
     const Index order = left ? m : n, lda = order + pad, ldb = m + pad;
     std::vector<T> a = triangular_operand<T>(random, order, lda, upper, unit);
     if (solve && !unit) strengthen_diagonal(a, order, lda);
-    std::vector<T> b = test::random_operand<T>(random, m, n, ldb);
+    std::vector<T> b = random_operand<T>(random, m, n, ldb);
     const std::vector<T> b0 = b;
     run_triangular(solve, path, o, m, n, alpha, a.data(), lda, b.data(), ldb);
-    const Dense t = test::op(test::triangle(a.data(), order, lda, upper, unit), o.trans);
-    const Dense before = test::load(b0.data(), m, n, ldb);
+    const Dense t = op(triangle(a.data(), order, lda, upper, unit), o.trans);
+    const Dense before = load(b0.data(), m, n, ldb);
     ::testing::AssertionResult result = ::testing::AssertionSuccess();
     if (solve) {
         // op(A) X - alpha B, or X op(A) - alpha B.
-        const Dense x = test::load(b.data(), m, n, ldb);
-        const Value minus_alpha = Value{} - test::value(alpha);
-        result = test::small(left ? test::combine({1, 0}, t, x, minus_alpha, &before)
-                                  : test::combine({1, 0}, x, t, minus_alpha, &before),
-                             8 * (order + 4));
+        const Dense x = load(b.data(), m, n, ldb);
+        const Value minus_alpha = Value{} - value(alpha);
+        result = small(
+            left ? combine({1, 0}, t, x, minus_alpha, &before) : combine({1, 0}, x, t, minus_alpha, &before),
+            8 * (order + 4));
     } else {
-        const Value al = test::value(alpha);
-        result = test::near(
-            b.data(), ldb,
-            left ? test::combine(al, t, before, {}, nullptr) : test::combine(al, before, t, {}, nullptr),
-            8 * (order + 4), test::Everywhere{});
+        const Value al = value(alpha);
+        result = near(b.data(), ldb,
+                      left ? combine(al, t, before, {}, nullptr) : combine(al, before, t, {}, nullptr),
+                      8 * (order + 4), Everywhere{});
     }
-    if (result) result = test::untouched(b, b0, ldb, [&](Index i, Index) { return i < m; });
+    if (result) result = untouched(b, b0, ldb, [&](Index i, Index) { return i < m; });
     if (!result) {
         result << " (" << (solve ? "trsm" : "trmm") << " " << o.side << o.uplo << o.trans << o.diag << ", m "
                << m << ", n " << n << ", pad " << pad << ")";
@@ -297,7 +288,7 @@ bool two_terms(Update u) {
 template <class T>
 void run_update(Update u, const Path& path, char uplo, char trans, Index n, Index k, T alpha, const T* a,
                 Index lda, const T* b, Index ldb, T beta, T* c, Index ldc) {
-    if constexpr (test::kComplex<T>) {
+    if constexpr (kComplex<T>) {
         switch (u) {
             case Update::Syrk:
                 return call(path, kZsyrk, zsyrk, uplo, trans, n, k, alpha, a, lda, beta, c, ldc);
@@ -322,9 +313,9 @@ template <class T>
     const bool lower = is(uplo, 'L'), untransposed = is(trans, 'N'), herm = hermitian(u);
     const Index rows = untransposed ? n : k, cols = untransposed ? k : n;
     const Index lda = rows + pad, ldc = n + pad;
-    const std::vector<T> a = test::random_operand<T>(random, rows, cols, lda);
-    const std::vector<T> b = test::random_operand<T>(random, rows, cols, lda);
-    std::vector<T> c = test::random_operand<T>(random, n, n, ldc);
+    const std::vector<T> a = random_operand<T>(random, rows, cols, lda);
+    const std::vector<T> b = random_operand<T>(random, rows, cols, lda);
+    std::vector<T> c = random_operand<T>(random, n, n, ldc);
     auto in_triangle = [&](Index i, Index j) { return i < n && (lower ? i >= j : i <= j); };
     for (Index j = 0; j < n; ++j) {
         for (Index i = 0; i < n; ++i) {
@@ -336,23 +327,22 @@ template <class T>
 
     // P = op(A), Q = op(B); the term Pᵀ or Pᴴ on the right.
     const char to_p = untransposed ? 'N' : (herm ? 'C' : 'T'), across = herm ? 'C' : 'T';
-    const Dense p = test::op(test::load(a.data(), rows, cols, lda), to_p);
-    const Dense q = test::op(test::load(b.data(), rows, cols, lda), to_p);
-    Dense before = test::load(c0.data(), n, n, ldc);
-    Value al = test::value(alpha), be = test::value(beta);
+    const Dense p = op(load(a.data(), rows, cols, lda), to_p);
+    const Dense q = op(load(b.data(), rows, cols, lda), to_p);
+    Dense before = load(c0.data(), n, n, ldc);
+    Value al = value(alpha), be = value(beta);
     if (herm) {
         be.im = 0;
         if (u == Update::Herk) al.im = 0;
         for (Index i = 0; i < n; ++i) before(i, i).im = 0;  // the diagonal is taken as real
     }
-    Expected want = test::combine(al, p, test::op(two_terms(u) ? q : p, across), be, &before, in_triangle);
+    Expected want = combine(al, p, op(two_terms(u) ? q : p, across), be, &before, in_triangle);
     if (two_terms(u)) {
-        test::add(want, test::combine(herm ? test::conj(al) : al, q, test::op(p, across), {}, nullptr,
-                                      in_triangle));
+        add(want, combine(herm ? conj(al) : al, q, op(p, across), {}, nullptr, in_triangle));
     }
-    ::testing::AssertionResult result = test::near(c.data(), ldc, want, 8 * (k + 4), in_triangle);
-    if (result) result = test::untouched(c, c0, ldc, in_triangle);
-    if constexpr (test::kComplex<T>) {
+    ::testing::AssertionResult result = near(c.data(), ldc, want, 8 * (k + 4), in_triangle);
+    if (result) result = untouched(c, c0, ldc, in_triangle);
+    if constexpr (kComplex<T>) {
         for (Index i = 0; result && herm && i < n; ++i) {
             if (c[i + i * ldc].im != 0.0)
                 result = ::testing::AssertionFailure() << "C(" << i << ", " << i << ") is not real";
@@ -418,7 +408,7 @@ TEST_P(Level3Path, RankUpdateSpecialScalars) {
                                  c.data(), 40);
             run_update<zcomplex>(u, path, 'L', 'C', 40, 7, {0, 0}, nullptr, 40, nullptr, 40, {1, 0}, c.data(),
                                  40);
-            ASSERT_TRUE(test::untouched(c, c0, 40, [](Index, Index) { return false; }));
+            ASSERT_TRUE(untouched(c, c0, 40, [](Index, Index) { return false; }));
         }
     }
 }
@@ -429,7 +419,7 @@ TEST_P(Level3Path, RankUpdateSpecialScalars) {
 template <class T>
 void run_symm(bool herm, CpuLevel level, char side, char uplo, Index m, Index n, T alpha, const T* a,
               Index lda, const T* b, Index ldb, T beta, T* c, Index ldc) {
-    if constexpr (test::kComplex<T>) {
+    if constexpr (kComplex<T>) {
         (herm ? zhemm : zsymm).variant(level)(side, uplo, m, n, alpha, a, lda, b, ldb, beta, c, ldc);
     } else {
         dsymm.variant(level)(side, uplo, m, n, alpha, a, lda, b, ldb, beta, c, ldc);
@@ -444,23 +434,21 @@ template <class T>
     const bool left = is(side, 'L'), upper = is(uplo, 'U');
     const Index order = left ? m : n, lda = order + pad, ldc = m + pad;
     std::vector<T> a = triangular_operand<T>(random, order, lda, upper, false);
-    if constexpr (test::kComplex<T>) {
+    if constexpr (kComplex<T>) {
         for (Index i = 0; herm && i < order; ++i) a[i + i * lda].im = kNaN;
     }
-    const std::vector<T> b = test::random_operand<T>(random, m, n, ldc);
+    const std::vector<T> b = random_operand<T>(random, m, n, ldc);
     std::vector<T> c =
-        nan_c ? std::vector<T>(ldc * n, nan_element<T>()) : test::random_operand<T>(random, m, n, ldc);
+        nan_c ? std::vector<T>(ldc * n, nan_element<T>()) : random_operand<T>(random, m, n, ldc);
     const std::vector<T> c0 = c;
     run_symm(herm, level, side, uplo, m, n, alpha, a.data(), lda, b.data(), ldc, beta, c.data(), ldc);
-    const Dense sym = test::symmetric(a.data(), order, lda, upper, herm),
-                before = test::load(c0.data(), m, n, ldc);
-    const Dense bd = test::load(b.data(), m, n, ldc);
-    const Value al = test::value(alpha), be = test::value(beta);
+    const Dense sym = symmetric(a.data(), order, lda, upper, herm), before = load(c0.data(), m, n, ldc);
+    const Dense bd = load(b.data(), m, n, ldc);
+    const Value al = value(alpha), be = value(beta);
     ::testing::AssertionResult result =
-        test::near(c.data(), ldc,
-                   left ? test::combine(al, sym, bd, be, &before) : test::combine(al, bd, sym, be, &before),
-                   8 * (order + 4), test::Everywhere{});
-    if (result) result = test::untouched(c, c0, ldc, [&](Index i, Index) { return i < m; });
+        near(c.data(), ldc, left ? combine(al, sym, bd, be, &before) : combine(al, bd, sym, be, &before),
+             8 * (order + 4), Everywhere{});
+    if (result) result = untouched(c, c0, ldc, [&](Index i, Index) { return i < m; });
     if (!result)
         result << " (" << (herm ? "hemm " : "symm ") << side << uplo << ", m " << m << ", n " << n << ")";
     return result;
@@ -532,8 +520,8 @@ TEST_P(Level3Path, FailedAllocationIsReportedOnceAndTheResultIsStillRight) {
         ::testing::AssertionResult result = ::testing::AssertionSuccess();
         ::testing::internal::CaptureStdout();
         std::thread([&] {
-            const test::AllocatorScope scope;
-            test::AllocatorScope::fail_next(1 << 30);
+            const AllocatorScope scope;
+            AllocatorScope::fail_next(1 << 30);
             result = check();
         }).join();
         EXPECT_EQ(::testing::internal::GetCapturedStdout(),
@@ -564,9 +552,9 @@ TEST_P(Level3Variant, DispatchersReachTheirRoutines) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, Level3Variant, test::kAllLevels, test::level_param_name);
+INSTANTIATE_TEST_SUITE_P(Levels, Level3Variant, kAllLevels, level_param_name);
 
-INSTANTIATE_TEST_SUITE_P(Paths, Level3Path, ::testing::ValuesIn(kPaths), test::NameOfParam{});
+INSTANTIATE_TEST_SUITE_P(Paths, Level3Path, ::testing::ValuesIn(kPaths), NameOfParam{});
 
 }  // namespace
-}  // namespace zor
+}  // namespace zor::test

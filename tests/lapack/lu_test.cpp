@@ -19,14 +19,8 @@
 #include "support/variants.hpp"
 #include "zor/zor_lapack.h"
 
-namespace zor {
+namespace zor::test {
 namespace {
-
-using test::Exact;
-using test::kResidualThreshold;
-using test::Matrix;
-using test::Random;
-using test::Wide;
 
 // ||A - P L U||₁ / (n ||A||₁ eps) from the factors of an m by n matrix, and the pivots in range.
 template <class T>
@@ -40,7 +34,7 @@ double lu_residual(const Matrix<T>& a, const Matrix<T>& f, const std::vector<zin
     for (zint j = 0; j < n; ++j) {
         for (zint i = 0; i <= std::min(j, k - 1); ++i) u(i, j) = f.at(i, j);
     }
-    Wide lu = test::multiply(l, u);
+    Wide lu = multiply(l, u);
     for (zint i = k - 1; i >= 0; --i) {
         EXPECT_GE(ipiv[i], i + 1);
         EXPECT_LE(ipiv[i], m);
@@ -49,9 +43,9 @@ double lu_residual(const Matrix<T>& a, const Matrix<T>& f, const std::vector<zin
             for (zint j = 0; j < n; ++j) std::swap(lu(i, j), lu(p, j));
         }
     }
-    const long double norm = test::one_norm(a);
-    return static_cast<double>(test::difference_norm(lu, test::widen_matrix(a)) /
-                               (std::max<zint>(n, 1) * (norm > 0 ? norm : 1) * test::epsilon()));
+    const long double norm = one_norm(a);
+    return static_cast<double>(difference_norm(lu, widen_matrix(a)) /
+                               (std::max<zint>(n, 1) * (norm > 0 ? norm : 1) * epsilon()));
 }
 
 struct Shape {
@@ -70,14 +64,14 @@ class Getrf : public ::testing::TestWithParam<Shape> {};
 template <class T>
 void check_getrf(Shape s) {
     Random random(static_cast<std::uint64_t>(s.m * 1000 + s.n));
-    const Matrix<T> a = test::random_matrix<T>(random, s.m, s.n);
+    const Matrix<T> a = random_matrix<T>(random, s.m, s.n);
     Matrix<T> f = a;
     std::vector<zint> ipiv(static_cast<std::size_t>(std::min(s.m, s.n)));
     zint info = -7;
     ZOR_D_OR_Z(T, dgetrf, zgetrf, s.m, s.n, f.data(), f.ld, ipiv.data(), info);
     EXPECT_EQ(info, 0);
     EXPECT_LT(lu_residual(a, f, ipiv), kResidualThreshold);
-    EXPECT_TRUE(test::padding_untouched(f));
+    EXPECT_TRUE(padding_untouched(f));
 }
 
 TEST_P(Getrf, FactorsReproduceTheMatrix) {
@@ -95,7 +89,7 @@ TEST(GetrfInfo, FirstExactZeroPivotWinsAndTheFactorisationCompletes) {
     for (const auto& [n, first, second] :
          {std::tuple<zint, zint, zint>{5, 3, 5}, {100, 40, 90}, {260, 150, 151}}) {
         Random random(static_cast<std::uint64_t>(n));
-        Matrix<double> a = test::random_matrix<double>(random, n, n);
+        Matrix<double> a = random_matrix<double>(random, n, n);
         // Column `first` zero; column `second` a copy of column 0, so its pivot is zero too.
         for (zint i = 0; i < n; ++i) {
             a(i, first - 1) = 0.0;
@@ -167,8 +161,8 @@ TEST(GetrfPivots, APivotBelowTheSafeMinimumGivesFiniteMultipliers) {
 template <class T>
 void check_getrs(zint n, zint nrhs, char trans) {
     Random random(static_cast<std::uint64_t>(n * 31 + nrhs));
-    const Matrix<T> a = test::random_matrix<T>(random, n, n);
-    const Matrix<T> b = test::random_matrix<T>(random, n, nrhs, 2);
+    const Matrix<T> a = random_matrix<T>(random, n, n);
+    const Matrix<T> b = random_matrix<T>(random, n, nrhs, 2);
     Matrix<T> f = a, x = b;
     std::vector<zint> ipiv(static_cast<std::size_t>(n));
     zint info = 0;
@@ -176,9 +170,9 @@ void check_getrs(zint n, zint nrhs, char trans) {
     ASSERT_EQ(info, 0);
     ZOR_D_OR_Z(T, dgetrs, zgetrs, trans, n, nrhs, f.data(), f.ld, ipiv.data(), x.data(), x.ld, info);
     ASSERT_EQ(info, 0);
-    EXPECT_LT(test::solve_residual(test::widen_matrix(a), trans, x, b), kResidualThreshold)
+    EXPECT_LT(solve_residual(widen_matrix(a), trans, x, b), kResidualThreshold)
         << n << " " << nrhs << " " << trans;
-    EXPECT_TRUE(test::padding_untouched(x));
+    EXPECT_TRUE(padding_untouched(x));
 }
 
 TEST(Getrs, EveryOptionSolves) {
@@ -196,7 +190,7 @@ TEST(Getrs, EveryOptionSolves) {
 template <class T>
 void check_getri(zint n, zint lwork_kind) {
     Random random(static_cast<std::uint64_t>(n + 77));
-    const Matrix<T> a = test::random_matrix<T>(random, n, n);
+    const Matrix<T> a = random_matrix<T>(random, n, n);
     Matrix<T> f = a;
     std::vector<zint> ipiv(static_cast<std::size_t>(n));
     zint info = 0;
@@ -204,14 +198,14 @@ void check_getri(zint n, zint lwork_kind) {
     ASSERT_EQ(info, 0);
     T query{};
     ZOR_D_OR_Z(T, dgetri, zgetri, n, f.data(), f.ld, nullptr, &query, zint{-1}, info);
-    const zint optimal = static_cast<zint>(test::wide(query).real());
-    EXPECT_EQ(optimal, std::max<zint>(
-                           1, n * ilaenv(1, test::kIsComplex<T> ? "ZGETRI" : "DGETRI", " ", n, -1, -1, -1)));
+    const zint optimal = static_cast<zint>(wide(query).real());
+    EXPECT_EQ(optimal,
+              std::max<zint>(1, n * ilaenv(1, kIsComplex<T> ? "ZGETRI" : "DGETRI", " ", n, -1, -1, -1)));
     const zint lwork = lwork_kind == 0 ? optimal : std::max<zint>(1, n * (lwork_kind == 1 ? 1 : 5));
     std::vector<T> work(static_cast<std::size_t>(lwork));
     ZOR_D_OR_Z(T, dgetri, zgetri, n, f.data(), f.ld, ipiv.data(), work.data(), lwork, info);
     ASSERT_EQ(info, 0);
-    EXPECT_LT(test::inverse_residual(test::widen_matrix(a), test::widen_matrix(f)), kResidualThreshold)
+    EXPECT_LT(inverse_residual(widen_matrix(a), widen_matrix(f)), kResidualThreshold)
         << n << " lwork " << lwork;
 }
 
@@ -226,7 +220,7 @@ TEST(Getri, InverseTimesMatrixIsTheIdentity) {
 
 TEST(Laswp, BackwardUndoesForwardAndStridesReadEveryOtherPivot) {
     Random random(3);
-    Matrix<double> a = test::random_matrix<double>(random, 8, 5, 0);
+    Matrix<double> a = random_matrix<double>(random, 8, 5, 0);
     const Matrix<double> original = a;
     const zint ipiv[8] = {3, 3, 8, 4, 6, 6, 8, 8};
     dlaswp(5, a.data(), 8, 2, 7, ipiv, 1);
@@ -248,10 +242,10 @@ TEST(Laswp, BackwardUndoesForwardAndStridesReadEveryOtherPivot) {
 // The band matrix (kl, ku) in band storage of leading dimension ldab, with random entries.
 template <class T>
 std::vector<T> random_band(Random& random, zint m, zint n, zint kl, zint ku, zint ldab) {
-    std::vector<T> band(static_cast<std::size_t>(ldab * n), test::narrow_to<T>({0, 0}));
+    std::vector<T> band(static_cast<std::size_t>(ldab * n), narrow_to<T>({0, 0}));
     for (zint j = 0; j < n; ++j) {
         for (zint i = std::max<zint>(0, j - ku); i < std::min(m, j + kl + 1); ++i)
-            band[static_cast<std::size_t>(kl + ku + i - j + j * ldab)] = test::random_element<T>(random);
+            band[static_cast<std::size_t>(kl + ku + i - j + j * ldab)] = random_element<T>(random);
     }
     return band;
 }
@@ -264,24 +258,24 @@ double gb_residual(zint m, zint n, zint kl, zint ku, const std::vector<T>& band,
     Wide x(m, n), a(m, n);
     for (zint j = 0; j < n; ++j) {
         for (zint i = std::max<zint>(0, j - ku); i < std::min(m, j + kl + 1); ++i)
-            a(i, j) = test::wide(band[static_cast<std::size_t>(kv + i - j + j * ldab)]);
+            a(i, j) = wide(band[static_cast<std::size_t>(kv + i - j + j * ldab)]);
         for (zint i = std::max<zint>(0, j - kv); i <= std::min(j, m - 1); ++i)
-            x(i, j) = test::wide(f[static_cast<std::size_t>(kv + i - j + j * ldab)]);
+            x(i, j) = wide(f[static_cast<std::size_t>(kv + i - j + j * ldab)]);
     }
     for (zint j = k - 1; j >= 0; --j) {
         const zint below = std::min(kl, m - j - 1);
         for (zint c = 0; c < n; ++c) {
             const Exact top = x(j, c);
             for (zint i = 1; i <= below; ++i)
-                x(j + i, c) += test::wide(f[static_cast<std::size_t>(kv + i + j * ldab)]) * top;
+                x(j + i, c) += wide(f[static_cast<std::size_t>(kv + i + j * ldab)]) * top;
         }
         const zint p = ipiv[static_cast<std::size_t>(j)] - 1;
         EXPECT_GE(p, j);
         EXPECT_LE(p, j + kl);
         for (zint c = 0; c < n; ++c) std::swap(x(j, c), x(p, c));
     }
-    const long double norm = test::one_norm(a);
-    return static_cast<double>(test::difference_norm(x, a) / (n * (norm > 0 ? norm : 1) * test::epsilon()));
+    const long double norm = one_norm(a);
+    return static_cast<double>(difference_norm(x, a) / (n * (norm > 0 ? norm : 1) * epsilon()));
 }
 
 struct BandCase {
@@ -296,8 +290,7 @@ void check_gbtrf(const BandCase& c) {
     // The fill-in rows start as garbage: the factorisation must clear what it reads.
     std::vector<T> f = band;
     for (zint j = 0; j < c.n; ++j) {
-        for (zint i = 0; i < c.kl; ++i)
-            f[static_cast<std::size_t>(i + j * ldab)] = test::narrow_to<T>({7, 7});
+        for (zint i = 0; i < c.kl; ++i) f[static_cast<std::size_t>(i + j * ldab)] = narrow_to<T>({7, 7});
     }
     std::vector<zint> ipiv(static_cast<std::size_t>(std::max<zint>(1, std::min(c.m, c.n))));
     zint info = 0;
@@ -332,9 +325,9 @@ void check_gbsv(zint n, zint kl, zint ku, zint nrhs, char trans) {
     Wide a(n, n);
     for (zint j = 0; j < n; ++j) {
         for (zint i = std::max<zint>(0, j - ku); i < std::min(n, j + kl + 1); ++i)
-            a(i, j) = test::wide(band[static_cast<std::size_t>(kl + ku + i - j + j * ldab)]);
+            a(i, j) = wide(band[static_cast<std::size_t>(kl + ku + i - j + j * ldab)]);
     }
-    const Matrix<T> b = test::random_matrix<T>(random, n, nrhs, 1);
+    const Matrix<T> b = random_matrix<T>(random, n, nrhs, 1);
     Matrix<T> x = b;
     std::vector<zint> ipiv(static_cast<std::size_t>(n));
     zint info = 0;
@@ -346,9 +339,9 @@ void check_gbsv(zint n, zint kl, zint ku, zint nrhs, char trans) {
                    info);
     }
     ASSERT_EQ(info, 0);
-    EXPECT_LT(test::solve_residual(a, trans, x, b), kResidualThreshold)
+    EXPECT_LT(solve_residual(a, trans, x, b), kResidualThreshold)
         << n << " " << kl << " " << ku << " " << trans;
-    EXPECT_TRUE(test::padding_untouched(x));
+    EXPECT_TRUE(padding_untouched(x));
 }
 
 TEST(Gbsv, EveryOptionSolves) {
@@ -413,7 +406,7 @@ TEST(Gttrs, EveryOptionAndBlockOfRightHandSidesSolves) {
                 zint info = 0;
                 dgttrf(n, f.dl.data(), f.d.data(), f.du.data(), du2.data(), ipiv.data(), info);
                 ASSERT_EQ(info, 0);
-                const Matrix<double> b = test::random_matrix<double>(random, n, nrhs, 2);
+                const Matrix<double> b = random_matrix<double>(random, n, nrhs, 2);
                 Matrix<double> x = b;
                 dgttrs(trans, n, nrhs, f.dl.data(), f.d.data(), f.du.data(), du2.data(), ipiv.data(),
                        x.data(), x.ld, info);
@@ -426,9 +419,9 @@ TEST(Gttrs, EveryOptionAndBlockOfRightHandSidesSolves) {
                         a(i, i + 1) = t.du[static_cast<std::size_t>(i)];
                     }
                 }
-                EXPECT_LT(test::solve_residual(a, trans, x, b), kResidualThreshold)
+                EXPECT_LT(solve_residual(a, trans, x, b), kResidualThreshold)
                     << n << " " << nrhs << " " << trans;
-                EXPECT_TRUE(test::padding_untouched(x));
+                EXPECT_TRUE(padding_untouched(x));
             }
         }
     }
@@ -445,7 +438,7 @@ TEST(Gttrf, AnExactZeroOnTheDiagonalOfUIsReported) {
 }
 
 // Every variant of the solve kernel computes the same bits.
-class Gtts2Levels : public test::LevelTest {};
+class Gtts2Levels : public LevelTest {};
 
 TEST_P(Gtts2Levels, EveryVariantGivesTheDefaultBits) {
     const zint n = 37, nrhs = 7;
@@ -455,70 +448,70 @@ TEST_P(Gtts2Levels, EveryVariantGivesTheDefaultBits) {
     std::vector<zint> ipiv(n);
     zint info = 0;
     dgttrf(n, f.dl.data(), f.d.data(), f.du.data(), du2.data(), ipiv.data(), info);
-    const Matrix<double> b = test::random_matrix<double>(random, n, nrhs, 1);
+    const Matrix<double> b = random_matrix<double>(random, n, nrhs, 1);
     for (zint itrans : {0, 1}) {
         Matrix<double> expected = b, got = b;
         dgtts2.variant(CpuLevel::Default)(itrans, n, nrhs, f.dl.data(), f.d.data(), f.du.data(), du2.data(),
                                           ipiv.data(), expected.data(), expected.ld);
         dgtts2.variant(level())(itrans, n, nrhs, f.dl.data(), f.d.data(), f.du.data(), du2.data(),
                                 ipiv.data(), got.data(), got.ld);
-        EXPECT_TRUE(test::same_contents(expected, got)) << itrans;
+        EXPECT_TRUE(same_contents(expected, got)) << itrans;
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, Gtts2Levels, test::kAllLevels, test::level_param_name);
+INSTANTIATE_TEST_SUITE_P(Levels, Gtts2Levels, kAllLevels, level_param_name);
 
 // ---- argument checks ----------------------------------------------------------------------------
 
-class LuArguments : public ::testing::TestWithParam<test::ArgumentCase> {};
+class LuArguments : public ::testing::TestWithParam<ArgumentCase> {};
 
 TEST_P(LuArguments, TheFirstBadParameterIsReported) {
-    test::expect_argument_error(GetParam());
+    expect_argument_error(GetParam());
 }
 
 double g_a[64];
 zcomplex g_z[64];
 zint g_pivots[8] = {1, 2, 3, 4, 5, 6, 7, 8};
 
-const test::ArgumentCase kLuArgumentCases[] = {
-    {"DGETRF", -1, [] { return test::info_of(dgetrf, -1, 2, g_a, 2, g_pivots); }},
-    {"DGETRF", -2, [] { return test::info_of(dgetrf, 2, -1, g_a, 2, g_pivots); }},
-    {"ZGETRF", -4, [] { return test::info_of(zgetrf, 3, 2, g_z, 2, g_pivots); }},
-    {"DGETRS", -1, [] { return test::info_of(dgetrs, 'X', 2, 1, g_a, 2, g_pivots, g_a, 2); }},
-    {"DGETRS", -2, [] { return test::info_of(dgetrs, 'N', -1, 1, g_a, 2, g_pivots, g_a, 2); }},
-    {"DGETRS", -3, [] { return test::info_of(dgetrs, 'T', 2, -1, g_a, 2, g_pivots, g_a, 2); }},
-    {"DGETRS", -5, [] { return test::info_of(dgetrs, 'C', 2, 1, g_a, 1, g_pivots, g_a, 2); }},
-    {"ZGETRS", -8, [] { return test::info_of(zgetrs, 'n', 2, 1, g_z, 2, g_pivots, g_z, 1); }},
-    {"DGESV ", -1, [] { return test::info_of(dgesv, -1, 1, g_a, 1, g_pivots, g_a, 1); }},
-    {"DGESV ", -2, [] { return test::info_of(dgesv, 2, -1, g_a, 2, g_pivots, g_a, 2); }},
-    {"DGESV ", -4, [] { return test::info_of(dgesv, 2, 1, g_a, 1, g_pivots, g_a, 2); }},
-    {"ZGESV ", -7, [] { return test::info_of(zgesv, 2, 1, g_z, 2, g_pivots, g_z, 1); }},
-    {"DGETRI", -1, [] { return test::info_of(dgetri, -1, g_a, 1, g_pivots, g_a, 1); }},
-    {"DGETRI", -3, [] { return test::info_of(dgetri, 3, g_a, 2, g_pivots, g_a, 9); }},
-    {"ZGETRI", -6, [] { return test::info_of(zgetri, 3, g_z, 3, g_pivots, g_z, 0); }},
-    {"DGBTRF", -1, [] { return test::info_of(dgbtrf, -1, 2, 1, 1, g_a, 4, g_pivots); }},
-    {"DGBTRF", -2, [] { return test::info_of(dgbtrf, 2, -1, 1, 1, g_a, 4, g_pivots); }},
-    {"DGBTRF", -3, [] { return test::info_of(dgbtrf, 2, 2, -1, 1, g_a, 4, g_pivots); }},
-    {"DGBTRF", -4, [] { return test::info_of(dgbtrf, 2, 2, 1, -1, g_a, 4, g_pivots); }},
-    {"DGBTRF", -6, [] { return test::info_of(dgbtrf, 2, 2, 1, 1, g_a, 3, g_pivots); }},
-    {"DGBTRS", -1, [] { return test::info_of(dgbtrs, '/', 2, 1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
-    {"DGBTRS", -2, [] { return test::info_of(dgbtrs, 'N', -2, 1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
-    {"DGBTRS", -3, [] { return test::info_of(dgbtrs, 'N', 2, -1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
-    {"DGBTRS", -4, [] { return test::info_of(dgbtrs, 'N', 2, 1, -1, 1, g_a, 4, g_pivots, g_a, 2); }},
-    {"DGBTRS", -5, [] { return test::info_of(dgbtrs, 'T', 2, 1, 1, -1, g_a, 4, g_pivots, g_a, 2); }},
-    {"DGBTRS", -7, [] { return test::info_of(dgbtrs, 'C', 2, 1, 1, 1, g_a, 3, g_pivots, g_a, 2); }},
-    {"ZGBTRS", -10, [] { return test::info_of(zgbtrs, 'N', 2, 1, 1, 1, g_z, 4, g_pivots, g_z, 1); }},
-    {"DGBSV ", -1, [] { return test::info_of(dgbsv, -1, 1, 1, 1, g_a, 4, g_pivots, g_a, 1); }},
-    {"DGBSV ", -2, [] { return test::info_of(dgbsv, 2, -1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
-    {"DGBSV ", -3, [] { return test::info_of(dgbsv, 2, 1, -1, 1, g_a, 4, g_pivots, g_a, 2); }},
-    {"DGBSV ", -4, [] { return test::info_of(dgbsv, 2, 1, 1, -1, g_a, 4, g_pivots, g_a, 2); }},
-    {"DGBSV ", -6, [] { return test::info_of(dgbsv, 2, 1, 1, 1, g_a, 3, g_pivots, g_a, 2); }},
-    {"ZGBSV ", -9, [] { return test::info_of(zgbsv, 2, 1, 1, 1, g_z, 4, g_pivots, g_z, 1); }},
-    {"DGTTRF", -1, [] { return test::info_of(dgttrf, -1, g_a, g_a, g_a, g_a, g_pivots); }},
-    {"DGTTRS", -1, [] { return test::info_of(dgttrs, 'x', 2, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2); }},
-    {"DGTTRS", -2, [] { return test::info_of(dgttrs, 'N', -1, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2); }},
-    {"DGTTRS", -3, [] { return test::info_of(dgttrs, 't', 2, -1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2); }},
-    {"DGTTRS", -10, [] { return test::info_of(dgttrs, 'c', 2, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 1); }},
+const ArgumentCase kLuArgumentCases[] = {
+    {"DGETRF", -1, [] { return info_of(dgetrf, -1, 2, g_a, 2, g_pivots); }},
+    {"DGETRF", -2, [] { return info_of(dgetrf, 2, -1, g_a, 2, g_pivots); }},
+    {"ZGETRF", -4, [] { return info_of(zgetrf, 3, 2, g_z, 2, g_pivots); }},
+    {"DGETRS", -1, [] { return info_of(dgetrs, 'X', 2, 1, g_a, 2, g_pivots, g_a, 2); }},
+    {"DGETRS", -2, [] { return info_of(dgetrs, 'N', -1, 1, g_a, 2, g_pivots, g_a, 2); }},
+    {"DGETRS", -3, [] { return info_of(dgetrs, 'T', 2, -1, g_a, 2, g_pivots, g_a, 2); }},
+    {"DGETRS", -5, [] { return info_of(dgetrs, 'C', 2, 1, g_a, 1, g_pivots, g_a, 2); }},
+    {"ZGETRS", -8, [] { return info_of(zgetrs, 'n', 2, 1, g_z, 2, g_pivots, g_z, 1); }},
+    {"DGESV ", -1, [] { return info_of(dgesv, -1, 1, g_a, 1, g_pivots, g_a, 1); }},
+    {"DGESV ", -2, [] { return info_of(dgesv, 2, -1, g_a, 2, g_pivots, g_a, 2); }},
+    {"DGESV ", -4, [] { return info_of(dgesv, 2, 1, g_a, 1, g_pivots, g_a, 2); }},
+    {"ZGESV ", -7, [] { return info_of(zgesv, 2, 1, g_z, 2, g_pivots, g_z, 1); }},
+    {"DGETRI", -1, [] { return info_of(dgetri, -1, g_a, 1, g_pivots, g_a, 1); }},
+    {"DGETRI", -3, [] { return info_of(dgetri, 3, g_a, 2, g_pivots, g_a, 9); }},
+    {"ZGETRI", -6, [] { return info_of(zgetri, 3, g_z, 3, g_pivots, g_z, 0); }},
+    {"DGBTRF", -1, [] { return info_of(dgbtrf, -1, 2, 1, 1, g_a, 4, g_pivots); }},
+    {"DGBTRF", -2, [] { return info_of(dgbtrf, 2, -1, 1, 1, g_a, 4, g_pivots); }},
+    {"DGBTRF", -3, [] { return info_of(dgbtrf, 2, 2, -1, 1, g_a, 4, g_pivots); }},
+    {"DGBTRF", -4, [] { return info_of(dgbtrf, 2, 2, 1, -1, g_a, 4, g_pivots); }},
+    {"DGBTRF", -6, [] { return info_of(dgbtrf, 2, 2, 1, 1, g_a, 3, g_pivots); }},
+    {"DGBTRS", -1, [] { return info_of(dgbtrs, '/', 2, 1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBTRS", -2, [] { return info_of(dgbtrs, 'N', -2, 1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBTRS", -3, [] { return info_of(dgbtrs, 'N', 2, -1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBTRS", -4, [] { return info_of(dgbtrs, 'N', 2, 1, -1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBTRS", -5, [] { return info_of(dgbtrs, 'T', 2, 1, 1, -1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBTRS", -7, [] { return info_of(dgbtrs, 'C', 2, 1, 1, 1, g_a, 3, g_pivots, g_a, 2); }},
+    {"ZGBTRS", -10, [] { return info_of(zgbtrs, 'N', 2, 1, 1, 1, g_z, 4, g_pivots, g_z, 1); }},
+    {"DGBSV ", -1, [] { return info_of(dgbsv, -1, 1, 1, 1, g_a, 4, g_pivots, g_a, 1); }},
+    {"DGBSV ", -2, [] { return info_of(dgbsv, 2, -1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBSV ", -3, [] { return info_of(dgbsv, 2, 1, -1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBSV ", -4, [] { return info_of(dgbsv, 2, 1, 1, -1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBSV ", -6, [] { return info_of(dgbsv, 2, 1, 1, 1, g_a, 3, g_pivots, g_a, 2); }},
+    {"ZGBSV ", -9, [] { return info_of(zgbsv, 2, 1, 1, 1, g_z, 4, g_pivots, g_z, 1); }},
+    {"DGTTRF", -1, [] { return info_of(dgttrf, -1, g_a, g_a, g_a, g_a, g_pivots); }},
+    {"DGTTRS", -1, [] { return info_of(dgttrs, 'x', 2, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2); }},
+    {"DGTTRS", -2, [] { return info_of(dgttrs, 'N', -1, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2); }},
+    {"DGTTRS", -3, [] { return info_of(dgttrs, 't', 2, -1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2); }},
+    {"DGTTRS", -10, [] { return info_of(dgttrs, 'c', 2, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 1); }},
 };
 
 INSTANTIATE_TEST_SUITE_P(EveryParameter, LuArguments, ::testing::ValuesIn(kLuArgumentCases));
@@ -542,51 +535,51 @@ TEST(LuQuickReturns, EmptyMatricesTouchNothing) {
 // The handler slot is per process and the first registration wins, so each case runs in a child
 // that installs the test's handler first.
 void progress_child() {
-    test::use_progress_log();
+    use_progress_log();
     const zint n = 150;
     Random random(1);
-    Matrix<double> a = test::random_matrix<double>(random, n, n);
+    Matrix<double> a = random_matrix<double>(random, n, n);
     std::vector<zint> ipiv(n);
     zint info = 0;
     dgetrf(n, n, a.data(), a.ld, ipiv.data(), info);
     // Steps rise to n, one report per unblocked leaf, every one named "DGETRF".
-    const auto& steps = test::ProgressLog::steps;
+    const auto& steps = ProgressLog::steps;
     if (steps.empty() || steps.back() != n) std::exit(1);
     for (std::size_t i = 1; i < steps.size(); ++i) {
         if (steps[i] <= steps[i - 1]) std::exit(2);
     }
-    for (const auto& stage : test::ProgressLog::stages) {
+    for (const auto& stage : ProgressLog::stages) {
         if (stage != "DGETRF") std::exit(3);
     }
     // Stopped on its first report: only the first leaf is factored, the rest untouched.
-    test::ProgressLog::reset(1);
-    Matrix<zcomplex> z = test::random_matrix<zcomplex>(random, n, n);
+    ProgressLog::reset(1);
+    Matrix<zcomplex> z = random_matrix<zcomplex>(random, n, n);
     const Matrix<zcomplex> original = z;
     std::vector<zint> zipiv(n, -1);
     zgetrf(n, n, z.data(), z.ld, zipiv.data(), info);
-    if (test::ProgressLog::calls != 1 || test::ProgressLog::stages[0] != "ZGETRF") std::exit(4);
-    const zint leaf = test::ProgressLog::steps[0];
+    if (ProgressLog::calls != 1 || ProgressLog::stages[0] != "ZGETRF") std::exit(4);
+    const zint leaf = ProgressLog::steps[0];
     if (leaf <= 0 || leaf >= n) std::exit(5);
     if (zipiv[static_cast<std::size_t>(leaf)] != -1) std::exit(6);
     if (z(n - 1, n - 1).re != original(n - 1, n - 1).re) std::exit(7);
     // dgesv skips the solve after a stop.
-    test::ProgressLog::reset(1);
-    Matrix<double> b = test::random_matrix<double>(random, n, 1);
+    ProgressLog::reset(1);
+    Matrix<double> b = random_matrix<double>(random, n, 1);
     const Matrix<double> b0 = b;
     dgesv(n, 1, a.data(), a.ld, ipiv.data(), b.data(), b.ld, info);
-    if (info != 0 || !test::same_contents(b, b0)) std::exit(8);
+    if (info != 0 || !same_contents(b, b0)) std::exit(8);
     // The band factorisation reports its block columns as "XDGBTRF".
-    test::ProgressLog::reset();
+    ProgressLog::reset();
     const zint kl = 40, ku = 80, ldab = 2 * kl + ku + 1;
     std::vector<double> band(ldab * n, 1.0);
     for (zint j = 0; j < n; ++j) band[kl + ku + j * ldab] = 1000.0;
     dgbtrf(n, n, kl, ku, band.data(), ldab, ipiv.data(), info);
-    if (test::ProgressLog::stages.empty() || test::ProgressLog::stages[0] != "XDGBTRF") std::exit(9);
-    if (test::ProgressLog::steps.back() != n) std::exit(10);
+    if (ProgressLog::stages.empty() || ProgressLog::stages[0] != "XDGBTRF") std::exit(9);
+    if (ProgressLog::steps.back() != n) std::exit(10);
     // Empty matrices report nothing.
-    test::ProgressLog::reset();
+    ProgressLog::reset();
     dgetrf(0, 5, a.data(), 1, ipiv.data(), info);
-    std::exit(test::ProgressLog::calls == 0 ? 0 : 11);
+    std::exit(ProgressLog::calls == 0 ? 0 : 11);
 }
 
 TEST(LuProgress, ReportsEachLeafAndStopsAtOnceWhenAsked) {
@@ -596,10 +589,10 @@ TEST(LuProgress, ReportsEachLeafAndStopsAtOnceWhenAsked) {
 // The export's frame: no memory for the 64-bit pivots gives message 1089 and info -1023, nothing
 // computed.
 void dgesv_without_memory(const std::filesystem::path& out) {
-    test::redirect_stdout(out);
+    redirect_stdout(out);
     free_all_buffers();
-    test::AllocatorScope allocator;
-    test::AllocatorScope::fail_next(2);  // the thread's record, then the plain path
+    AllocatorScope allocator;
+    AllocatorScope::fail_next(2);  // the thread's record, then the plain path
     double a[4] = {4, 6, 3, 3};
     double b[2] = {10, 12};
     zor_int ipiv[2] = {0, 0};
@@ -611,10 +604,10 @@ void dgesv_without_memory(const std::filesystem::path& out) {
 }
 
 TEST(LuExportFrame, NoMemoryForThePivotsReports1089) {
-    const std::filesystem::path out = test::fresh_directory("dgesv-no-memory") / "stdout.txt";
+    const std::filesystem::path out = fresh_directory("dgesv-no-memory") / "stdout.txt";
     EXPECT_EXIT(dgesv_without_memory(out), ::testing::ExitedWithCode(0), "");
-    EXPECT_EQ(test::read_file(out), "\nZOR INTERNAL ERROR: Not enough work memory in function DGESV\n");
+    EXPECT_EQ(read_file(out), "\nZOR INTERNAL ERROR: Not enough work memory in function DGESV\n");
 }
 
 }  // namespace
-}  // namespace zor
+}  // namespace zor::test

@@ -11,14 +11,8 @@
 #include "lapack/triangular/triangular.hpp"
 #include "lapack/tuning/tuning.hpp"
 
-namespace zor {
+namespace zor::test {
 namespace {
-
-using test::Exact;
-using test::kResidualThreshold;
-using test::Matrix;
-using test::Random;
-using test::Wide;
 
 struct Options {
     char uplo, diag;
@@ -33,13 +27,10 @@ Matrix<T> random_triangle(Random& random, zint n, Options o) {
     for (zint j = 0; j < n; ++j) {
         for (zint i = 0; i < n; ++i) {
             if (i == j) {
-                a(i, j) =
-                    o.diag == 'U'
-                        ? test::narrow_to<T>({test::kPoison, test::kPoison})
-                        : test::narrow_to<T>(Exact(2.0L, 0) + test::wide(test::random_element<T>(random)));
+                a(i, j) = o.diag == 'U' ? narrow_to<T>({kPoison, kPoison})
+                                        : narrow_to<T>(Exact(2.0L, 0) + wide(random_element<T>(random)));
             } else if (upper ? i < j : i > j) {
-                a(i, j) = test::narrow_to<T>(test::wide(test::random_element<T>(random)) /
-                                             static_cast<long double>(n));
+                a(i, j) = narrow_to<T>(wide(random_element<T>(random)) / static_cast<long double>(n));
             }
         }
     }
@@ -47,25 +38,25 @@ Matrix<T> random_triangle(Random& random, zint n, Options o) {
 }
 
 Wide dense_triangle(const Wide& a, Options o) {
-    return test::triangle_of(a, o.uplo, o.diag == 'U');
+    return triangle_of(a, o.uplo, o.diag == 'U');
 }
 
 template <class T>
 void check_inverses(zint n, Options o) {
     Random random(static_cast<std::uint64_t>(n * 4 + o.uplo + o.diag));
     const Matrix<T> a = random_triangle<T>(random, n, o);
-    const Wide t = dense_triangle(test::widen_matrix(a), o);
+    const Wide t = dense_triangle(widen_matrix(a), o);
     Matrix<T> full = a;
-    std::vector<T> ap = test::pack(a, o.uplo);
+    std::vector<T> ap = pack(a, o.uplo);
     zint info = -1;
     ZOR_D_OR_Z(T, dtrtri, ztrtri, o.uplo, o.diag, n, full.data(), full.ld, info);
     ASSERT_EQ(info, 0);
     ZOR_D_OR_Z(T, dtptri, ztptri, o.uplo, o.diag, n, ap.data(), info);
     ASSERT_EQ(info, 0);
-    EXPECT_LT(test::inverse_residual(t, dense_triangle(test::widen_matrix(full), o)), kResidualThreshold)
+    EXPECT_LT(inverse_residual(t, dense_triangle(widen_matrix(full), o)), kResidualThreshold)
         << n << o.uplo << o.diag;
-    EXPECT_TRUE(test::padding_untouched(full));
-    EXPECT_LT(test::inverse_residual(t, dense_triangle(test::unpack(ap, n, o.uplo), o)), kResidualThreshold)
+    EXPECT_TRUE(padding_untouched(full));
+    EXPECT_LT(inverse_residual(t, dense_triangle(unpack(ap, n, o.uplo), o)), kResidualThreshold)
         << n << o.uplo << o.diag;
 }
 
@@ -85,15 +76,15 @@ template <class T>
 void check_tptrs(zint n, zint nrhs, Options o, char trans) {
     Random random(static_cast<std::uint64_t>(n + nrhs + trans));
     const Matrix<T> a = random_triangle<T>(random, n, o);
-    const std::vector<T> ap = test::pack(a, o.uplo);
-    const Matrix<T> b = test::random_matrix<T>(random, n, nrhs, 2);
+    const std::vector<T> ap = pack(a, o.uplo);
+    const Matrix<T> b = random_matrix<T>(random, n, nrhs, 2);
     Matrix<T> x = b;
     zint info = -1;
     ZOR_D_OR_Z(T, dtptrs, ztptrs, o.uplo, trans, o.diag, n, nrhs, ap.data(), x.data(), x.ld, info);
     ASSERT_EQ(info, 0);
-    EXPECT_LT(test::solve_residual(dense_triangle(test::widen_matrix(a), o), trans, x, b), kResidualThreshold)
+    EXPECT_LT(solve_residual(dense_triangle(widen_matrix(a), o), trans, x, b), kResidualThreshold)
         << n << nrhs << o.uplo << o.diag << trans;
-    EXPECT_TRUE(test::padding_untouched(x));
+    EXPECT_TRUE(padding_untouched(x));
 }
 
 TEST(PackedTriangularSolve, EveryOptionAndBlockOfRightHandSides) {
@@ -116,7 +107,7 @@ TEST(TriangularInfo, TheFirstZeroOnANonUnitDiagonalIsReported) {
         Matrix<double> a = random_triangle<double>(random, 90, {uplo, 'N'});
         a(40, 40) = 0.0;
         a(70, 70) = 0.0;
-        std::vector<double> ap = test::pack(a, uplo);
+        std::vector<double> ap = pack(a, uplo);
         const std::vector<double> ap0 = ap;
         zint info = 0;
         dtrtri(uplo, 'N', 90, a.data(), a.ld, info);
@@ -133,32 +124,32 @@ TEST(TriangularInfo, TheFirstZeroOnANonUnitDiagonalIsReported) {
     }
 }
 
-class TriangularArguments : public ::testing::TestWithParam<test::ArgumentCase> {};
+class TriangularArguments : public ::testing::TestWithParam<ArgumentCase> {};
 
 TEST_P(TriangularArguments, TheFirstBadParameterIsReported) {
-    test::expect_argument_error(GetParam());
+    expect_argument_error(GetParam());
 }
 
 double g_a[16];
 zcomplex g_z[16];
 
-const test::ArgumentCase kTriangularArgumentCases[] = {
-    {"DTRTRI", -1, [] { return test::info_of(dtrtri, 'X', 'N', 2, g_a, 2); }},
-    {"DTRTRI", -2, [] { return test::info_of(dtrtri, 'U', 'X', 2, g_a, 2); }},
-    {"DTRTRI", -3, [] { return test::info_of(dtrtri, 'L', 'U', -1, g_a, 2); }},
-    {"ZTRTRI", -5, [] { return test::info_of(ztrtri, 'L', 'N', 3, g_z, 2); }},
-    {"DTPTRI", -1, [] { return test::info_of(dtptri, 'X', 'N', 2, g_a); }},
-    {"DTPTRI", -2, [] { return test::info_of(dtptri, 'U', 'T', 2, g_a); }},
-    {"ZTPTRI", -3, [] { return test::info_of(ztptri, 'u', 'n', -3, g_z); }},
-    {"DTPTRS", -1, [] { return test::info_of(dtptrs, 'N', 'N', 'N', 2, 1, g_a, g_a, 2); }},
-    {"DTPTRS", -2, [] { return test::info_of(dtptrs, 'U', 'U', 'N', 2, 1, g_a, g_a, 2); }},
-    {"DTPTRS", -3, [] { return test::info_of(dtptrs, 'U', 'N', 'T', 2, 1, g_a, g_a, 2); }},
-    {"DTPTRS", -4, [] { return test::info_of(dtptrs, 'L', 'T', 'U', -1, 1, g_a, g_a, 2); }},
-    {"DTPTRS", -5, [] { return test::info_of(dtptrs, 'L', 'C', 'U', 2, -1, g_a, g_a, 2); }},
-    {"ZTPTRS", -8, [] { return test::info_of(ztptrs, 'L', 'C', 'U', 2, 1, g_z, g_z, 1); }},
+const ArgumentCase kTriangularArgumentCases[] = {
+    {"DTRTRI", -1, [] { return info_of(dtrtri, 'X', 'N', 2, g_a, 2); }},
+    {"DTRTRI", -2, [] { return info_of(dtrtri, 'U', 'X', 2, g_a, 2); }},
+    {"DTRTRI", -3, [] { return info_of(dtrtri, 'L', 'U', -1, g_a, 2); }},
+    {"ZTRTRI", -5, [] { return info_of(ztrtri, 'L', 'N', 3, g_z, 2); }},
+    {"DTPTRI", -1, [] { return info_of(dtptri, 'X', 'N', 2, g_a); }},
+    {"DTPTRI", -2, [] { return info_of(dtptri, 'U', 'T', 2, g_a); }},
+    {"ZTPTRI", -3, [] { return info_of(ztptri, 'u', 'n', -3, g_z); }},
+    {"DTPTRS", -1, [] { return info_of(dtptrs, 'N', 'N', 'N', 2, 1, g_a, g_a, 2); }},
+    {"DTPTRS", -2, [] { return info_of(dtptrs, 'U', 'U', 'N', 2, 1, g_a, g_a, 2); }},
+    {"DTPTRS", -3, [] { return info_of(dtptrs, 'U', 'N', 'T', 2, 1, g_a, g_a, 2); }},
+    {"DTPTRS", -4, [] { return info_of(dtptrs, 'L', 'T', 'U', -1, 1, g_a, g_a, 2); }},
+    {"DTPTRS", -5, [] { return info_of(dtptrs, 'L', 'C', 'U', 2, -1, g_a, g_a, 2); }},
+    {"ZTPTRS", -8, [] { return info_of(ztptrs, 'L', 'C', 'U', 2, 1, g_z, g_z, 1); }},
 };
 
 INSTANTIATE_TEST_SUITE_P(EveryParameter, TriangularArguments, ::testing::ValuesIn(kTriangularArgumentCases));
 
 }  // namespace
-}  // namespace zor
+}  // namespace zor::test
