@@ -7,35 +7,24 @@
 
 #include <gtest/gtest.h>
 
-#include <complex>
 #include <limits>
 #include <string>
 #include <type_traits>
 #include <vector>
 
 #include "blas/dispatch.hpp"
+#include "support/level3_reference.hpp"
 #include "support/variants.hpp"
 #include "support/vectors.hpp"
 
 namespace zor::test {
 namespace {
 
-using Complex = std::complex<long double>;
-
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 template <class T>
 constexpr bool kReal = std::is_same_v<T, double>;
 
-Complex wide(double v) {
-    return {v, 0};
-}
-Complex wide(const zcomplex& v) {
-    return {v.re, v.im};
-}
-long double size_of(const Complex& v) {
-    return std::fabs(v.real()) + std::fabs(v.imag());
-}
 bool is_zero(double v) {
     return v == 0.0;
 }
@@ -83,16 +72,8 @@ struct TestMatrix {
     }
     T& at(zint i, zint j) { return data[static_cast<std::size_t>(i + j * ld)]; }
     const T& at(zint i, zint j) const { return data[static_cast<std::size_t>(i + j * ld)]; }
-    // The stored element, or its mirror for symmetric storage; 1 on a unit diagonal.
-    Complex element(zint i, zint j, char triangle = ' ', bool unit_diagonal = false,
-                    bool hermitian = false) const {
-        if (unit_diagonal && i == j) return 1;
-        const bool other = (triangle == 'U' && i > j) || (triangle == 'L' && i < j);
-        Complex v = other ? wide(at(j, i)) : wide(at(i, j));
-        if (hermitian && other) v = std::conj(v);
-        if (hermitian && i == j) v = v.real();
-        return v;
-    }
+    // The matrix for the reference: the triangle `triangle` names, its unit diagonal not read.
+    Dense dense() const { return load(data.data(), m, n, ld); }
     ::testing::AssertionResult same_bits_as(const TestMatrix& want) const {
         for (std::size_t k = 0; k < data.size(); ++k) {
             if (!same_bits(data[k], want.data[k]))
@@ -102,41 +83,27 @@ struct TestMatrix {
     }
 };
 
-// |got - want| within (k + 4) units of rounding of `scale`, the sum of the magnitudes of the
-// terms that made it (k terms).
-::testing::AssertionResult within_rounding(const Complex& got, const Complex& want, long double scale,
-                                           zint k) {
-    const long double bound = (k + 4) * 0x1p-52L * scale + 1e-300L;
-    if (std::fabs(got.real() - want.real()) <= bound && std::fabs(got.imag() - want.imag()) <= bound) {
-        return ::testing::AssertionSuccess();
-    }
-    return ::testing::AssertionFailure()
-           << "got (" << static_cast<double>(got.real()) << ", " << static_cast<double>(got.imag())
-           << "), want (" << static_cast<double>(want.real()) << ", " << static_cast<double>(want.imag())
-           << ") within " << static_cast<double>(bound);
+// A vector as a one-column matrix for the reference.
+template <class T>
+Dense column(const TestVector<T>& v) {
+    Dense d(v.size(), 1);
+    for (zint i = 0; i < v.size(); ++i) d(i, 0) = value(v[i]);
+    return d;
 }
 
 // Every element of `got` within rounding of alpha M x + beta y, y as it was before the call (not
-// read when beta is zero), M the matrix of `cols` columns that `element` gives; nothing else of
-// got's storage written.
-template <class T, class Element>
+// read when beta is zero), a sum of `terms` products; nothing else of got's storage written.
+template <class T>
 ::testing::AssertionResult matches_product(const TestVector<T>& got, const TestVector<T>& y, T alpha, T beta,
-                                           zint cols, Element element, const TestVector<T>& x) {
-    for (zint i = 0; i < got.size(); ++i) {
-        Complex sum = is_zero(beta) ? Complex(0) : wide(beta) * wide(y[i]);
-        long double scale = size_of(sum);
-        for (zint k = 0; k < cols; ++k) {
-            const Complex term = wide(alpha) * element(i, k) * wide(x[k]);
-            sum += term;
-            scale += 2 * size_of(term);
-        }
-        ::testing::AssertionResult result = within_rounding(wide(got[i]), sum, scale, cols);
-        if (!result) return result << " at element " << i;
-    }
+                                           const Dense& m, const TestVector<T>& x) {
+    const Dense before = column(y);
+    ::testing::AssertionResult result =
+        near(column(got), combine(value(alpha), m, column(x), value(beta), &before), 2 * (m.cols + 4),
+             Everywhere{});
     TestVector<T> rest(got);
     for (zint i = 0; i < got.size(); ++i) rest[i] = y[i];
-    if (!rest.same_contents(y)) return ::testing::AssertionFailure() << "written outside y";
-    return ::testing::AssertionSuccess();
+    if (result && !rest.same_contents(y)) return ::testing::AssertionFailure() << "written outside y";
+    return result;
 }
 
 std::string describe_case(char option, zint m, zint n, zint incx, zint incy) {
@@ -219,11 +186,7 @@ void check_gemv(CpuLevel level, Kernel* gemv, const std::vector<char>& transes,
                             continue;
                         }
                     }
-                    auto element = [&](zint i, zint k) {
-                        const Complex e = plain ? wide(a.at(i, k)) : wide(a.at(k, i));
-                        return trans == 'C' ? std::conj(e) : e;
-                    };
-                    ASSERT_TRUE(matches_product(got, y, alpha, beta, plain ? n : m, element, x)) << what;
+                    ASSERT_TRUE(matches_product(got, y, alpha, beta, op(a.dense(), trans), x)) << what;
                 }
             }
         }
@@ -367,8 +330,9 @@ void check_symv(CpuLevel level, Kernel* symv, T alpha, const T (&betas)[3]) {
                             continue;
                         }
                     }
-                    auto element = [&](zint i, zint k) { return a.element(i, k, uplo, false, !kReal<T>); };
-                    ASSERT_TRUE(matches_product(got, y, alpha, beta, n, element, x)) << what;
+                    ASSERT_TRUE(
+                        matches_product(got, y, alpha, beta, symmetric(a.dense(), uplo == 'U', !kReal<T>), x))
+                        << what;
                 }
             }
         }
@@ -520,30 +484,16 @@ void check_triangular(Product product, Solve solve) {
                                                  " inc=" + std::to_string(inc);
                         const TestMatrix<T> a = triangle<T>(random, n, o);
                         const TestVector<T> x(random, n, inc);
-                        auto op = [&](zint i, zint k) -> Complex {
-                            const bool plain = trans == 'N';
-                            if (uplo == 'U' ? (plain ? i > k : k > i) : (plain ? i < k : k < i)) return 0;
-                            const Complex v = plain ? a.element(i, k, uplo, diag == 'U')
-                                                    : a.element(k, i, uplo, diag == 'U');
-                            return trans == 'C' ? std::conj(v) : v;
-                        };
+                        const Dense t = op(triangle(a.dense(), uplo == 'U', diag == 'U'), trans);
                         TestVector<T> got(x);
                         product(uplo, trans, diag, n, a.data.data(), a.ld, got.data(), inc);
-                        ASSERT_TRUE(matches_product(got, x, real_scalar<T>(1), T{}, n, op, x))
+                        ASSERT_TRUE(matches_product(got, x, real_scalar<T>(1), T{}, t, x))
                             << "product " << what;
                         TestVector<T> z(x);
                         solve(uplo, trans, diag, n, a.data.data(), a.ld, z.data(), inc);
-                        for (zint i = 0; i < n; ++i) {
-                            Complex residual = 0;
-                            long double scale = 0;
-                            for (zint k = 0; k < n; ++k) {
-                                const Complex term = op(i, k) * wide(z[k]);
-                                residual += term;
-                                scale += 2 * size_of(term);
-                            }
-                            ASSERT_TRUE(within_rounding(residual, wide(x[i]), 4 * scale, n))
-                                << "solve " << what << " i=" << i;
-                        }
+                        const Dense before = column(x);
+                        ASSERT_TRUE(small(combine({1, 0}, t, column(z), {-1, 0}, &before), 8 * (n + 4)))
+                            << "solve " << what;
                         if (n == 0) {
                             ASSERT_TRUE(z.same_contents(x)) << what;
                         }

@@ -135,20 +135,8 @@ template <class T>
     run_triangular(solve, path, o, m, n, alpha, a.data(), lda, b.data(), ldb);
     const Dense t = op(triangle(a.data(), order, lda, upper, unit), o.trans);
     const Dense before = load(b0.data(), m, n, ldb);
-    ::testing::AssertionResult result = ::testing::AssertionSuccess();
-    if (solve) {
-        // op(A) X - alpha B, or X op(A) - alpha B.
-        const Dense x = load(b.data(), m, n, ldb);
-        const Value minus_alpha = Value{} - value(alpha);
-        result = small(
-            left ? combine({1, 0}, t, x, minus_alpha, &before) : combine({1, 0}, x, t, minus_alpha, &before),
-            8 * (order + 4));
-    } else {
-        const Value al = value(alpha);
-        result = near(b.data(), ldb,
-                      left ? combine(al, t, before, {}, nullptr) : combine(al, before, t, {}, nullptr),
-                      8 * (order + 4), Everywhere{});
-    }
+    ::testing::AssertionResult result =
+        triangular_result(solve, left, value(alpha), t, before, load(b.data(), m, n, ldb), 8 * (order + 4));
     if (result) result = untouched(b, b0, ldb, [&](Index i, Index) { return i < m; });
     if (!result) {
         result << " (" << (solve ? "trsm" : "trmm") << " " << o.side << o.uplo << o.trans << o.diag << ", m "
@@ -325,21 +313,9 @@ template <class T>
     const std::vector<T> c0 = c;
     run_update(u, path, uplo, trans, n, k, alpha, a.data(), lda, b.data(), lda, beta, c.data(), ldc);
 
-    // P = op(A), Q = op(B); the term Pᵀ or Pᴴ on the right.
-    const char to_p = untransposed ? 'N' : (herm ? 'C' : 'T'), across = herm ? 'C' : 'T';
-    const Dense p = op(load(a.data(), rows, cols, lda), to_p);
-    const Dense q = op(load(b.data(), rows, cols, lda), to_p);
-    Dense before = load(c0.data(), n, n, ldc);
-    Value al = value(alpha), be = value(beta);
-    if (herm) {
-        be.im = 0;
-        if (u == Update::Herk) al.im = 0;
-        for (Index i = 0; i < n; ++i) before(i, i).im = 0;  // the diagonal is taken as real
-    }
-    Expected want = combine(al, p, op(two_terms(u) ? q : p, across), be, &before, in_triangle);
-    if (two_terms(u)) {
-        add(want, combine(herm ? conj(al) : al, q, op(p, across), {}, nullptr, in_triangle));
-    }
+    const Expected want =
+        rank_update(herm, two_terms(u), value(alpha), value(beta), load(a.data(), rows, cols, lda),
+                    load(b.data(), rows, cols, lda), trans, load(c0.data(), n, n, ldc), in_triangle);
     ::testing::AssertionResult result = near(c.data(), ldc, want, 8 * (k + 4), in_triangle);
     if (result) result = untouched(c, c0, ldc, in_triangle);
     if constexpr (kComplex<T>) {

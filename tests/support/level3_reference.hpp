@@ -230,6 +230,40 @@ inline ::testing::AssertionResult small(const Expected& residual, long double te
     return ::testing::AssertionSuccess();
 }
 
+// trmm: B after the call within rounding of alpha op(T) B (left) or alpha B op(T) (right); trsm: the
+// residual op(T) X - alpha B (or X op(T) - alpha B) within rounding of the size of its terms.
+inline ::testing::AssertionResult triangular_result(bool solve, bool left, Value alpha, const Dense& t,
+                                                    const Dense& before, const Dense& after,
+                                                    long double terms) {
+    if (solve) {
+        const Value minus_alpha = Value{} - alpha;
+        return small(left ? combine({1, 0}, t, after, minus_alpha, &before)
+                          : combine({1, 0}, after, t, minus_alpha, &before),
+                     terms);
+    }
+    return near(after, left ? combine(alpha, t, before, {}, nullptr) : combine(alpha, before, t, {}, nullptr),
+                terms, Everywhere{});
+}
+
+// What syrk, herk, syr2k and her2k must leave in the elements `selected` picks: with P = op(A),
+// Q = op(B), alpha P Pᵀ + beta C, or alpha P Qᵀ + alpha Q Pᵀ + beta C, with ᴴ and conj(alpha) in the
+// second term for the Hermitian ones, which take the real parts of beta (and of herk's alpha) and
+// of the diagonal of C.
+template <class Selected = Everywhere>
+Expected rank_update(bool hermitian, bool two, Value alpha, Value beta, const Dense& a, const Dense& b,
+                     char trans, Dense c, Selected selected = {}) {
+    const char to_p = is(trans, 'N') ? 'N' : (hermitian ? 'C' : 'T'), across = hermitian ? 'C' : 'T';
+    const Dense p = op(a, to_p), q = op(b, to_p);
+    if (hermitian) {
+        beta.im = 0;
+        if (!two) alpha.im = 0;
+        for (Index i = 0; i < c.rows; ++i) c(i, i).im = 0;
+    }
+    Expected want = combine(alpha, p, op(two ? q : p, across), beta, &c, selected);
+    if (two) add(want, combine(hermitian ? conj(alpha) : alpha, q, op(p, across), {}, nullptr, selected));
+    return want;
+}
+
 // Every element of `got` that `may_change` does not select is bit for bit as in `before`.
 template <class E, class Selected>
 ::testing::AssertionResult untouched(const std::vector<E>& got, const std::vector<E>& before, Index ld,
