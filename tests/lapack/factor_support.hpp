@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "service/types.hpp"
+#include "support/arguments.hpp"
 #include "support/level3_reference.hpp"
 #include "support/random.hpp"
 
@@ -244,29 +245,6 @@ bool same_contents(const Matrix<T>& a, const Matrix<T>& b) {
 
 // The threshold of the LAPACK test suite for its scaled residuals.
 inline constexpr double kResidualThreshold = 30.0;
-
-// One bad-argument call of a LAPACK routine: the name it prints (blank-padded) and the info it must
-// return (-k for parameter k).
-struct ArgumentCase {
-    const char* name;
-    zint expected;
-    zint (*call)();
-};
-
-inline void PrintTo(const ArgumentCase& c, std::ostream* out) {
-    *out << c.name << " " << c.expected;
-}
-
-// The info a routine of the Fortran calling form (info its last parameter) returns for `arguments`.
-template <class... Parameters, class... Arguments>
-zint info_of(void (*routine)(Parameters...), Arguments... arguments) {
-    zint info = 0;
-    routine(arguments..., info);
-    return info;
-}
-
-// The call returns the expected info and prints exactly the report of parameter k.
-void expect_argument_error(const ArgumentCase& c);
 
 // A progress handler that records its calls and answers `stop_at`-th call (counted from 1) with 1.
 struct ProgressLog {
