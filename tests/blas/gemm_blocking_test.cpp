@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::int64_t kMiB = std::int64_t{1} << 20;
 
-// kc by the depth's three ranges; mc from the last-level cache (at least one panel, a 4 MiB cache
-// when none is reported); nc capped and rounded to the panel; the A groups half the level-2 cache.
+// kc by the depth's three ranges (they set the order of the sums); mc at least one panel, a 4 MiB
+// cache when none is reported; nc capped and rounded to the panel.
 TEST(GemmBlocks, SizesFollowTheProblemAndTheCaches) {
     const struct {
         zint k, kc;
@@ -25,33 +25,10 @@ TEST(GemmBlocks, SizesFollowTheProblemAndTheCaches) {
         std::int64_t cache;
         int bytes;
         zint mr, mc;
-    } rows[] = {{8 * kMiB, 8, 4, 408},
-                {8 * kMiB, 16, 2, 204},
-                {32 * kMiB, 8, 4, 1636},
-                {-1, 8, 4, 204},
-                {20000, 8, 4, 4}};
+    } rows[] = {{32 * kMiB, 8, 4, 1636}, {-1, 16, 2, 102}, {20000, 8, 4, 4}};
     for (const auto& c : rows) EXPECT_EQ(gemm_mc(c.cache, c.bytes, c.mr), c.mc) << c.cache << " bytes";
     EXPECT_EQ(gemm_nc(13, 8), 16);
     EXPECT_EQ(gemm_nc(5001, 8), 5000);
-    EXPECT_EQ(gemm_a_group_bytes(2 * kMiB), 1 * kMiB);
-    EXPECT_EQ(gemm_a_group_bytes(64 << 10), 64 << 10);   // at least 64 KiB
-    EXPECT_EQ(gemm_a_group_bytes(16 * kMiB), 2 * kMiB);  // at most 2 MiB
-    EXPECT_EQ(gemm_a_group_bytes(-1), 256 << 10);        // not reported: as 512 KiB
-}
-
-TEST(GemmBlocks, ChooseBlocksKeepsChosenRowsAndDepthButNotColumns) {
-    GemmBlockingParams<double> params{};
-    params.mr = 4;
-    params.nr = 8;
-    params.kr = 4;
-    choose_blocks_for_cache(zint{100}, zint{50}, zint{300}, params, 8 * kMiB);
-    EXPECT_EQ(params.mc, 408);
-    EXPECT_EQ(params.kc, 152);
-    EXPECT_EQ(params.nc, 56);
-    choose_blocks_for_cache(zint{100}, zint{7000}, zint{1000}, params, 3 * kMiB);
-    EXPECT_EQ(params.mc, 408);
-    EXPECT_EQ(params.kc, 152);
-    EXPECT_EQ(params.nc, 5000);
 }
 
 GemmBlockingParams<double> avx_params(zint mc, zint nc, zint kc) {
@@ -169,18 +146,6 @@ TEST(DefaultGemmBlocks, DepthHalvesBetween129And256) {
     }
 }
 
-TEST(DefaultGemmBlocks, WideShallowProblemsGetTallerRowBlocks) {
-    const struct {
-        zint m, n, k, mc;
-    } cases[] = {{5001, 5001, 16, 1536}, {9000, 1000, 32, 1024}, {9000, 1000, 33, 768},
-                 {9000, 1000, 64, 768},  {9000, 1000, 65, 512},  {9000, 999, 16, 512}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(default_gemm_blocks(c.m, c.n, c.k).mc, c.mc) << c.m << " x " << c.n << " x " << c.k;
-    }
-    EXPECT_EQ(default_gemm_blocks(10, 4991, 10).nc, 4991);
-    EXPECT_EQ(default_gemm_blocks(10, 4993, 10).nc, 4992);
-}
-
 TEST(DefaultGemmBlocks, WorkAreaSizeAndCarving) {
     const DefaultGemmBlocks blocks = default_gemm_blocks(2000, 3000, 1000);
     for (std::uintptr_t s : kStarts) {
@@ -193,8 +158,9 @@ TEST(DefaultGemmBlocks, WorkAreaSizeAndCarving) {
     }
 }
 
-TEST(Sse3GemmBlocks, ModesAndBlocks) {
-    // The light mode only for an untransposed B and m + n + k <= 384.
+// The light mode only for an untransposed B and m + n + k <= 384; the depth blocks set the order of
+// the sums.
+TEST(Sse3GemmBlocks, ModesDepthsAndCarving) {
     EXPECT_EQ(sse3_gemm_blocks('n', 99, 101, 184).mode, Sse3GemmMode::Light);
     EXPECT_EQ(sse3_gemm_blocks('N', 100, 100, 185).mode, Sse3GemmMode::FullAligned);
     EXPECT_EQ(sse3_gemm_blocks('N', 100, 102, 185).mode, Sse3GemmMode::Full);
@@ -204,18 +170,9 @@ TEST(Sse3GemmBlocks, ModesAndBlocks) {
     EXPECT_EQ(sse3_gemm_blocks('N', 500, 500, 225).kc, 112);
     EXPECT_EQ(sse3_gemm_blocks('N', 500, 500, 50).kc_used, 50);
 
-    const Sse3GemmBlocks plain = sse3_gemm_blocks('N', 500, 3000, 500);
-    EXPECT_EQ(plain.mc, 480);
-    EXPECT_EQ(plain.nc, 2000);
-    const Sse3GemmBlocks wide = sse3_gemm_blocks('N', 6000, 4000, 30);
-    EXPECT_EQ(wide.mc, 1024);
-    EXPECT_EQ(wide.nc, 4000);  // 5000, capped at n
-    const Sse3GemmBlocks large = sse3_gemm_blocks('N', 6000, 6000, 4000);
-    EXPECT_EQ(large.mc, 512);
-    EXPECT_EQ(large.nc, 5000);
-
     // The light mode has no B area.
-    for (const Sse3GemmBlocks& blocks : {plain, sse3_gemm_blocks('N', 100, 100, 100)}) {
+    for (const Sse3GemmBlocks& blocks :
+         {sse3_gemm_blocks('N', 500, 3000, 500), sse3_gemm_blocks('N', 100, 100, 100)}) {
         const std::uintptr_t s = 0x50040;
         const FixedGemmAreas areas = carve_sse3_gemm(s, blocks);
         const bool light = blocks.mode == Sse3GemmMode::Light;
