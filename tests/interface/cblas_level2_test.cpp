@@ -57,14 +57,10 @@ void check(const std::vector<Function>& functions, std::vector<BadCall<Args>> ca
 }
 
 TEST(CblasLevel2Checks, Gemv) {
-    check({{"cblas_dgemv", "DGEMV ",
-            [](const Args& a, Operands& o) {
-                cblas_dgemv(L(a), T(a), a.m, a.n, 1.0, o.a, a.lda, o.x, a.incx, 1.0, o.y, a.incy);
-            }},
-           {"cblas_zgemv", "ZGEMV ",
-            [](const Args& a, Operands& o) {
-                cblas_zgemv(L(a), T(a), a.m, a.n, kOne, o.a, a.lda, o.x, a.incx, kOne, o.y, a.incy);
-            }}},
+    check({ZOR_CHECKED(cblas_dgemv, "DGEMV ", L(a), T(a), a.m, a.n, 1.0, o.a, a.lda, o.x, a.incx, 1.0, o.y,
+                       a.incy),
+           ZOR_CHECKED(cblas_zgemv, "ZGEMV ", L(a), T(a), a.m, a.n, kOne, o.a, a.lda, o.x, a.incx, kOne, o.y,
+                       a.incy)},
           {
               {[](Args& a) { a.trans = 110; }, {2}, 1},
               {[](Args& a) { a.trans = 0, a.m = -1; }, {2, 3}},
@@ -78,18 +74,9 @@ TEST(CblasLevel2Checks, Gemv) {
 }
 
 TEST(CblasLevel2Checks, Ger) {
-    check({{"cblas_dger", "DGER  ",
-            [](const Args& a, Operands& o) {
-                cblas_dger(L(a), a.m, a.n, 1.0, o.x, a.incx, o.y, a.incy, o.a, a.lda);
-            }},
-           {"cblas_zgeru", "ZGERU ",
-            [](const Args& a, Operands& o) {
-                cblas_zgeru(L(a), a.m, a.n, kOne, o.x, a.incx, o.y, a.incy, o.a, a.lda);
-            }},
-           {"cblas_zgerc", "ZGERC ",
-            [](const Args& a, Operands& o) {
-                cblas_zgerc(L(a), a.m, a.n, kOne, o.x, a.incx, o.y, a.incy, o.a, a.lda);
-            }}},
+    check({ZOR_CHECKED(cblas_dger, "DGER  ", L(a), a.m, a.n, 1.0, o.x, a.incx, o.y, a.incy, o.a, a.lda),
+           ZOR_CHECKED(cblas_zgeru, "ZGERU ", L(a), a.m, a.n, kOne, o.x, a.incx, o.y, a.incy, o.a, a.lda),
+           ZOR_CHECKED(cblas_zgerc, "ZGERC ", L(a), a.m, a.n, kOne, o.x, a.incx, o.y, a.incy, o.a, a.lda)},
           {
               {[](Args& a) { a.layout = 0, a.m = -1; }, {1}},
               {[](Args& a) { a.m = -1; }, {2}},
@@ -101,40 +88,28 @@ TEST(CblasLevel2Checks, Ger) {
 }
 
 TEST(CblasLevel2Checks, SymmetricAndHermitian) {
-    check({{"cblas_dsymv", "DSYMV ",
-            [](const Args& a, Operands& o) {
-                cblas_dsymv(L(a), U(a), a.n, 1.0, o.a, a.lda, o.x, a.incx, 1.0, o.y, a.incy);
-            }},
-           {"cblas_zhemv", "ZHEMV ",
-            [](const Args& a, Operands& o) {
-                cblas_zhemv(L(a), U(a), a.n, kOne, o.a, a.lda, o.x, a.incx, kOne, o.y, a.incy);
-            }}},
-          {
-              {[](Args& a) { a.uplo = 120; }, {2}, 1},
-              {[](Args& a) { a.uplo = 0, a.lda = 0; }, {2, 6}},
-              {[](Args& a) { a.n = -1; }, {3}},
-              {[](Args& a) { a.lda = 0, a.incx = 0; }, {6}},
-              {[](Args& a) { a.incx = 0; }, {8}},
-              {[](Args& a) { a.incy = 0; }, {11}},
-          });
-    check({{"cblas_dsyr", "DSYR  ",
-            [](const Args& a, Operands& o) { cblas_dsyr(L(a), U(a), a.n, 1.0, o.x, a.incx, o.a, a.lda); }},
-           {"cblas_zher", "ZHER  ",
-            [](const Args& a, Operands& o) { cblas_zher(L(a), U(a), a.n, 1.0, o.x, a.incx, o.a, a.lda); }}},
+    check(
+        {ZOR_CHECKED(cblas_dsymv, "DSYMV ", L(a), U(a), a.n, 1.0, o.a, a.lda, o.x, a.incx, 1.0, o.y, a.incy),
+         ZOR_CHECKED(cblas_zhemv, "ZHEMV ", L(a), U(a), a.n, kOne, o.a, a.lda, o.x, a.incx, kOne, o.y,
+                     a.incy)},
+        {
+            {[](Args& a) { a.uplo = 120; }, {2}, 1},
+            {[](Args& a) { a.uplo = 0, a.lda = 0; }, {2, 6}},
+            {[](Args& a) { a.n = -1; }, {3}},
+            {[](Args& a) { a.lda = 0, a.incx = 0; }, {6}},
+            {[](Args& a) { a.incx = 0; }, {8}},
+            {[](Args& a) { a.incy = 0; }, {11}},
+        });
+    check({ZOR_CHECKED(cblas_dsyr, "DSYR  ", L(a), U(a), a.n, 1.0, o.x, a.incx, o.a, a.lda),
+           ZOR_CHECKED(cblas_zher, "ZHER  ", L(a), U(a), a.n, 1.0, o.x, a.incx, o.a, a.lda)},
           {
               {[](Args& a) { a.uplo = 120; }, {2}, 1},
               {[](Args& a) { a.n = -1; }, {3}},
               {[](Args& a) { a.incx = 0; }, {6}},
               {[](Args& a) { a.lda = 1, a.incx = 0; }, {8}},
           });
-    check({{"cblas_dsyr2", "DSYR2 ",
-            [](const Args& a, Operands& o) {
-                cblas_dsyr2(L(a), U(a), a.n, 1.0, o.x, a.incx, o.y, a.incy, o.a, a.lda);
-            }},
-           {"cblas_zher2", "ZHER2 ",
-            [](const Args& a, Operands& o) {
-                cblas_zher2(L(a), U(a), a.n, kOne, o.x, a.incx, o.y, a.incy, o.a, a.lda);
-            }}},
+    check({ZOR_CHECKED(cblas_dsyr2, "DSYR2 ", L(a), U(a), a.n, 1.0, o.x, a.incx, o.y, a.incy, o.a, a.lda),
+           ZOR_CHECKED(cblas_zher2, "ZHER2 ", L(a), U(a), a.n, kOne, o.x, a.incx, o.y, a.incy, o.a, a.lda)},
           {
               {[](Args& a) { a.uplo = 120; }, {2}, 1},
               {[](Args& a) { a.n = -1; }, {3}},
@@ -146,14 +121,8 @@ TEST(CblasLevel2Checks, SymmetricAndHermitian) {
 
 // trmv reports a bad letter and goes on (the Fortran-style check then rejects it); trsv stops.
 TEST(CblasLevel2Checks, Triangular) {
-    check({{"cblas_dtrmv", "DTRMV ",
-            [](const Args& a, Operands& o) {
-                cblas_dtrmv(L(a), U(a), T(a), D(a), a.n, o.a, a.lda, o.x, a.incx);
-            }},
-           {"cblas_ztrmv", "ZTRMV ",
-            [](const Args& a, Operands& o) {
-                cblas_ztrmv(L(a), U(a), T(a), D(a), a.n, o.a, a.lda, o.x, a.incx);
-            }}},
+    check({ZOR_CHECKED(cblas_dtrmv, "DTRMV ", L(a), U(a), T(a), D(a), a.n, o.a, a.lda, o.x, a.incx),
+           ZOR_CHECKED(cblas_ztrmv, "ZTRMV ", L(a), U(a), T(a), D(a), a.n, o.a, a.lda, o.x, a.incx)},
           {
               {[](Args& a) { a.uplo = 120; }, {2}, 1},
               {[](Args& a) { a.trans = 114; }, {3}, 2},
@@ -163,14 +132,8 @@ TEST(CblasLevel2Checks, Triangular) {
               {[](Args& a) { a.lda = 1, a.incx = 0; }, {7}},
               {[](Args& a) { a.incx = 0; }, {9}},
           });
-    check({{"cblas_dtrsv", "DTRSV ",
-            [](const Args& a, Operands& o) {
-                cblas_dtrsv(L(a), U(a), T(a), D(a), a.n, o.a, a.lda, o.x, a.incx);
-            }},
-           {"cblas_ztrsv", "ZTRSV ",
-            [](const Args& a, Operands& o) {
-                cblas_ztrsv(L(a), U(a), T(a), D(a), a.n, o.a, a.lda, o.x, a.incx);
-            }}},
+    check({ZOR_CHECKED(cblas_dtrsv, "DTRSV ", L(a), U(a), T(a), D(a), a.n, o.a, a.lda, o.x, a.incx),
+           ZOR_CHECKED(cblas_ztrsv, "ZTRSV ", L(a), U(a), T(a), D(a), a.n, o.a, a.lda, o.x, a.incx)},
           {
               {[](Args& a) { a.uplo = 120; }, {2}},
               {[](Args& a) { a.trans = 114; }, {3}},

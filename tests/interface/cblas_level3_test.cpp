@@ -54,16 +54,10 @@ const double kOne[2] = {1, 0};
 
 TEST(CblasLevel3Checks, Gemm) {
     check_table<Args, Operands>(
-        {{"cblas_dgemm", "DGEMM ",
-          [](const Args& x, Operands& o) {
-              cblas_dgemm(layout(x), trans(x.trans), trans(x.transb), x.m, x.n, x.k, 1.0, o.a, x.lda, o.b,
-                          x.ldb, 0.0, o.c, x.ldc);
-          }},
-         {"cblas_zgemm", "ZGEMM ",
-          [](const Args& x, Operands& o) {
-              cblas_zgemm(layout(x), trans(x.trans), trans(x.transb), x.m, x.n, x.k, kOne, o.a, x.lda, o.b,
-                          x.ldb, kOne, o.c, x.ldc);
-          }}},
+        {ZOR_CHECKED(cblas_dgemm, "DGEMM ", layout(a), trans(a.trans), trans(a.transb), a.m, a.n, a.k, 1.0,
+                     o.a, a.lda, o.b, a.ldb, 0.0, o.c, a.ldc),
+         ZOR_CHECKED(cblas_zgemm, "ZGEMM ", layout(a), trans(a.trans), trans(a.transb), a.m, a.n, a.k, kOne,
+                     o.a, a.lda, o.b, a.ldb, kOne, o.c, a.ldc)},
         Table{
             {[](Args&) {}, {}},
             {[](Args& x) { x.layout = 100; }, {1}},
@@ -90,21 +84,12 @@ TEST(CblasLevel3Checks, Gemm) {
 }
 
 TEST(CblasLevel3Checks, SymmetricMultiply) {
-    check_table<Args, Operands>({{"cblas_dsymm", "DSYMM ",
-                                  [](const Args& x, Operands& o) {
-                                      cblas_dsymm(layout(x), side(x), uplo(x), x.m, x.n, 1.0, o.a, x.lda, o.b,
-                                                  x.ldb, 0.0, o.c, x.ldc);
-                                  }},
-                                 {"cblas_zsymm", "ZSYMM ",
-                                  [](const Args& x, Operands& o) {
-                                      cblas_zsymm(layout(x), side(x), uplo(x), x.m, x.n, kOne, o.a, x.lda,
-                                                  o.b, x.ldb, kOne, o.c, x.ldc);
-                                  }},
-                                 {"cblas_zhemm", "ZHEMM ",
-                                  [](const Args& x, Operands& o) {
-                                      cblas_zhemm(layout(x), side(x), uplo(x), x.m, x.n, kOne, o.a, x.lda,
-                                                  o.b, x.ldb, kOne, o.c, x.ldc);
-                                  }}},
+    check_table<Args, Operands>({ZOR_CHECKED(cblas_dsymm, "DSYMM ", layout(a), side(a), uplo(a), a.m, a.n,
+                                             1.0, o.a, a.lda, o.b, a.ldb, 0.0, o.c, a.ldc),
+                                 ZOR_CHECKED(cblas_zsymm, "ZSYMM ", layout(a), side(a), uplo(a), a.m, a.n,
+                                             kOne, o.a, a.lda, o.b, a.ldb, kOne, o.c, a.ldc),
+                                 ZOR_CHECKED(cblas_zhemm, "ZHEMM ", layout(a), side(a), uplo(a), a.m, a.n,
+                                             kOne, o.a, a.lda, o.b, a.ldb, kOne, o.c, a.ldc)},
                                 Table{
                                     {[](Args&) {}, {}},
                                     {[](Args& x) { x.side = 0, x.uplo = 0; }, {2}},
@@ -127,35 +112,20 @@ TEST(CblasLevel3Checks, SymmetricMultiply) {
 // Column-major A is n x k untransposed, k x n transposed; row-major the other way round.
 TEST(CblasLevel3Checks, RankUpdates) {
     const std::vector<Function> rank_k = {
-        {"cblas_dsyrk", "DSYRK ",
-         [](const Args& x, Operands& o) {
-             cblas_dsyrk(layout(x), uplo(x), trans(x.trans), x.n, x.k, 1.0, o.a, x.lda, 1.0, o.c, x.ldc);
-         }},
-        {"cblas_zsyrk", "ZSYRK ",
-         [](const Args& x, Operands& o) {
-             cblas_zsyrk(layout(x), uplo(x), trans(x.trans), x.n, x.k, kOne, o.a, x.lda, kOne, o.c, x.ldc);
-         }},
-        {"cblas_zherk", "ZHERK ",
-         [](const Args& x, Operands& o) {
-             cblas_zherk(layout(x), uplo(x), trans(x.trans), x.n, x.k, 1.0, o.a, x.lda, 1.0, o.c, x.ldc);
-         }},
+        ZOR_CHECKED(cblas_dsyrk, "DSYRK ", layout(a), uplo(a), trans(a.trans), a.n, a.k, 1.0, o.a, a.lda, 1.0,
+                    o.c, a.ldc),
+        ZOR_CHECKED(cblas_zsyrk, "ZSYRK ", layout(a), uplo(a), trans(a.trans), a.n, a.k, kOne, o.a, a.lda,
+                    kOne, o.c, a.ldc),
+        ZOR_CHECKED(cblas_zherk, "ZHERK ", layout(a), uplo(a), trans(a.trans), a.n, a.k, 1.0, o.a, a.lda, 1.0,
+                    o.c, a.ldc),
     };
     const std::vector<Function> rank_2k = {
-        {"cblas_dsyr2k", "DSYR2K",
-         [](const Args& x, Operands& o) {
-             cblas_dsyr2k(layout(x), uplo(x), trans(x.trans), x.n, x.k, 1.0, o.a, x.lda, o.b, x.ldb, 1.0, o.c,
-                          x.ldc);
-         }},
-        {"cblas_zsyr2k", "ZSYR2K",
-         [](const Args& x, Operands& o) {
-             cblas_zsyr2k(layout(x), uplo(x), trans(x.trans), x.n, x.k, kOne, o.a, x.lda, o.b, x.ldb, kOne,
-                          o.c, x.ldc);
-         }},
-        {"cblas_zher2k", "ZHER2K",
-         [](const Args& x, Operands& o) {
-             cblas_zher2k(layout(x), uplo(x), trans(x.trans), x.n, x.k, kOne, o.a, x.lda, o.b, x.ldb, 1.0,
-                          o.c, x.ldc);
-         }},
+        ZOR_CHECKED(cblas_dsyr2k, "DSYR2K", layout(a), uplo(a), trans(a.trans), a.n, a.k, 1.0, o.a, a.lda,
+                    o.b, a.ldb, 1.0, o.c, a.ldc),
+        ZOR_CHECKED(cblas_zsyr2k, "ZSYR2K", layout(a), uplo(a), trans(a.trans), a.n, a.k, kOne, o.a, a.lda,
+                    o.b, a.ldb, kOne, o.c, a.ldc),
+        ZOR_CHECKED(cblas_zher2k, "ZHER2K", layout(a), uplo(a), trans(a.trans), a.n, a.k, kOne, o.a, a.lda,
+                    o.b, a.ldb, 1.0, o.c, a.ldc),
     };
     // Positions 1 to 8 alike; ldc is 11 for the rank-k updates and 13 for the rank-2k ones.
     Table common = {
@@ -179,21 +149,16 @@ TEST(CblasLevel3Checks, RankUpdates) {
 }
 
 TEST(CblasLevel3Checks, TriangularMultiplyAndSolve) {
-    std::vector<Function> functions;
-    for (const bool solve : {false, true}) {
-        functions.push_back({solve ? "cblas_dtrsm" : "cblas_dtrmm", solve ? "DTRSM " : "DTRMM ",
-                             [solve](const Args& x, Operands& o) {
-                                 (solve ? cblas_dtrsm : cblas_dtrmm)(layout(x), side(x), uplo(x),
-                                                                     trans(x.trans), diag(x), x.m, x.n, 1.0,
-                                                                     o.a, x.lda, o.b, x.ldb);
-                             }});
-        functions.push_back({solve ? "cblas_ztrsm" : "cblas_ztrmm", solve ? "ZTRSM " : "ZTRMM ",
-                             [solve](const Args& x, Operands& o) {
-                                 (solve ? cblas_ztrsm : cblas_ztrmm)(layout(x), side(x), uplo(x),
-                                                                     trans(x.trans), diag(x), x.m, x.n, kOne,
-                                                                     o.a, x.lda, o.b, x.ldb);
-                             }});
-    }
+    const std::vector<Function> functions = {
+        ZOR_CHECKED(cblas_dtrmm, "DTRMM ", layout(a), side(a), uplo(a), trans(a.trans), diag(a), a.m, a.n,
+                    1.0, o.a, a.lda, o.b, a.ldb),
+        ZOR_CHECKED(cblas_ztrmm, "ZTRMM ", layout(a), side(a), uplo(a), trans(a.trans), diag(a), a.m, a.n,
+                    kOne, o.a, a.lda, o.b, a.ldb),
+        ZOR_CHECKED(cblas_dtrsm, "DTRSM ", layout(a), side(a), uplo(a), trans(a.trans), diag(a), a.m, a.n,
+                    1.0, o.a, a.lda, o.b, a.ldb),
+        ZOR_CHECKED(cblas_ztrsm, "ZTRSM ", layout(a), side(a), uplo(a), trans(a.trans), diag(a), a.m, a.n,
+                    kOne, o.a, a.lda, o.b, a.ldb),
+    };
     check_table(functions, Table{
                                {[](Args&) {}, {}},
                                {[](Args& x) { x.side = 143; }, {2}},

@@ -52,6 +52,13 @@ struct Checked {
     std::function<void(const Args&, Operands&)> call;
 };
 
+// An entry of a function list: the CBLAS function `name` and the Fortran-style routine's name, called
+// with arguments written in terms of `a` (the Args) and `o` (the Operands).
+#define ZOR_CHECKED(name, fortran_name, ...)                                   \
+    {                                                                          \
+#name, fortran_name, [](const auto& a, auto& o) { name(__VA_ARGS__); } \
+    }
+
 // Every call prints exactly its reports; a rejected one leaves the operands as they were.
 template <class Args, class Operands>
 void check_table(const std::vector<Checked<Args, Operands>>& functions,
