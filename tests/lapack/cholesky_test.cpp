@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
-#include <string>
 #include <vector>
 
 #include "lapack/cholesky/cholesky.hpp"

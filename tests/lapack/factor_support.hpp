@@ -11,9 +11,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <ostream>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "service/types.hpp"

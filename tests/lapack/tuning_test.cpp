@@ -7,7 +7,6 @@
 #include <cctype>
 #include <climits>
 #include <cstring>
-#include <limits>
 #include <sstream>
 #include <string>
 

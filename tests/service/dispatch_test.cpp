@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "blas/dispatch.hpp"
-#include "support/process.hpp"
 #include "support/variants.hpp"
 
 namespace zor {

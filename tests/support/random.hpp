@@ -3,7 +3,6 @@
 // the unused parts of a strided or padded array poisoned so that a kernel that reads or writes
 // outside its elements is caught.
 
-#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <type_traits>
