@@ -26,9 +26,9 @@ constexpr bool is_upper(char uplo) {
 // ||A - Uᴴ U||₁ or ||A - L Lᴴ||₁ over n ||A||₁ eps, the factor the triangle `uplo` names of f.
 template <class T>
 double cholesky_residual(const Matrix<T>& a, const Wide& f, char uplo) {
-    const Wide factor = triangle_of(f, uplo);
+    const Wide factor = triangle(f, is_upper(uplo), false);
     const Wide product =
-        is_upper(uplo) ? multiply(adjoint(factor), factor) : multiply(factor, adjoint(factor));
+        is_upper(uplo) ? multiply(op(factor, 'C'), factor) : multiply(factor, op(factor, 'C'));
     return static_cast<double>(difference_norm(product, widen_matrix(a)) /
                                (a.rows * one_norm(a) * epsilon()));
 }
@@ -39,7 +39,7 @@ double potri_residual(const Matrix<T>& a, const Wide& f, char uplo) {
     Wide inverse(a.rows, a.rows);
     for (zint j = 0; j < a.rows; ++j) {
         for (zint i = 0; i < a.rows; ++i) {
-            inverse(i, j) = (is_upper(uplo) ? i <= j : i >= j) ? f(i, j) : std::conj(f(j, i));
+            inverse(i, j) = (is_upper(uplo) ? i <= j : i >= j) ? f(i, j) : conj(f(j, i));
         }
     }
     return inverse_residual(widen_matrix(a), inverse);
@@ -144,7 +144,7 @@ void check_potf2_variant(CpuLevel level, bool upper, zint n) {
     Matrix<T> bad = indefinite_at<T>(n, k, 1.0);
     kernel(bad);
     EXPECT_EQ(info, k);
-    EXPECT_EQ(wide(bad(k - 1, k - 1)), Exact(-1));
+    EXPECT_TRUE(value(bad(k - 1, k - 1)).re == -1 && value(bad(k - 1, k - 1)).im == 0);
 }
 
 TEST_P(Potf2Levels, BothPathsFactorAndFailAlike) {
@@ -252,7 +252,7 @@ TEST(Packed, NotPositiveDefiniteOnEveryPath) {
                     dpptrf(uplo, n, ap.data(), info);
                 }
                 EXPECT_EQ(info, k) << n << uplo << starve;
-                EXPECT_EQ(unpack(ap, n, uplo)(k - 1, k - 1), Exact(-1)) << n << uplo << starve;
+                EXPECT_EQ(unpack(ap, n, uplo)(k - 1, k - 1).re, -1) << n << uplo << starve;
             }
         }
     }

@@ -27,7 +27,7 @@ double lu_residual(const Matrix<T>& a, const Matrix<T>& f, const std::vector<zin
     const zint m = a.rows, n = a.cols, k = std::min(m, n);
     Wide l(m, k), u(k, n);
     for (zint j = 0; j < k; ++j) {
-        l(j, j) = 1;
+        l(j, j) = {1, 0};
         for (zint i = j + 1; i < m; ++i) l(i, j) = f.at(i, j);
     }
     for (zint j = 0; j < n; ++j) {
@@ -197,7 +197,7 @@ void check_getri(zint n, zint lwork_kind) {
     ASSERT_EQ(info, 0);
     T query{};
     ZOR_D_OR_Z(T, dgetri, zgetri, n, f.data(), f.ld, nullptr, &query, zint{-1}, info);
-    const zint optimal = static_cast<zint>(wide(query).real());
+    const zint optimal = static_cast<zint>(value(query).re);
     EXPECT_EQ(optimal,
               std::max<zint>(1, n * ilaenv(1, kIsComplex<T> ? "ZGETRI" : "DGETRI", " ", n, -1, -1, -1)));
     const zint lwork = lwork_kind == 0 ? optimal : std::max<zint>(1, n * (lwork_kind == 1 ? 1 : 5));
@@ -257,16 +257,16 @@ double gb_residual(zint m, zint n, zint kl, zint ku, const std::vector<T>& band,
     Wide x(m, n), a(m, n);
     for (zint j = 0; j < n; ++j) {
         for (zint i = std::max<zint>(0, j - ku); i < std::min(m, j + kl + 1); ++i)
-            a(i, j) = wide(band[static_cast<std::size_t>(kv + i - j + j * ldab)]);
+            a(i, j) = value(band[static_cast<std::size_t>(kv + i - j + j * ldab)]);
         for (zint i = std::max<zint>(0, j - kv); i <= std::min(j, m - 1); ++i)
-            x(i, j) = wide(f[static_cast<std::size_t>(kv + i - j + j * ldab)]);
+            x(i, j) = value(f[static_cast<std::size_t>(kv + i - j + j * ldab)]);
     }
     for (zint j = k - 1; j >= 0; --j) {
         const zint below = std::min(kl, m - j - 1);
         for (zint c = 0; c < n; ++c) {
             const Exact top = x(j, c);
             for (zint i = 1; i <= below; ++i)
-                x(j + i, c) += wide(f[static_cast<std::size_t>(kv + i + j * ldab)]) * top;
+                x(j + i, c) = x(j + i, c) + value(f[static_cast<std::size_t>(kv + i + j * ldab)]) * top;
         }
         const zint p = ipiv[static_cast<std::size_t>(j)] - 1;
         EXPECT_GE(p, j);
@@ -324,7 +324,7 @@ void check_gbsv(zint n, zint kl, zint ku, zint nrhs, char trans) {
     Wide a(n, n);
     for (zint j = 0; j < n; ++j) {
         for (zint i = std::max<zint>(0, j - ku); i < std::min(n, j + kl + 1); ++i)
-            a(i, j) = wide(band[static_cast<std::size_t>(kl + ku + i - j + j * ldab)]);
+            a(i, j) = value(band[static_cast<std::size_t>(kl + ku + i - j + j * ldab)]);
     }
     const Matrix<T> b = random_matrix<T>(random, n, nrhs, 1);
     Matrix<T> x = b;
@@ -412,10 +412,10 @@ TEST(Gttrs, EveryOptionAndBlockOfRightHandSidesSolves) {
                 ASSERT_EQ(info, 0);
                 Wide a(n, n);
                 for (zint i = 0; i < n; ++i) {
-                    a(i, i) = t.d[static_cast<std::size_t>(i)];
+                    a(i, i) = {t.d[static_cast<std::size_t>(i)], 0};
                     if (i + 1 < n) {
-                        a(i + 1, i) = t.dl[static_cast<std::size_t>(i)];
-                        a(i, i + 1) = t.du[static_cast<std::size_t>(i)];
+                        a(i + 1, i) = {t.dl[static_cast<std::size_t>(i)], 0};
+                        a(i, i + 1) = {t.du[static_cast<std::size_t>(i)], 0};
                     }
                 }
                 EXPECT_LT(solve_residual(a, trans, x, b), kResidualThreshold)

@@ -26,9 +26,9 @@ Matrix<T> random_triangle(Random& random, zint n, Options o) {
         for (zint i = 0; i < n; ++i) {
             if (i == j) {
                 a(i, j) = o.diag == 'U' ? narrow_to<T>({kPoison, kPoison})
-                                        : narrow_to<T>(Exact(2.0L, 0) + wide(random_element<T>(random)));
+                                        : narrow_to<T>(Exact{2, 0} + value(random_element<T>(random)));
             } else if (upper ? i < j : i > j) {
-                a(i, j) = narrow_to<T>(wide(random_element<T>(random)) / static_cast<long double>(n));
+                a(i, j) = narrow_to<T>(value(random_element<T>(random)) * Exact{1.0L / n, 0});
             }
         }
     }
@@ -36,7 +36,7 @@ Matrix<T> random_triangle(Random& random, zint n, Options o) {
 }
 
 Wide dense_triangle(const Wide& a, Options o) {
-    return triangle_of(a, o.uplo, o.diag == 'U');
+    return triangle(a, o.uplo == 'U', o.diag == 'U');
 }
 
 template <class T>

@@ -28,25 +28,12 @@ class Random {
         const double re = uniform();
         return {re, uniform()};
     }
-    // An integer-valued double in [-range, range]: sums of products of these are exact in any order.
-    double integer(int range) {
-        return static_cast<double>(static_cast<std::int64_t>(next() % (2 * range + 1)) - range);
-    }
 
   private:
     std::uint64_t state_;
 };
 
 inline constexpr double kPoison = std::numeric_limits<double>::quiet_NaN();
-
-// A strided vector of n elements with increment inc (either sign): storage of 1 + (n - 1)|inc|
-// elements (at least one), every storage element poisoned, then the n elements filled.
-inline std::vector<double> random_vector(Random& random, zint n, zint inc) {
-    const zint step = inc < 0 ? -inc : inc;
-    std::vector<double> v(n > 0 ? 1 + (n - 1) * step : 1, kPoison);
-    for (zint i = 0; i < n; ++i) v[i * step] = random.uniform();
-    return v;
-}
 
 // An m x n column-major matrix with leading dimension ld >= m; rows m..ld-1 are poisoned.
 inline std::vector<double> random_matrix(Random& random, zint m, zint n, zint ld) {
