@@ -146,32 +146,12 @@ TEST(CblasLevel2Checks, Triangular) {
 
 // ---- both layouts against the reference -------------------------------------------------------------
 
-const int kTransposes[] = {CblasNoTrans, CblasTrans, CblasConjTrans};
-
-char letter(int transpose) {
-    return transpose == CblasNoTrans ? 'N' : transpose == CblasTrans ? 'T' : 'C';
-}
-
-template <class E>
-E as(Value v) {
-    return scalar<E>(static_cast<double>(v.re), static_cast<double>(v.im));
-}
-
-template <class F>
-void for_both(F check) {
-    check(0.0);
-    check(Complex{});
-}
-
-const Value kAlpha{0.75, -0.5}, kBeta{0.5, 0.25};
-
 TEST(CblasLevel2Results, GemvAndGer) {
     const Index m = 3, n = 4;
     for (const bool row : kLayouts) {
         for_both([&](auto e) {
             using E = decltype(e);
-            constexpr bool complex = kComplex<E>;
-            const Value al = complex ? kAlpha : Value{1.5, 0}, be = complex ? kBeta : Value{-0.5, 0};
+            const Value al = alpha_of<E>(), be = beta_of<E>();
             const E alpha = as<E>(al), beta = as<E>(be);
             for (const int t : kTransposes) {
                 const bool plain = t == CblasNoTrans;
@@ -209,7 +189,7 @@ TEST(CblasLevel2Results, SymmetricAndHermitian) {
             for_both([&](auto e) {
                 using E = decltype(e);
                 constexpr bool herm = kComplex<E>;
-                const Value al = herm ? kAlpha : Value{1.5, 0}, be = herm ? kBeta : Value{-0.5, 0};
+                const Value al = alpha_of<E>(), be = beta_of<E>();
                 const E alpha = as<E>(al), beta = as<E>(be);
                 const auto u = static_cast<CBLAS_UPLO>(uplo);
                 auto triangle = [&](Index i, Index j) { return uplo == CblasUpper ? i <= j : i >= j; };
@@ -253,40 +233,34 @@ TEST(CblasLevel2Results, SymmetricAndHermitian) {
 }
 
 // The product, then solving op(A) z = x by its residual.
-TEST(CblasLevel2Results, TriangularProductAndSolve) {
+class TriangularProductAndSolve : public OptionTest<bool, int, int, int> {};
+
+TEST_P(TriangularProductAndSolve, EveryOption) {
+    const auto [row, uplo, t, diag] = GetParam();
     const Index n = 5;
-    for (const bool row : kLayouts) {
-        for (const int uplo : {CblasUpper, CblasLower}) {
-            for (const int t : kTransposes) {
-                for (const int diag : {CblasNonUnit, CblasUnit}) {
-                    for_both([&](auto e) {
-                        using E = decltype(e);
-                        LayoutMatrix<E> a(row, n, n, 21);
-                        for (Index i = 0; i < n; ++i) a(i, i) = scalar<E>(4.0, 1.0);  // well conditioned
-                        const Dense t_op =
-                            op(triangle(a.dense(), uplo == CblasUpper, diag == CblasUnit), letter(t));
-                        StridedVector<E> x(n, -2, 22);
-                        const Dense before = x.dense();
-                        const auto run = [&](auto real, auto complex) {
-                            ZOR_D_OR_Z(E, real, complex, layout_of(row), CBLAS_UPLO(uplo), CBLAS_TRANSPOSE(t),
-                                       CBLAS_DIAG(diag), n, a.data.data(), a.ld, x.data.data(), x.inc);
-                        };
-                        const std::string what = std::to_string(row) + " " + std::to_string(uplo) + " " +
-                                                 std::to_string(t) + " " + std::to_string(diag);
-                        run(cblas_dtrmv, cblas_ztrmv);
-                        EXPECT_TRUE(
-                            near(x.dense(), combine({1, 0}, t_op, before, {}, nullptr), 64, Everywhere{}))
-                            << "trmv " << what;
-                        const Dense product = x.dense();
-                        run(cblas_dtrsv, cblas_ztrsv);
-                        EXPECT_TRUE(small(combine({1, 0}, t_op, x.dense(), {-1, 0}, &product), 64))
-                            << "trsv " << what;
-                    });
-                }
-            }
-        }
-    }
+    for_both([&](auto e) {
+        using E = decltype(e);
+        LayoutMatrix<E> a(row, n, n, 21);
+        for (Index i = 0; i < n; ++i) a(i, i) = scalar<E>(4.0, 1.0);  // well conditioned
+        const Dense t_op = op(triangle(a.dense(), uplo == CblasUpper, diag == CblasUnit), letter(t));
+        StridedVector<E> x(n, -2, 22);
+        const Dense before = x.dense();
+        const auto run = [&](auto real, auto complex) {
+            ZOR_D_OR_Z(E, real, complex, layout_of(row), CBLAS_UPLO(uplo), CBLAS_TRANSPOSE(t),
+                       CBLAS_DIAG(diag), n, a.data.data(), a.ld, x.data.data(), x.inc);
+        };
+        run(cblas_dtrmv, cblas_ztrmv);
+        EXPECT_TRUE(near(x.dense(), combine({1, 0}, t_op, before, {}, nullptr), 64, Everywhere{})) << "trmv";
+        const Dense product = x.dense();
+        run(cblas_dtrsv, cblas_ztrsv);
+        EXPECT_TRUE(small(combine({1, 0}, t_op, x.dense(), {-1, 0}, &product), 64)) << "trsv";
+    });
 }
+
+INSTANTIATE_TEST_SUITE_P(Layouts, TriangularProductAndSolve,
+                         ::testing::Combine(::testing::Bool(), ::testing::Values(CblasUpper, CblasLower),
+                                            ::testing::ValuesIn(kTransposes),
+                                            ::testing::Values(CblasNonUnit, CblasUnit)));
 
 }  // namespace
 }  // namespace zor::test

@@ -197,210 +197,143 @@ TEST(CblasLevel3Checks, LettersOnlyTheRoutineRejects) {
 
 // ---- results in both layouts ------------------------------------------------------------------------
 
-const int kTransposes[] = {CblasNoTrans, CblasTrans, CblasConjTrans};
-
-char letter(int transpose) {
-    return transpose == CblasNoTrans ? 'N' : transpose == CblasTrans ? 'T' : 'C';
-}
 bool in(int uplo_value, Index i, Index j) {
     return uplo_value == CblasUpper ? i <= j : i >= j;
 }
 
-// The scalars of the real and of the complex calls, as the element type and as the reference's value.
-template <class E>
-E as(Value v) {
-    return scalar<E>(static_cast<double>(v.re), static_cast<double>(v.im));
-}
-template <class E>
-Value alpha_of() {
-    return kComplex<E> ? Value{0.75, -0.5} : Value{1.5, 0};
-}
-template <class E>
-Value beta_of() {
-    return kComplex<E> ? Value{0.5, 0.25} : Value{-0.5, 0};
-}
+class Gemm : public OptionTest<bool, int, int> {};
 
-// Runs `check` with a real and with a complex element.
-template <class F>
-void for_both(F check) {
-    check(0.0);
-    check(Complex{});
-}
-
-TEST(CblasLevel3Results, GemmForEveryPairOfOperations) {
-    for (const bool row : kLayouts) {
-        for (const int ta : kTransposes) {
-            for (const int tb : kTransposes) {
-                for (const auto& [m, n, k] : {std::tuple<Index, Index, Index>{5, 3, 4}, {37, 41, 19}}) {
-                    for_both([&, m = m, n = n, k = k](auto e) {
-                        using E = decltype(e);
-                        const bool plain_a = ta == CblasNoTrans, plain_b = tb == CblasNoTrans;
-                        LayoutMatrix<E> a(row, plain_a ? m : k, plain_a ? k : m, 1),
-                            b(row, plain_b ? k : n, plain_b ? n : k, 2), c(row, m, n, 3);
-                        const std::vector<E> c0 = c.data;
-                        const Dense cd = c.dense();
-                        const Expected want = combine(alpha_of<E>(), op(a.dense(), letter(ta)),
-                                                      op(b.dense(), letter(tb)), beta_of<E>(), &cd);
-                        const E alpha = as<E>(alpha_of<E>()), beta = as<E>(beta_of<E>());
-                        ZOR_D_OR_Z(E, cblas_dgemm, cblas_zgemm, layout_of(row), trans(ta), trans(tb), m, n, k,
-                                   arg(alpha), a.data.data(), a.ld, b.data.data(), b.ld, arg(beta),
-                                   c.data.data(), c.ld);
-                        EXPECT_TRUE(near(c.dense(), want, 8 * (k + 4), Everywhere{}) &&
-                                    c.untouched_except(c0, Everywhere{}))
-                            << "row-major " << row << ", op " << letter(ta) << letter(tb) << ", k " << k;
-                    });
-                }
-            }
-        }
+TEST_P(Gemm, EveryPairOfOperations) {
+    const auto [row, ta, tb] = GetParam();
+    for (const auto& [m, n, k] : {std::tuple<Index, Index, Index>{5, 3, 4}, {37, 41, 19}}) {
+        for_both([&, m = m, n = n, k = k](auto e) {
+            using E = decltype(e);
+            const bool plain_a = ta == CblasNoTrans, plain_b = tb == CblasNoTrans;
+            LayoutMatrix<E> a(row, plain_a ? m : k, plain_a ? k : m, 1),
+                b(row, plain_b ? k : n, plain_b ? n : k, 2), c(row, m, n, 3);
+            const std::vector<E> c0 = c.data;
+            const Dense cd = c.dense();
+            const Expected want = combine(alpha_of<E>(), op(a.dense(), letter(ta)), op(b.dense(), letter(tb)),
+                                          beta_of<E>(), &cd);
+            const E alpha = as<E>(alpha_of<E>()), beta = as<E>(beta_of<E>());
+            ZOR_D_OR_Z(E, cblas_dgemm, cblas_zgemm, layout_of(row), trans(ta), trans(tb), m, n, k, arg(alpha),
+                       a.data.data(), a.ld, b.data.data(), b.ld, arg(beta), c.data.data(), c.ld);
+            EXPECT_TRUE(near(c.dense(), want, 8 * (k + 4), Everywhere{}) &&
+                        c.untouched_except(c0, Everywhere{}))
+                << "k " << k;
+        });
     }
 }
 
-TEST(CblasLevel3Results, SymmetricAndHermitianMultiply) {
-    const Index m = 6, n = 5;
-    for (const bool row : kLayouts) {
-        for (const int s : {CblasLeft, CblasRight}) {
-            for (const int u : {CblasUpper, CblasLower}) {
-                for (const bool herm : {false, true}) {
-                    for_both([&](auto e) {
-                        using E = decltype(e);
-                        if (herm && !kComplex<E>) return;
-                        const Index order = s == CblasLeft ? m : n;
-                        LayoutMatrix<E> a(row, order, order, 1), b(row, m, n, 2), c(row, m, n, 3);
-                        for (Index i = 0; i < order; ++i) {
-                            for (Index j = 0; j < order; ++j) {
-                                if (!in(u, i, j)) a(i, j) = scalar<E>(NAN, NAN);
-                            }
-                        }
-                        const std::vector<E> c0 = c.data;
-                        const Dense sym = symmetric(a.dense(), u == CblasUpper, herm), bd = b.dense(),
-                                    cd = c.dense();
-                        const Expected want = s == CblasLeft
-                                                  ? combine(alpha_of<E>(), sym, bd, beta_of<E>(), &cd)
-                                                  : combine(alpha_of<E>(), bd, sym, beta_of<E>(), &cd);
-                        const E alpha = as<E>(alpha_of<E>()), beta = as<E>(beta_of<E>());
-                        const auto call = [&](auto function) {
-                            function(layout_of(row), CBLAS_SIDE(s), CBLAS_UPLO(u), m, n, arg(alpha),
-                                     a.data.data(), a.ld, b.data.data(), b.ld, arg(beta), c.data.data(),
-                                     c.ld);
-                        };
-                        if constexpr (kComplex<E>) {
-                            call(herm ? cblas_zhemm : cblas_zsymm);
-                        } else {
-                            call(cblas_dsymm);
-                        }
-                        EXPECT_TRUE(near(c.dense(), want, 64, Everywhere{}) &&
-                                    c.untouched_except(c0, Everywhere{}))
-                            << "hermitian " << herm << ", row-major " << row << ", side " << s << ", uplo "
-                            << u;
-                    });
-                }
-            }
+INSTANTIATE_TEST_SUITE_P(Layouts, Gemm,
+                         ::testing::Combine(::testing::Bool(), ::testing::ValuesIn(kTransposes),
+                                            ::testing::ValuesIn(kTransposes)));
+
+class SymmetricMultiply : public OptionTest<bool, int, int, bool> {};
+
+TEST_P(SymmetricMultiply, EitherSideAndTriangle) {
+    const auto [row, s, u, herm] = GetParam();
+    const Index m = 6, n = 5, order = s == CblasLeft ? m : n;
+    for_both([&](auto e) {
+        using E = decltype(e);
+        if (herm && !kComplex<E>) return;
+        LayoutMatrix<E> a(row, order, order, 1), b(row, m, n, 2), c(row, m, n, 3);
+        a.poison_outside([&](Index i, Index j) { return in(u, i, j); });
+        const std::vector<E> c0 = c.data;
+        const Dense sym = symmetric(a.dense(), u == CblasUpper, herm), bd = b.dense(), cd = c.dense();
+        const Expected want = s == CblasLeft ? combine(alpha_of<E>(), sym, bd, beta_of<E>(), &cd)
+                                             : combine(alpha_of<E>(), bd, sym, beta_of<E>(), &cd);
+        const E alpha = as<E>(alpha_of<E>()), beta = as<E>(beta_of<E>());
+        const auto call = [&](auto function) {
+            function(layout_of(row), CBLAS_SIDE(s), CBLAS_UPLO(u), m, n, arg(alpha), a.data.data(), a.ld,
+                     b.data.data(), b.ld, arg(beta), c.data.data(), c.ld);
+        };
+        if constexpr (kComplex<E>) {
+            call(herm ? cblas_zhemm : cblas_zsymm);
+        } else {
+            call(cblas_dsymm);
         }
-    }
+        EXPECT_TRUE(near(c.dense(), want, 64, Everywhere{}) && c.untouched_except(c0, Everywhere{}));
+    });
 }
+
+INSTANTIATE_TEST_SUITE_P(Layouts, SymmetricMultiply,
+                         ::testing::Combine(::testing::Bool(), ::testing::Values(CblasLeft, CblasRight),
+                                            ::testing::Values(CblasUpper, CblasLower), ::testing::Bool()));
 
 // The triangle that uplo names is updated; the other one (NaN) is never written. zsyrk and zsyr2k
-// take no conjugate transposition, zherk and zher2k no transposition.
-TEST(CblasLevel3Results, RankUpdates) {
+// take no conjugate transposition, zherk and zher2k no transposition; herk and her2k take the real
+// parts of the scalars that are real for them.
+class RankUpdates : public OptionTest<bool, int, int, bool, bool> {};
+
+TEST_P(RankUpdates, EitherTriangleAndTransposition) {
+    const auto [row, u, t, herm, two] = GetParam();
     const Index n = 6, k = 5;
-    for (const bool row : kLayouts) {
-        for (const int u : {CblasUpper, CblasLower}) {
-            for (const int t : kTransposes) {
-                for (const bool herm : {false, true}) {
-                    for (const bool two : {false, true}) {
-                        for_both([&](auto e) {
-                            using E = decltype(e);
-                            constexpr bool complex = kComplex<E>;
-                            if ((herm && !complex) ||
-                                (complex && t != CblasNoTrans && (t == CblasConjTrans) != herm))
-                                return;
-                            const bool plain = t == CblasNoTrans;
-                            LayoutMatrix<E> a(row, plain ? n : k, plain ? k : n, 4),
-                                b(row, plain ? n : k, plain ? k : n, 5), c(row, n, n, 6);
-                            auto triangle = [&](Index i, Index j) { return in(u, i, j); };
-                            for (Index i = 0; i < n; ++i) {
-                                for (Index j = 0; j < n; ++j) {
-                                    if (!triangle(i, j)) c(i, j) = scalar<E>(NAN, NAN);
-                                }
-                            }
-                            const std::vector<E> c0 = c.data;
-                            const Expected want = rank_update(herm, two, alpha_of<E>(), beta_of<E>(),
-                                                              a.dense(), b.dense(), letter(t), c.dense());
-                            // herk and her2k take the real parts of the scalars that are real for them.
-                            const E alpha = as<E>(alpha_of<E>()), beta = as<E>(beta_of<E>());
-                            const CBLAS_LAYOUT l = layout_of(row);
-                            const CBLAS_UPLO up = CBLAS_UPLO(u);
-                            E *cc = c.data.data(), *ad = a.data.data(), *bd = b.data.data();
-                            if constexpr (complex) {
-                                if (!herm && !two)
-                                    cblas_zsyrk(l, up, trans(t), n, k, &alpha, ad, a.ld, &beta, cc, c.ld);
-                                if (!herm && two)
-                                    cblas_zsyr2k(l, up, trans(t), n, k, &alpha, ad, a.ld, bd, b.ld, &beta, cc,
-                                                 c.ld);
-                                if (herm && !two)
-                                    cblas_zherk(l, up, trans(t), n, k, alpha.re, ad, a.ld, beta.re, cc, c.ld);
-                                if (herm && two)
-                                    cblas_zher2k(l, up, trans(t), n, k, &alpha, ad, a.ld, bd, b.ld, beta.re,
-                                                 cc, c.ld);
-                            } else if (two) {
-                                cblas_dsyr2k(l, up, trans(t), n, k, alpha, ad, a.ld, bd, b.ld, beta, cc,
-                                             c.ld);
-                            } else {
-                                cblas_dsyrk(l, up, trans(t), n, k, alpha, ad, a.ld, beta, cc, c.ld);
-                            }
-                            EXPECT_TRUE(near(c.dense(), want, 64, triangle) &&
-                                        c.untouched_except(c0, triangle))
-                                << "hermitian " << herm << ", two " << two << ", row-major " << row
-                                << ", uplo " << u << ", trans " << t;
-                        });
-                    }
-                }
-            }
+    for_both([&](auto e) {
+        using E = decltype(e);
+        constexpr bool complex = kComplex<E>;
+        if ((herm && !complex) || (complex && t != CblasNoTrans && (t == CblasConjTrans) != herm)) return;
+        const bool plain = t == CblasNoTrans;
+        LayoutMatrix<E> a(row, plain ? n : k, plain ? k : n, 4), b(row, plain ? n : k, plain ? k : n, 5),
+            c(row, n, n, 6);
+        auto triangle = [&](Index i, Index j) { return in(u, i, j); };
+        c.poison_outside(triangle);
+        const std::vector<E> c0 = c.data;
+        const Expected want =
+            rank_update(herm, two, alpha_of<E>(), beta_of<E>(), a.dense(), b.dense(), letter(t), c.dense());
+        const E alpha = as<E>(alpha_of<E>()), beta = as<E>(beta_of<E>());
+        const CBLAS_LAYOUT l = layout_of(row);
+        const CBLAS_UPLO up = CBLAS_UPLO(u);
+        E *cc = c.data.data(), *ad = a.data.data(), *bd = b.data.data();
+        if constexpr (complex) {
+            if (!herm && !two) cblas_zsyrk(l, up, trans(t), n, k, &alpha, ad, a.ld, &beta, cc, c.ld);
+            if (!herm && two)
+                cblas_zsyr2k(l, up, trans(t), n, k, &alpha, ad, a.ld, bd, b.ld, &beta, cc, c.ld);
+            if (herm && !two) cblas_zherk(l, up, trans(t), n, k, alpha.re, ad, a.ld, beta.re, cc, c.ld);
+            if (herm && two)
+                cblas_zher2k(l, up, trans(t), n, k, &alpha, ad, a.ld, bd, b.ld, beta.re, cc, c.ld);
+        } else if (two) {
+            cblas_dsyr2k(l, up, trans(t), n, k, alpha, ad, a.ld, bd, b.ld, beta, cc, c.ld);
+        } else {
+            cblas_dsyrk(l, up, trans(t), n, k, alpha, ad, a.ld, beta, cc, c.ld);
         }
-    }
+        EXPECT_TRUE(near(c.dense(), want, 64, triangle) && c.untouched_except(c0, triangle));
+    });
 }
 
+INSTANTIATE_TEST_SUITE_P(Layouts, RankUpdates,
+                         ::testing::Combine(::testing::Bool(), ::testing::Values(CblasUpper, CblasLower),
+                                            ::testing::ValuesIn(kTransposes), ::testing::Bool(),
+                                            ::testing::Bool()));
+
 // trmm against the product; trsm by its residual: op(A) X (or X op(A)) within rounding of alpha B.
-TEST(CblasLevel3Results, TriangularMultiplyAndSolve) {
-    const Index m = 7, n = 6;
-    for (const bool row : kLayouts) {
-        for (const int s : {CblasLeft, CblasRight}) {
-            for (const int u : {CblasUpper, CblasLower}) {
-                for (const int t : kTransposes) {
-                    for (const int d : {CblasNonUnit, CblasUnit}) {
-                        for (const bool solve : {false, true}) {
-                            for_both([&](auto e) {
-                                using E = decltype(e);
-                                const Index order = s == CblasLeft ? m : n;
-                                LayoutMatrix<E> a(row, order, order, 7), b(row, m, n, 8);
-                                for (Index i = 0; i < order; ++i) {
-                                    for (Index j = 0; j < order; ++j) {
-                                        if (i == j) a(i, j) = scalar<E>(4.0, 1.0);
-                                        if (!in(u, i, j) || (i == j && d == CblasUnit))
-                                            a(i, j) = scalar<E>(NAN, NAN);
-                                    }
-                                }
-                                const std::vector<E> b0 = b.data;
-                                const Dense op_a = op(triangle(a.dense(), u == CblasUpper, d == CblasUnit),
-                                                      letter(t)),
-                                            before = b.dense();
-                                const E alpha = as<E>(alpha_of<E>());
-                                ZOR_D_OR_Z(E, (solve ? cblas_dtrsm : cblas_dtrmm),
-                                           (solve ? cblas_ztrsm : cblas_ztrmm), layout_of(row), CBLAS_SIDE(s),
-                                           CBLAS_UPLO(u), trans(t), CBLAS_DIAG(d), m, n, arg(alpha),
-                                           a.data.data(), a.ld, b.data.data(), b.ld);
-                                EXPECT_TRUE(triangular_result(solve, s == CblasLeft, alpha_of<E>(), op_a,
-                                                              before, b.dense(), 64) &&
-                                            b.untouched_except(b0, Everywhere{}))
-                                    << "solve " << solve << ", row-major " << row << ", " << s << u << t << d;
-                            });
-                        }
-                    }
-                }
-            }
-        }
-    }
+class TriangularMultiplyAndSolve : public OptionTest<bool, int, int, int, int, bool> {};
+
+TEST_P(TriangularMultiplyAndSolve, EveryOption) {
+    const auto [row, s, u, t, d, solve] = GetParam();
+    const Index m = 7, n = 6, order = s == CblasLeft ? m : n;
+    for_both([&](auto e) {
+        using E = decltype(e);
+        LayoutMatrix<E> a(row, order, order, 7), b(row, m, n, 8);
+        for (Index i = 0; i < order; ++i) a(i, i) = scalar<E>(4.0, 1.0);
+        a.poison_outside([&](Index i, Index j) { return in(u, i, j) && !(i == j && d == CblasUnit); });
+        const std::vector<E> b0 = b.data;
+        const Dense op_a = op(triangle(a.dense(), u == CblasUpper, d == CblasUnit), letter(t)),
+                    before = b.dense();
+        const E alpha = as<E>(alpha_of<E>());
+        ZOR_D_OR_Z(E, (solve ? cblas_dtrsm : cblas_dtrmm), (solve ? cblas_ztrsm : cblas_ztrmm),
+                   layout_of(row), CBLAS_SIDE(s), CBLAS_UPLO(u), trans(t), CBLAS_DIAG(d), m, n, arg(alpha),
+                   a.data.data(), a.ld, b.data.data(), b.ld);
+        EXPECT_TRUE(triangular_result(solve, s == CblasLeft, alpha_of<E>(), op_a, before, b.dense(), 64) &&
+                    b.untouched_except(b0, Everywhere{}));
+    });
 }
+
+INSTANTIATE_TEST_SUITE_P(Layouts, TriangularMultiplyAndSolve,
+                         ::testing::Combine(::testing::Bool(), ::testing::Values(CblasLeft, CblasRight),
+                                            ::testing::Values(CblasUpper, CblasLower),
+                                            ::testing::ValuesIn(kTransposes),
+                                            ::testing::Values(CblasNonUnit, CblasUnit), ::testing::Bool()));
 
 }  // namespace
 }  // namespace zor::test

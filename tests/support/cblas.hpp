@@ -8,6 +8,7 @@
 #include <functional>
 #include <limits>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "support/level3_reference.hpp"
@@ -107,6 +108,16 @@ struct LayoutMatrix {
     E& operator()(Index i, Index j) {
         return data[static_cast<std::size_t>(row_major ? i * ld + j : i + j * ld)];
     }
+    // NaN wherever `keep` does not select: elements a call must not read.
+    template <class Selected>
+    void poison_outside(Selected keep) {
+        const double nan = std::numeric_limits<double>::quiet_NaN();
+        for (Index i = 0; i < rows; ++i) {
+            for (Index j = 0; j < cols; ++j) {
+                if (!keep(i, j)) (*this)(i, j) = scalar<E>(nan, nan);
+            }
+        }
+    }
     // The column-major copy the reference reads.
     Dense dense() const {
         const Dense stored = load(data.data(), row_major ? cols : rows, row_major ? rows : cols, ld);
@@ -144,6 +155,37 @@ struct StridedVector {
 };
 
 inline const bool kLayouts[] = {false, true};  // column-major, row-major
+
+inline const int kTransposes[] = {CblasNoTrans, CblasTrans, CblasConjTrans};
+
+inline char letter(int transpose) {
+    return transpose == CblasNoTrans ? 'N' : transpose == CblasTrans ? 'T' : 'C';
+}
+
+// The scalars of the real and of the complex calls, as the reference's values and as the elements.
+template <class E>
+Value alpha_of() {
+    return kComplex<E> ? Value{0.75, -0.5} : Value{1.5, 0};
+}
+template <class E>
+Value beta_of() {
+    return kComplex<E> ? Value{0.5, 0.25} : Value{-0.5, 0};
+}
+template <class E>
+E as(Value v) {
+    return scalar<E>(static_cast<double>(v.re), static_cast<double>(v.im));
+}
+
+// Runs `check` with a real and with a complex element.
+template <class F>
+void for_both(F check) {
+    check(0.0);
+    check(Complex{});
+}
+
+// A test over combinations of options (GoogleTest's Combine).
+template <class... Options>
+using OptionTest = ::testing::TestWithParam<std::tuple<Options...>>;
 
 inline CBLAS_LAYOUT layout_of(bool row_major) {
     return row_major ? CblasRowMajor : CblasColMajor;
