@@ -339,14 +339,8 @@ TEST_P(Level3Path, RankUpdatesForEveryOptionAndShape) {
     ZOR_SKIP_UNLESS_PATH_RUNS(GetParam().level, GetParam().extensions);
     std::uint64_t seed = 2000;
     for (const Shape& s : kUpdateShapes) {
-        for (const auto& [uplo, trans] : {std::pair{'U', 'N'},
-                                          {'U', 'T'},
-                                          {'U', 'C'},
-                                          {'L', 'N'},
-                                          {'L', 'T'},
-                                          {'L', 'C'},
-                                          {'l', 't'},
-                                          {'u', 'c'}}) {
+        for (const char* options : {"UN", "UT", "UC", "LN", "LT", "LC", "lt", "uc"}) {
+            const char uplo = options[0], trans = options[1];
             ++seed;
             const double beta = seed % 3 == 0 ? 1.0 : 0.5;
             for (Update u : {Update::Syrk, Update::Syr2k}) {

@@ -6,6 +6,7 @@
 #include <bit>
 #include <cstring>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "service/cpu.hpp"
@@ -70,9 +71,9 @@ TEST_P(DomainThreads, ParsesPairsUpToTheFirstMalformedOne) {
     const DomainCase& c = GetParam();
     std::int32_t counts[kDomainCount] = {-1, -1, -1};
     EXPECT_EQ(parse_domain_threads(env(c.text), counts), c.well_formed) << c.text;
-    EXPECT_EQ(counts[kDomainAll], c.all) << c.text;
-    EXPECT_EQ(counts[kDomainBlas], c.blas) << c.text;
-    EXPECT_EQ(counts[kDomainLapack], c.lapack) << c.text;
+    EXPECT_EQ(std::tie(counts[kDomainAll], counts[kDomainBlas], counts[kDomainLapack]),
+              std::tie(c.all, c.blas, c.lapack))
+        << c.text;
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, DomainThreads,
@@ -92,14 +93,11 @@ TEST(ThreadSettings, RequestedCountComesFromTheFirstVariableThatGivesOne) {
     EXPECT_EQ(decide_thread_settings(env("0"), env("ZOR_BLAS=2"), kUnset, env("8")).requested_threads, 8);
     EXPECT_EQ(decide_thread_settings(kUnset, kUnset, kUnset, env("x")).requested_threads, 1);
     const ThreadSettings none = decide_thread_settings(kUnset, kUnset, kUnset, kUnset);
-    EXPECT_EQ(none.requested_threads, -1);
-    EXPECT_EQ(none.omp_threads, -1);
-    EXPECT_EQ(none.dynamic, 1);
+    EXPECT_EQ(std::tie(none.requested_threads, none.omp_threads, none.dynamic), std::make_tuple(-1, -1, 1));
     const ThreadSettings all = decide_thread_settings(env("3"), env("ZOR_LAPACK=5"), env("false"), env("7"));
-    EXPECT_EQ(all.requested_threads, 3);
-    EXPECT_EQ(all.domain_threads[kDomainLapack], 5);
-    EXPECT_EQ(all.dynamic, 0);
-    EXPECT_EQ(all.omp_threads, 7);
+    EXPECT_EQ(
+        std::tie(all.requested_threads, all.domain_threads[kDomainLapack], all.dynamic, all.omp_threads),
+        std::make_tuple(3, 5, 0, 7));
 }
 
 TEST(Topology, MaskWidth) {
@@ -134,11 +132,10 @@ TEST_P(TopologyCount, CountsDistinctCoresAndPackages) {
     const TopologyCase& c = GetParam();
     Topology t;
     ASSERT_TRUE(count_topology(c.apic_ids.data(), static_cast<int>(c.apic_ids.size()), c.layout, &t));
-    EXPECT_EQ(t.logical, c.expected.logical) << c.label;
-    EXPECT_EQ(t.cores, c.expected.cores) << c.label;
-    EXPECT_EQ(t.packages, c.expected.packages) << c.label;
-    EXPECT_EQ(t.cores_per_package, c.expected.cores_per_package) << c.label;
-    EXPECT_EQ(t.shared_cores, c.expected.shared_cores) << c.label;
+    const Topology& e = c.expected;
+    EXPECT_EQ(std::tie(t.logical, t.cores, t.packages, t.cores_per_package, t.shared_cores),
+              std::tie(e.logical, e.cores, e.packages, e.cores_per_package, e.shared_cores))
+        << c.label;
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -192,28 +189,17 @@ const TopologyProbe kFakeProbe{
     [] { return static_cast<std::uint32_t>(2 * std::countr_zero(g_fake.current)); },
 };
 
+// Each processor of the system mask is pinned to in turn, the highest too, and the process mask is
+// restored; processors that refuse pinning are not counted.
 TEST(TopologyMeasurement, PinsEachProcessorOfTheSystemMaskAndRestoresTheProcessMask) {
-    g_fake = {};
-    g_fake.process_mask = g_fake.system_mask = 0b1011;
-    Topology t;
-    ASSERT_TRUE(measure_topology(kFakeProbe, {1, 1}, &t));
-    EXPECT_EQ(g_fake.pins, (std::vector<std::uint64_t>{0b1, 0b10, 0b1000, 0b1011}));
-    EXPECT_EQ(g_fake.yields, 4);
-    EXPECT_EQ(t.logical, 3);
-    EXPECT_EQ(t.cores, 3);
-    EXPECT_EQ(t.cores_per_package, 1);
-}
-
-// Processors that refuse pinning are not counted; the highest one is reached.
-TEST(TopologyMeasurement, RefusedProcessorsAreLeftOutAndTheHighestIsReached) {
     g_fake = {};
     g_fake.process_mask = g_fake.system_mask = (std::uint64_t{1} << 63) | 0b1111;
     g_fake.refused = 0b0100;
     Topology t;
     ASSERT_TRUE(measure_topology(kFakeProbe, {1, 1}, &t));
-    EXPECT_EQ(t.logical, 4);
     EXPECT_EQ(g_fake.pins,
               (std::vector<std::uint64_t>{1, 2, 4, 8, std::uint64_t{1} << 63, g_fake.system_mask}));
+    EXPECT_EQ(std::tie(t.logical, t.cores, t.cores_per_package), std::make_tuple(4, 4, 1));
 }
 
 TEST(TopologyMeasurement, GivesUpWithoutPinningWhenTheMasksDiffer) {
