@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <cstring>
-#include <thread>
 
 #include "zor/zor.h"
 
@@ -48,21 +47,5 @@ INSTANTIATE_TEST_SUITE_P(Alignments, ZorMalloc,
                          [](const ::testing::TestParamInfo<MallocCase>& info) {
                              return "alignment" + std::to_string(info.param.alignment);
                          });
-
-TEST(ZorMalloc, ZeroBytesAndNullAreNoOps) {
-    EXPECT_EQ(ZOR_malloc(0, 64), nullptr);
-    ZOR_free(nullptr);
-    EXPECT_EQ(ZOR_malloc(SIZE_MAX, 64), nullptr);
-}
-
-TEST(ZorFreeBuffers, CanBeCalledAnyTimeFromAnyThread) {
-    ZOR_Free_Buffers();
-    ZOR_Thread_Free_Buffers();
-    std::thread([] {
-        ZOR_Thread_Free_Buffers();
-        ZOR_Free_Buffers();
-    }).join();
-    ZOR_Free_Buffers();
-}
 
 }  // namespace

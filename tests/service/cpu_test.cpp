@@ -154,12 +154,6 @@ TEST(AvxExtensions, NeedUsableAvxAndTheirOwnStateBits) {
     EXPECT_EQ(decide_avx_extensions(kAvx | kEcxFma, all7, 0xE2), 0u);
 }
 
-TEST(AvxExtensions, CachedAnswerMatchesTheProcessor) {
-    const ProcessorFacts facts = read_processor_facts();
-    const std::uint32_t leaf7 = facts.max_leaf >= 7 ? cpuid(7, 0).ebx : 0;
-    EXPECT_EQ(detect_avx_extensions(), decide_avx_extensions(facts.leaf1_ecx, leaf7, facts.xcr0));
-}
-
 CpuidResult cache_leaf(std::uint32_t type, std::uint32_t level, std::uint32_t ways, std::uint32_t partitions,
                        std::uint32_t line, std::uint32_t sets) {
     return {type | (level << 5), ((ways - 1) << 22) | ((partitions - 1) << 12) | (line - 1), sets - 1, 0};

@@ -52,20 +52,6 @@ INSTANTIATE_TEST_SUITE_P(
         // A name holding '%' is printed as it is, not formatted again.
         XerblaCase{"A%sB%n", 6, 4, "\nZOR ERROR: Parameter 4 was incorrect on entry to A%sB%n\n"}));
 
-TEST(Xerbla, ReadsInfoAsA32BitValue) {
-    // The BLAS checks pass the address of a 64-bit info; its low half is the value.
-    const std::int64_t info = (std::int64_t{5} << 32) | 9;
-    CaptureStdout();
-    xerbla("DSYMV ", &info, 6);
-    EXPECT_EQ(GetCapturedStdout(), "\nZOR ERROR: Parameter 9 was incorrect on entry to DSYMV \n");
-}
-
-TEST(CblasXerbla, PrintsAnEmptyLineThenTheParameter) {
-    CaptureStdout();
-    cblas_xerbla("cblas_dgemm", 9);
-    EXPECT_EQ(GetCapturedStdout(), "\nZOR ERROR: Parameter 9 was incorrect on entry to cblas_dgemm\n");
-}
-
 TEST(SameConversions, ComparesTheConversionSequence) {
     EXPECT_TRUE(same_conversions("a %d b %s", "%d then %s"));
     EXPECT_TRUE(same_conversions("%d", "value %5d"));
