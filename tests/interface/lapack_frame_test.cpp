@@ -130,59 +130,48 @@ TEST(LapackFrame, CopiesGoBackToTheCache) {
 // Allocation failures and handler slots are per process: each case runs in a child.
 
 TEST(LapackFrameFailure, NoMemoryForACopyReports1089AndStoresMinus1023) {
-    const std::filesystem::path out = test::fresh_directory("frame-no-memory") / "stdout.txt";
-    EXPECT_EXIT(
-        {
-            test::redirect_stdout(out);
-            AllocatorScope allocator;
-            AllocatorScope::fail_next(2);  // the thread's record, then the plain path
-            FakeRoutine routine;
-            std::vector<zor_int> a = caller_array(3);
-            const zor_int n = 3;
-            zor_int info = 99;
-            fake_export(routine, &n, a.data(), Transfer::InOut, &info);
-            if (routine.ran || info != -1023 || a != caller_array(3)) std::exit(1);
-            // The failure is reported before the handlers are registered.
-            if (error_handler() != nullptr || progress_handler() != nullptr) std::exit(2);
-            std::exit(0);
-        },
-        ::testing::ExitedWithCode(0), "");
-    EXPECT_EQ(test::read_file(out), "\nZOR INTERNAL ERROR: Not enough work memory in function DFAKE\n");
+    const std::string out = test::child_output(test::fresh_directory("frame-no-memory"), [] {
+        AllocatorScope allocator;
+        AllocatorScope::fail_next(2);  // the thread's record, then the plain path
+        FakeRoutine routine;
+        std::vector<zor_int> a = caller_array(3);
+        const zor_int n = 3;
+        zor_int info = 99;
+        fake_export(routine, &n, a.data(), Transfer::InOut, &info);
+        if (routine.ran || info != -1023 || a != caller_array(3)) std::exit(1);
+        // The failure is reported before the handlers are registered.
+        if (error_handler() != nullptr || progress_handler() != nullptr) std::exit(2);
+        std::exit(0);
+    });
+    EXPECT_EQ(out, "\nZOR INTERNAL ERROR: Not enough work memory in function DFAKE\n");
 }
 
 TEST(LapackFrameFailure, ACopyTooLargeToAddressFailsTheSameWay) {
-    const std::filesystem::path out = test::fresh_directory("frame-too-large") / "stdout.txt";
-    EXPECT_EXIT(
-        {
-            test::redirect_stdout(out);
-            zor_int info = 99;
-            LapackCall call("ZGESDD", &info);
-            zor_int dummy = 0;
-            if (call.array(&dummy, INT64_MAX, Transfer::None, 0) != nullptr) std::exit(1);
-            if (call.start()) std::exit(2);
-            std::exit(info == -1023 ? 0 : 3);
-        },
-        ::testing::ExitedWithCode(0), "");
-    EXPECT_EQ(test::read_file(out), "\nZOR INTERNAL ERROR: Not enough work memory in function ZGESDD\n");
+    const std::string out = test::child_output(test::fresh_directory("frame-too-large"), [] {
+        zor_int info = 99;
+        LapackCall call("ZGESDD", &info);
+        zor_int dummy = 0;
+        if (call.array(&dummy, INT64_MAX, Transfer::None, 0) != nullptr) std::exit(1);
+        if (call.start()) std::exit(2);
+        std::exit(info == -1023 ? 0 : 3);
+    });
+    EXPECT_EQ(out, "\nZOR INTERNAL ERROR: Not enough work memory in function ZGESDD\n");
 }
 
 TEST(LapackFrameFailure, AFailedSecondCopyReleasesTheFirst) {
-    EXPECT_EXIT(
+    test::child_output(test::fresh_directory("frame-second"), [] {
+        free_all_buffers();
         {
-            free_all_buffers();
-            test::redirect_stdout(test::fresh_directory("frame-second") / "stdout.txt");
-            {
-                zor_int info = 0;
-                LapackCall call("DGGSVD", &info);
-                zor_int first[4] = {};
-                zor_int second[4] = {};
-                if (call.array(first, 4, Transfer::In, 4) == nullptr) std::exit(1);
-                if (call.array(second, INT64_MAX / 2, Transfer::Out, 4) != nullptr) std::exit(2);
-                if (call.start()) std::exit(3);
-            }
-            std::exit(memory_manager_state().blocks_in_use);
-        },
-        ::testing::ExitedWithCode(0), "");
+            zor_int info = 0;
+            LapackCall call("DGGSVD", &info);
+            zor_int first[4] = {};
+            zor_int second[4] = {};
+            if (call.array(first, 4, Transfer::In, 4) == nullptr) std::exit(1);
+            if (call.array(second, INT64_MAX / 2, Transfer::Out, 4) != nullptr) std::exit(2);
+            if (call.start()) std::exit(3);
+        }
+        std::exit(memory_manager_state().blocks_in_use);
+    });
 }
 
 std::string g_reported;

@@ -78,16 +78,12 @@ TEST(MessageOverflow, LongestMessageIsPrinted) {
 }
 
 TEST(MessageOverflow, OneCharacterMoreEndsTheProcess) {
-    const std::filesystem::path out = test::fresh_directory("overflow") / "stdout.txt";
     const std::string name = routine_name_for_length(kMessageMaxLength + 1);
-    EXPECT_EXIT(
-        {
-            test::redirect_stdout(out);
-            print_message(0, kMsgNoWorkMemory, 1, name.c_str());
-            std::exit(0);
-        },
-        ::testing::ExitedWithCode(8), "");
-    EXPECT_EQ(test::read_file(out),
+    const auto overflow = [&] {
+        print_message(0, kMsgNoWorkMemory, 1, name.c_str());
+        std::exit(0);
+    };
+    EXPECT_EQ(test::child_output(test::fresh_directory("overflow"), overflow, 8),
               "\nZOR INTERNAL ERROR: message buffer overflow."
               "\n       Message N 8   Lenght: 513   Buffer size: 512\n");
 }
@@ -123,15 +119,12 @@ class MessageCatalog : public ::testing::Test {
 
 TEST_F(MessageCatalog, CatalogTextsReplaceBuiltInOnes) {
     const std::filesystem::path dir = directory_with_catalog("catalog");
-    EXPECT_EXIT(
-        {
-            std::filesystem::current_path(dir);
-            test::redirect_stdout(dir / "stdout.txt");
-            print_three_messages();
-            std::exit(message_catalog_in_use() ? 0 : 1);
-        },
-        ::testing::ExitedWithCode(0), "");
-    EXPECT_EQ(test::read_file(dir / "stdout.txt"),
+    EXPECT_EQ(test::child_output(dir,
+                                 [&] {
+                                     std::filesystem::current_path(dir);
+                                     print_three_messages();
+                                     std::exit(message_catalog_in_use() ? 0 : 1);
+                                 }),
               // from the catalog
               "\nCATALOG: parameter 3 is wrong in a call of DGEMM \n"
               // the catalog's text formats other arguments: the built-in one stays
@@ -143,18 +136,15 @@ TEST_F(MessageCatalog, CatalogTextsReplaceBuiltInOnes) {
 
 TEST_F(MessageCatalog, WithoutCatalogBuiltInTextsStayForTheProcess) {
     const std::filesystem::path dir = test::fresh_directory("no-catalog");
-    EXPECT_EXIT(
-        {
-            std::filesystem::current_path(dir);
-            test::redirect_stdout(dir / "stdout.txt");
-            cblas_xerbla("cblas_dgemv", 7);
-            // A catalog that appears later is never loaded.
-            install_catalog(dir);
-            cblas_xerbla("cblas_dgemv", 4);
-            std::exit(message_catalog_in_use() ? 1 : 0);
-        },
-        ::testing::ExitedWithCode(0), "");
-    EXPECT_EQ(test::read_file(dir / "stdout.txt"),
+    EXPECT_EQ(test::child_output(dir,
+                                 [&] {
+                                     std::filesystem::current_path(dir);
+                                     cblas_xerbla("cblas_dgemv", 7);
+                                     // A catalog that appears later is never loaded.
+                                     install_catalog(dir);
+                                     cblas_xerbla("cblas_dgemv", 4);
+                                     std::exit(message_catalog_in_use() ? 1 : 0);
+                                 }),
               "\nZOR ERROR: Parameter 7 was incorrect on entry to cblas_dgemv\n"
               "\nZOR ERROR: Parameter 4 was incorrect on entry to cblas_dgemv\n");
 }
@@ -189,15 +179,14 @@ TEST(HandlerSlots, FirstErrorHandlerRegistrationWins) {
 }
 
 TEST(HandlerSlots, AllocationFailureWithDefaultsPrintsMessage1089) {
-    const std::filesystem::path out = test::fresh_directory("alloc-failure") / "stdout.txt";
-    EXPECT_EXIT(
-        {
-            test::redirect_stdout(out);
+    const std::string out = test::child_output(
+        test::fresh_directory("alloc-failure"),
+        [] {
             register_default_handlers();
             std::exit(check_allocation(nullptr, "ZGETRI"));
         },
-        ::testing::ExitedWithCode(1), "");
-    EXPECT_EQ(test::read_file(out), "\nZOR INTERNAL ERROR: Not enough work memory in function ZGETRI\n");
+        1);
+    EXPECT_EQ(out, "\nZOR INTERNAL ERROR: Not enough work memory in function ZGETRI\n");
 }
 
 int stop_at_step(const std::int32_t* thread, const std::int32_t* step, const char* stage, int stage_length) {
