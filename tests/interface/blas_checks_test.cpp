@@ -21,7 +21,7 @@ using namespace fortran;
 // The cases of one shape (a valid call's arguments, changed) for each routine of that shape.
 template <class Shape, class Check>
 void add(std::vector<ArgumentCase>& cases, std::initializer_list<std::pair<const char*, Check>> routines,
-         std::initializer_list<std::pair<Shape, zint>> table) {
+         const std::vector<std::pair<Shape, zint>>& table) {
     for (const auto& [name, check] : routines) {
         for (const auto& [shape, expected] : table) {
             cases.push_back(
@@ -42,17 +42,41 @@ struct Symm {
     auto arguments() const { return std::tie(side, uplo, m, n, lda, ldb, ldc); }
 };
 
-struct RankK {
-    char uplo = 'U', trans = 'N';
-    zint n = 4, k = 3, lda = 4, ldc = 4;
-    auto arguments() const { return std::tie(uplo, trans, n, k, lda, ldc); }
-};
-
-struct Rank2K {
+// SYRK and HERK; with Two, SYR2K and HER2K (B's leading dimension too).
+template <bool Two>
+struct RankUpdate {
     char uplo = 'U', trans = 'N';
     zint n = 4, k = 3, lda = 4, ldb = 4, ldc = 4;
-    auto arguments() const { return std::tie(uplo, trans, n, k, lda, ldb, ldc); }
+    auto arguments() const {
+        if constexpr (Two) {
+            return std::tie(uplo, trans, n, k, lda, ldb, ldc);
+        } else {
+            return std::tie(uplo, trans, n, k, lda, ldc);
+        }
+    }
 };
+
+// The rank updates differ in the transpose letter they take besides "N": "T" and "C" (real), "T"
+// (complex symmetric), "C" (Hermitian); `refused` is the other one.
+template <bool Two, class Check>
+void add_rank_updates(std::vector<ArgumentCase>& cases,
+                      std::initializer_list<std::tuple<const char*, Check, char, char>> routines) {
+    for (const auto& [name, check, accepted, refused] : routines) {
+        std::vector<std::pair<RankUpdate<Two>, zint>> table = {
+            {{}, 0},
+            {{.uplo = 'l', .trans = 'n'}, 0},
+            {{.trans = accepted, .lda = 3, .ldb = 3}, 0},
+            {{.uplo = '?', .n = -1}, 1},
+            {{.trans = refused == '\0' ? 'Y' : refused}, 2},
+            {{.n = -1}, 3},
+            {{.k = -1, .lda = 0}, 4},
+            {{.lda = 3}, 7},
+            {{.trans = accepted, .lda = 2, .ldb = 2}, 7},
+            {{.ldc = 3}, Two ? 12 : 10}};
+        if (Two) table.insert(table.end(), {{{.ldb = 3}, 9}, {{.trans = accepted, .lda = 3, .ldb = 2}, 9}});
+        add<RankUpdate<Two>, Check>(cases, {{name, check}}, table);
+    }
+}
 
 struct Trmm {
     char side = 'L', uplo = 'U', transa = 'N', diag = 'N';
@@ -97,8 +121,6 @@ struct Trmv {
 
 using GemmCheck = decltype(&check_dgemm);
 using SymmCheck = decltype(&check_dsymm);
-using RankKCheck = decltype(&check_dsyrk);
-using Rank2KCheck = decltype(&check_dsyr2k);
 using TrmmCheck = decltype(&check_dtrmm);
 using GemvCheck = decltype(&check_dgemv);
 using GerCheck = decltype(&check_dger);
@@ -136,38 +158,12 @@ std::vector<ArgumentCase> all_cases() {
                           {{.side = 'R', .lda = 2}, 7},
                           {{.ldb = 3}, 9},
                           {{.ldc = 3}, 12}});
-    // The rank updates differ in the transpose letter they take besides "N": "T" and "C" (real),
-    // "T" (complex symmetric), "C" (Hermitian); `refused` is the other one.
-    for (const auto& [name, check, accepted, refused] : {std::tuple{"DSYRK ", &check_dsyrk, 'C', '\0'},
-                                                         {"ZSYRK ", &check_zsyrk, 'T', 'C'},
-                                                         {"ZHERK ", &check_zherk, 'C', 'T'}}) {
-        add<RankK, RankKCheck>(cases, {{name, check}},
-                               {{{}, 0},
-                                {{.uplo = 'l', .trans = 'n'}, 0},
-                                {{.trans = accepted, .lda = 3}, 0},
-                                {{.uplo = '?', .n = -1}, 1},
-                                {{.trans = refused == '\0' ? 'Y' : refused}, 2},
-                                {{.n = -1}, 3},
-                                {{.k = -1, .lda = 0}, 4},
-                                {{.lda = 3}, 7},
-                                {{.trans = accepted, .lda = 2}, 7},
-                                {{.ldc = 3}, 10}});
-    }
-    for (const auto& [name, check, accepted, refused] : {std::tuple{"DSYR2K", &check_dsyr2k, 'T', '\0'},
-                                                         {"ZSYR2K", &check_zsyr2k, 'T', 'C'},
-                                                         {"ZHER2K", &check_zher2k, 'C', 'T'}}) {
-        add<Rank2K, Rank2KCheck>(cases, {{name, check}},
-                                 {{{}, 0},
-                                  {{.trans = accepted, .lda = 3, .ldb = 3}, 0},
-                                  {{.uplo = '?', .n = -1}, 1},
-                                  {{.trans = refused == '\0' ? 'Y' : refused}, 2},
-                                  {{.n = -1}, 3},
-                                  {{.k = -1, .lda = 0}, 4},
-                                  {{.lda = 3}, 7},
-                                  {{.ldb = 3}, 9},
-                                  {{.trans = accepted, .lda = 3, .ldb = 2}, 9},
-                                  {{.ldc = 3}, 12}});
-    }
+    add_rank_updates<false, decltype(&check_dsyrk)>(cases, {{"DSYRK ", &check_dsyrk, 'C', '\0'},
+                                                            {"ZSYRK ", &check_zsyrk, 'T', 'C'},
+                                                            {"ZHERK ", &check_zherk, 'C', 'T'}});
+    add_rank_updates<true, decltype(&check_dsyr2k)>(cases, {{"DSYR2K", &check_dsyr2k, 'T', '\0'},
+                                                            {"ZSYR2K", &check_zsyr2k, 'T', 'C'},
+                                                            {"ZHER2K", &check_zher2k, 'C', 'T'}});
     add<Trmm, TrmmCheck>(cases,
                          {{"DTRMM ", &check_dtrmm},
                           {"ZTRMM ", &check_ztrmm},

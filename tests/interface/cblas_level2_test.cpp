@@ -30,19 +30,6 @@ struct Operands {
 
 using Function = Checked<Args, Operands>;
 
-CBLAS_LAYOUT L(const Args& a) {
-    return static_cast<CBLAS_LAYOUT>(a.layout);
-}
-CBLAS_TRANSPOSE T(const Args& a) {
-    return static_cast<CBLAS_TRANSPOSE>(a.trans);
-}
-CBLAS_UPLO U(const Args& a) {
-    return static_cast<CBLAS_UPLO>(a.uplo);
-}
-CBLAS_DIAG D(const Args& a) {
-    return static_cast<CBLAS_DIAG>(a.diag);
-}
-
 const double kOne[2] = {1.0, 0.0};
 
 // The valid call with the smallest leading dimensions allowed, in both layouts, and a bad layout,
@@ -55,10 +42,10 @@ void check(const std::vector<Function>& functions, std::vector<BadCall<Args>> ca
 }
 
 TEST(CblasLevel2Checks, Gemv) {
-    check({ZOR_CHECKED(cblas_dgemv, "DGEMV ", L(a), T(a), a.m, a.n, 1.0, o.a, a.lda, o.x, a.incx, 1.0, o.y,
-                       a.incy),
-           ZOR_CHECKED(cblas_zgemv, "ZGEMV ", L(a), T(a), a.m, a.n, kOne, o.a, a.lda, o.x, a.incx, kOne, o.y,
-                       a.incy)},
+    check({ZOR_CHECKED(cblas_dgemv, "DGEMV ", L(a.layout), T(a.trans), a.m, a.n, 1.0, o.a, a.lda, o.x, a.incx,
+                       1.0, o.y, a.incy),
+           ZOR_CHECKED(cblas_zgemv, "ZGEMV ", L(a.layout), T(a.trans), a.m, a.n, kOne, o.a, a.lda, o.x,
+                       a.incx, kOne, o.y, a.incy)},
           {
               {[](Args& a) { a.trans = 110; }, {2}, 1},
               {[](Args& a) { a.trans = 0, a.m = -1; }, {2, 3}},
@@ -72,42 +59,47 @@ TEST(CblasLevel2Checks, Gemv) {
 }
 
 TEST(CblasLevel2Checks, Ger) {
-    check({ZOR_CHECKED(cblas_dger, "DGER  ", L(a), a.m, a.n, 1.0, o.x, a.incx, o.y, a.incy, o.a, a.lda),
-           ZOR_CHECKED(cblas_zgeru, "ZGERU ", L(a), a.m, a.n, kOne, o.x, a.incx, o.y, a.incy, o.a, a.lda),
-           ZOR_CHECKED(cblas_zgerc, "ZGERC ", L(a), a.m, a.n, kOne, o.x, a.incx, o.y, a.incy, o.a, a.lda)},
-          {
-              {[](Args& a) { a.layout = 0, a.m = -1; }, {1}},
-              {[](Args& a) { a.m = -1; }, {2}},
-              {[](Args& a) { a.n = -1; }, {3}},
-              {[](Args& a) { a.incx = 0; }, {6}},
-              {[](Args& a) { a.incy = 0; }, {8}},
-              {[](Args& a) { a.lda = 1, a.incx = 0; }, {10}},
-          });
+    check(
+        {ZOR_CHECKED(cblas_dger, "DGER  ", L(a.layout), a.m, a.n, 1.0, o.x, a.incx, o.y, a.incy, o.a, a.lda),
+         ZOR_CHECKED(cblas_zgeru, "ZGERU ", L(a.layout), a.m, a.n, kOne, o.x, a.incx, o.y, a.incy, o.a,
+                     a.lda),
+         ZOR_CHECKED(cblas_zgerc, "ZGERC ", L(a.layout), a.m, a.n, kOne, o.x, a.incx, o.y, a.incy, o.a,
+                     a.lda)},
+        {
+            {[](Args& a) { a.layout = 0, a.m = -1; }, {1}},
+            {[](Args& a) { a.m = -1; }, {2}},
+            {[](Args& a) { a.n = -1; }, {3}},
+            {[](Args& a) { a.incx = 0; }, {6}},
+            {[](Args& a) { a.incy = 0; }, {8}},
+            {[](Args& a) { a.lda = 1, a.incx = 0; }, {10}},
+        });
 }
 
 TEST(CblasLevel2Checks, SymmetricAndHermitian) {
-    check(
-        {ZOR_CHECKED(cblas_dsymv, "DSYMV ", L(a), U(a), a.n, 1.0, o.a, a.lda, o.x, a.incx, 1.0, o.y, a.incy),
-         ZOR_CHECKED(cblas_zhemv, "ZHEMV ", L(a), U(a), a.n, kOne, o.a, a.lda, o.x, a.incx, kOne, o.y,
-                     a.incy)},
-        {
-            {[](Args& a) { a.uplo = 120; }, {2}, 1},
-            {[](Args& a) { a.uplo = 0, a.lda = 0; }, {2, 6}},
-            {[](Args& a) { a.n = -1; }, {3}},
-            {[](Args& a) { a.lda = 0, a.incx = 0; }, {6}},
-            {[](Args& a) { a.incx = 0; }, {8}},
-            {[](Args& a) { a.incy = 0; }, {11}},
-        });
-    check({ZOR_CHECKED(cblas_dsyr, "DSYR  ", L(a), U(a), a.n, 1.0, o.x, a.incx, o.a, a.lda),
-           ZOR_CHECKED(cblas_zher, "ZHER  ", L(a), U(a), a.n, 1.0, o.x, a.incx, o.a, a.lda)},
+    check({ZOR_CHECKED(cblas_dsymv, "DSYMV ", L(a.layout), U(a.uplo), a.n, 1.0, o.a, a.lda, o.x, a.incx, 1.0,
+                       o.y, a.incy),
+           ZOR_CHECKED(cblas_zhemv, "ZHEMV ", L(a.layout), U(a.uplo), a.n, kOne, o.a, a.lda, o.x, a.incx,
+                       kOne, o.y, a.incy)},
+          {
+              {[](Args& a) { a.uplo = 120; }, {2}, 1},
+              {[](Args& a) { a.uplo = 0, a.lda = 0; }, {2, 6}},
+              {[](Args& a) { a.n = -1; }, {3}},
+              {[](Args& a) { a.lda = 0, a.incx = 0; }, {6}},
+              {[](Args& a) { a.incx = 0; }, {8}},
+              {[](Args& a) { a.incy = 0; }, {11}},
+          });
+    check({ZOR_CHECKED(cblas_dsyr, "DSYR  ", L(a.layout), U(a.uplo), a.n, 1.0, o.x, a.incx, o.a, a.lda),
+           ZOR_CHECKED(cblas_zher, "ZHER  ", L(a.layout), U(a.uplo), a.n, 1.0, o.x, a.incx, o.a, a.lda)},
           {
               {[](Args& a) { a.uplo = 120; }, {2}, 1},
               {[](Args& a) { a.n = -1; }, {3}},
               {[](Args& a) { a.incx = 0; }, {6}},
               {[](Args& a) { a.lda = 1, a.incx = 0; }, {8}},
           });
-    check({ZOR_CHECKED(cblas_dsyr2, "DSYR2 ", L(a), U(a), a.n, 1.0, o.x, a.incx, o.y, a.incy, o.a, a.lda),
-           ZOR_CHECKED(cblas_zher2, "ZHER2 ", L(a), U(a), a.n, kOne, o.x, a.incx, o.y, a.incy, o.a, a.lda)},
+    check({ZOR_CHECKED(cblas_dsyr2, "DSYR2 ", L(a.layout), U(a.uplo), a.n, 1.0, o.x, a.incx, o.y, a.incy, o.a,
+                       a.lda),
+           ZOR_CHECKED(cblas_zher2, "ZHER2 ", L(a.layout), U(a.uplo), a.n, kOne, o.x, a.incx, o.y, a.incy,
+                       o.a, a.lda)},
           {
               {[](Args& a) { a.uplo = 120; }, {2}, 1},
               {[](Args& a) { a.n = -1; }, {3}},
@@ -119,8 +111,10 @@ TEST(CblasLevel2Checks, SymmetricAndHermitian) {
 
 // trmv reports a bad letter and goes on (the Fortran-style check then rejects it); trsv stops.
 TEST(CblasLevel2Checks, Triangular) {
-    check({ZOR_CHECKED(cblas_dtrmv, "DTRMV ", L(a), U(a), T(a), D(a), a.n, o.a, a.lda, o.x, a.incx),
-           ZOR_CHECKED(cblas_ztrmv, "ZTRMV ", L(a), U(a), T(a), D(a), a.n, o.a, a.lda, o.x, a.incx)},
+    check({ZOR_CHECKED(cblas_dtrmv, "DTRMV ", L(a.layout), U(a.uplo), T(a.trans), D(a.diag), a.n, o.a, a.lda,
+                       o.x, a.incx),
+           ZOR_CHECKED(cblas_ztrmv, "ZTRMV ", L(a.layout), U(a.uplo), T(a.trans), D(a.diag), a.n, o.a, a.lda,
+                       o.x, a.incx)},
           {
               {[](Args& a) { a.uplo = 120; }, {2}, 1},
               {[](Args& a) { a.trans = 114; }, {3}, 2},
@@ -130,8 +124,10 @@ TEST(CblasLevel2Checks, Triangular) {
               {[](Args& a) { a.lda = 1, a.incx = 0; }, {7}},
               {[](Args& a) { a.incx = 0; }, {9}},
           });
-    check({ZOR_CHECKED(cblas_dtrsv, "DTRSV ", L(a), U(a), T(a), D(a), a.n, o.a, a.lda, o.x, a.incx),
-           ZOR_CHECKED(cblas_ztrsv, "ZTRSV ", L(a), U(a), T(a), D(a), a.n, o.a, a.lda, o.x, a.incx)},
+    check({ZOR_CHECKED(cblas_dtrsv, "DTRSV ", L(a.layout), U(a.uplo), T(a.trans), D(a.diag), a.n, o.a, a.lda,
+                       o.x, a.incx),
+           ZOR_CHECKED(cblas_ztrsv, "ZTRSV ", L(a.layout), U(a.uplo), T(a.trans), D(a.diag), a.n, o.a, a.lda,
+                       o.x, a.incx)},
           {
               {[](Args& a) { a.uplo = 120; }, {2}},
               {[](Args& a) { a.trans = 114; }, {3}},
@@ -158,8 +154,8 @@ TEST(CblasLevel2Results, GemvAndGer) {
                 StridedVector<E> x(plain ? n : m, -2, 2), y(plain ? m : n, 1, 3);
                 const Dense yd = y.dense();
                 const Expected want = combine(al, op(a.dense(), letter(t)), x.dense(), be, &yd);
-                ZOR_D_OR_Z(E, cblas_dgemv, cblas_zgemv, layout_of(row), CBLAS_TRANSPOSE(t), m, n, arg(alpha),
-                           a.data.data(), a.ld, x.data.data(), x.inc, arg(beta), y.data.data(), y.inc);
+                ZOR_D_OR_Z(E, cblas_dgemv, cblas_zgemv, layout_of(row), T(t), m, n, arg(alpha), a.data.data(),
+                           a.ld, x.data.data(), x.inc, arg(beta), y.data.data(), y.inc);
                 EXPECT_TRUE(near(y.dense(), want, 64, Everywhere{})) << "gemv " << row << " " << t;
             }
             for (const bool conjugated : {false, true}) {
@@ -190,7 +186,7 @@ TEST(CblasLevel2Results, SymmetricAndHermitian) {
                 constexpr bool herm = kComplex<E>;
                 const Value al = alpha_of<E>(), be = beta_of<E>();
                 const E alpha = as<E>(al), beta = as<E>(be);
-                const auto u = static_cast<CBLAS_UPLO>(uplo);
+                const auto u = U(uplo);
                 auto triangle = [&](Index i, Index j) { return uplo == CblasUpper ? i <= j : i >= j; };
                 {
                     LayoutMatrix<E> a(row, n, n, 13);
@@ -245,8 +241,8 @@ TEST_P(TriangularProductAndSolve, EveryOption) {
         StridedVector<E> x(n, -2, 22);
         const Dense before = x.dense();
         const auto run = [&](auto real, auto complex) {
-            ZOR_D_OR_Z(E, real, complex, layout_of(row), CBLAS_UPLO(uplo), CBLAS_TRANSPOSE(t),
-                       CBLAS_DIAG(diag), n, a.data.data(), a.ld, x.data.data(), x.inc);
+            ZOR_D_OR_Z(E, real, complex, layout_of(row), U(uplo), T(t), D(diag), n, a.data.data(), a.ld,
+                       x.data.data(), x.inc);
         };
         run(cblas_dtrmv, cblas_ztrmv);
         EXPECT_TRUE(near(x.dense(), combine({1, 0}, t_op, before, {}, nullptr), 64, Everywhere{})) << "trmv";

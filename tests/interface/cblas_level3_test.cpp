@@ -32,30 +32,14 @@ struct Operands {
 using Function = Checked<Args, Operands>;
 using Table = std::vector<BadCall<Args>>;
 
-CBLAS_LAYOUT layout(const Args& x) {
-    return static_cast<CBLAS_LAYOUT>(x.layout);
-}
-CBLAS_SIDE side(const Args& x) {
-    return static_cast<CBLAS_SIDE>(x.side);
-}
-CBLAS_UPLO uplo(const Args& x) {
-    return static_cast<CBLAS_UPLO>(x.uplo);
-}
-CBLAS_TRANSPOSE trans(int value) {
-    return static_cast<CBLAS_TRANSPOSE>(value);
-}
-CBLAS_DIAG diag(const Args& x) {
-    return static_cast<CBLAS_DIAG>(x.diag);
-}
-
 const double kOne[2] = {1, 0};
 
 TEST(CblasLevel3Checks, Gemm) {
     check_table<Args, Operands>(
-        {ZOR_CHECKED(cblas_dgemm, "DGEMM ", layout(a), trans(a.trans), trans(a.transb), a.m, a.n, a.k, 1.0,
-                     o.a, a.lda, o.b, a.ldb, 0.0, o.c, a.ldc),
-         ZOR_CHECKED(cblas_zgemm, "ZGEMM ", layout(a), trans(a.trans), trans(a.transb), a.m, a.n, a.k, kOne,
-                     o.a, a.lda, o.b, a.ldb, kOne, o.c, a.ldc)},
+        {ZOR_CHECKED(cblas_dgemm, "DGEMM ", L(a.layout), T(a.trans), T(a.transb), a.m, a.n, a.k, 1.0, o.a,
+                     a.lda, o.b, a.ldb, 0.0, o.c, a.ldc),
+         ZOR_CHECKED(cblas_zgemm, "ZGEMM ", L(a.layout), T(a.trans), T(a.transb), a.m, a.n, a.k, kOne, o.a,
+                     a.lda, o.b, a.ldb, kOne, o.c, a.ldc)},
         Table{
             {[](Args&) {}, {}},
             {[](Args& x) { x.layout = 100; }, {1}},
@@ -82,12 +66,12 @@ TEST(CblasLevel3Checks, Gemm) {
 }
 
 TEST(CblasLevel3Checks, SymmetricMultiply) {
-    check_table<Args, Operands>({ZOR_CHECKED(cblas_dsymm, "DSYMM ", layout(a), side(a), uplo(a), a.m, a.n,
-                                             1.0, o.a, a.lda, o.b, a.ldb, 0.0, o.c, a.ldc),
-                                 ZOR_CHECKED(cblas_zsymm, "ZSYMM ", layout(a), side(a), uplo(a), a.m, a.n,
-                                             kOne, o.a, a.lda, o.b, a.ldb, kOne, o.c, a.ldc),
-                                 ZOR_CHECKED(cblas_zhemm, "ZHEMM ", layout(a), side(a), uplo(a), a.m, a.n,
-                                             kOne, o.a, a.lda, o.b, a.ldb, kOne, o.c, a.ldc)},
+    check_table<Args, Operands>({ZOR_CHECKED(cblas_dsymm, "DSYMM ", L(a.layout), S(a.side), U(a.uplo), a.m,
+                                             a.n, 1.0, o.a, a.lda, o.b, a.ldb, 0.0, o.c, a.ldc),
+                                 ZOR_CHECKED(cblas_zsymm, "ZSYMM ", L(a.layout), S(a.side), U(a.uplo), a.m,
+                                             a.n, kOne, o.a, a.lda, o.b, a.ldb, kOne, o.c, a.ldc),
+                                 ZOR_CHECKED(cblas_zhemm, "ZHEMM ", L(a.layout), S(a.side), U(a.uplo), a.m,
+                                             a.n, kOne, o.a, a.lda, o.b, a.ldb, kOne, o.c, a.ldc)},
                                 Table{
                                     {[](Args&) {}, {}},
                                     {[](Args& x) { x.side = 0, x.uplo = 0; }, {2}},
@@ -110,19 +94,19 @@ TEST(CblasLevel3Checks, SymmetricMultiply) {
 // Column-major A is n x k untransposed, k x n transposed; row-major the other way round.
 TEST(CblasLevel3Checks, RankUpdates) {
     const std::vector<Function> rank_k = {
-        ZOR_CHECKED(cblas_dsyrk, "DSYRK ", layout(a), uplo(a), trans(a.trans), a.n, a.k, 1.0, o.a, a.lda, 1.0,
+        ZOR_CHECKED(cblas_dsyrk, "DSYRK ", L(a.layout), U(a.uplo), T(a.trans), a.n, a.k, 1.0, o.a, a.lda, 1.0,
                     o.c, a.ldc),
-        ZOR_CHECKED(cblas_zsyrk, "ZSYRK ", layout(a), uplo(a), trans(a.trans), a.n, a.k, kOne, o.a, a.lda,
+        ZOR_CHECKED(cblas_zsyrk, "ZSYRK ", L(a.layout), U(a.uplo), T(a.trans), a.n, a.k, kOne, o.a, a.lda,
                     kOne, o.c, a.ldc),
-        ZOR_CHECKED(cblas_zherk, "ZHERK ", layout(a), uplo(a), trans(a.trans), a.n, a.k, 1.0, o.a, a.lda, 1.0,
+        ZOR_CHECKED(cblas_zherk, "ZHERK ", L(a.layout), U(a.uplo), T(a.trans), a.n, a.k, 1.0, o.a, a.lda, 1.0,
                     o.c, a.ldc),
     };
     const std::vector<Function> rank_2k = {
-        ZOR_CHECKED(cblas_dsyr2k, "DSYR2K", layout(a), uplo(a), trans(a.trans), a.n, a.k, 1.0, o.a, a.lda,
+        ZOR_CHECKED(cblas_dsyr2k, "DSYR2K", L(a.layout), U(a.uplo), T(a.trans), a.n, a.k, 1.0, o.a, a.lda,
                     o.b, a.ldb, 1.0, o.c, a.ldc),
-        ZOR_CHECKED(cblas_zsyr2k, "ZSYR2K", layout(a), uplo(a), trans(a.trans), a.n, a.k, kOne, o.a, a.lda,
+        ZOR_CHECKED(cblas_zsyr2k, "ZSYR2K", L(a.layout), U(a.uplo), T(a.trans), a.n, a.k, kOne, o.a, a.lda,
                     o.b, a.ldb, kOne, o.c, a.ldc),
-        ZOR_CHECKED(cblas_zher2k, "ZHER2K", layout(a), uplo(a), trans(a.trans), a.n, a.k, kOne, o.a, a.lda,
+        ZOR_CHECKED(cblas_zher2k, "ZHER2K", L(a.layout), U(a.uplo), T(a.trans), a.n, a.k, kOne, o.a, a.lda,
                     o.b, a.ldb, 1.0, o.c, a.ldc),
     };
     // Positions 1 to 8 alike; ldc is 11 for the rank-k updates and 13 for the rank-2k ones.
@@ -148,13 +132,13 @@ TEST(CblasLevel3Checks, RankUpdates) {
 
 TEST(CblasLevel3Checks, TriangularMultiplyAndSolve) {
     const std::vector<Function> functions = {
-        ZOR_CHECKED(cblas_dtrmm, "DTRMM ", layout(a), side(a), uplo(a), trans(a.trans), diag(a), a.m, a.n,
+        ZOR_CHECKED(cblas_dtrmm, "DTRMM ", L(a.layout), S(a.side), U(a.uplo), T(a.trans), D(a.diag), a.m, a.n,
                     1.0, o.a, a.lda, o.b, a.ldb),
-        ZOR_CHECKED(cblas_ztrmm, "ZTRMM ", layout(a), side(a), uplo(a), trans(a.trans), diag(a), a.m, a.n,
+        ZOR_CHECKED(cblas_ztrmm, "ZTRMM ", L(a.layout), S(a.side), U(a.uplo), T(a.trans), D(a.diag), a.m, a.n,
                     kOne, o.a, a.lda, o.b, a.ldb),
-        ZOR_CHECKED(cblas_dtrsm, "DTRSM ", layout(a), side(a), uplo(a), trans(a.trans), diag(a), a.m, a.n,
+        ZOR_CHECKED(cblas_dtrsm, "DTRSM ", L(a.layout), S(a.side), U(a.uplo), T(a.trans), D(a.diag), a.m, a.n,
                     1.0, o.a, a.lda, o.b, a.ldb),
-        ZOR_CHECKED(cblas_ztrsm, "ZTRSM ", layout(a), side(a), uplo(a), trans(a.trans), diag(a), a.m, a.n,
+        ZOR_CHECKED(cblas_ztrsm, "ZTRSM ", L(a.layout), S(a.side), U(a.uplo), T(a.trans), D(a.diag), a.m, a.n,
                     kOne, o.a, a.lda, o.b, a.ldb),
     };
     check_table(functions, Table{
@@ -215,7 +199,7 @@ TEST_P(Gemm, EveryPairOfOperations) {
             const Expected want = combine(alpha_of<E>(), op(a.dense(), letter(ta)), op(b.dense(), letter(tb)),
                                           beta_of<E>(), &cd);
             const E alpha = as<E>(alpha_of<E>()), beta = as<E>(beta_of<E>());
-            ZOR_D_OR_Z(E, cblas_dgemm, cblas_zgemm, layout_of(row), trans(ta), trans(tb), m, n, k, arg(alpha),
+            ZOR_D_OR_Z(E, cblas_dgemm, cblas_zgemm, layout_of(row), T(ta), T(tb), m, n, k, arg(alpha),
                        a.data.data(), a.ld, b.data.data(), b.ld, arg(beta), c.data.data(), c.ld);
             EXPECT_TRUE(near(c.dense(), want, 8 * (k + 4), Everywhere{}) &&
                         c.untouched_except(c0, Everywhere{}))
@@ -244,8 +228,8 @@ TEST_P(SymmetricMultiply, EitherSideAndTriangle) {
                                              : combine(alpha_of<E>(), bd, sym, beta_of<E>(), &cd);
         const E alpha = as<E>(alpha_of<E>()), beta = as<E>(beta_of<E>());
         const auto call = [&](auto function) {
-            function(layout_of(row), CBLAS_SIDE(s), CBLAS_UPLO(u), m, n, arg(alpha), a.data.data(), a.ld,
-                     b.data.data(), b.ld, arg(beta), c.data.data(), c.ld);
+            function(layout_of(row), S(s), U(u), m, n, arg(alpha), a.data.data(), a.ld, b.data.data(), b.ld,
+                     arg(beta), c.data.data(), c.ld);
         };
         if constexpr (kComplex<E>) {
             call(herm ? cblas_zhemm : cblas_zsymm);
@@ -282,19 +266,17 @@ TEST_P(RankUpdates, EitherTriangleAndTransposition) {
             rank_update(herm, two, alpha_of<E>(), beta_of<E>(), a.dense(), b.dense(), letter(t), c.dense());
         const E alpha = as<E>(alpha_of<E>()), beta = as<E>(beta_of<E>());
         const CBLAS_LAYOUT l = layout_of(row);
-        const CBLAS_UPLO up = CBLAS_UPLO(u);
+        const CBLAS_UPLO up = U(u);
         E *cc = c.data.data(), *ad = a.data.data(), *bd = b.data.data();
         if constexpr (complex) {
-            if (!herm && !two) cblas_zsyrk(l, up, trans(t), n, k, &alpha, ad, a.ld, &beta, cc, c.ld);
-            if (!herm && two)
-                cblas_zsyr2k(l, up, trans(t), n, k, &alpha, ad, a.ld, bd, b.ld, &beta, cc, c.ld);
-            if (herm && !two) cblas_zherk(l, up, trans(t), n, k, alpha.re, ad, a.ld, beta.re, cc, c.ld);
-            if (herm && two)
-                cblas_zher2k(l, up, trans(t), n, k, &alpha, ad, a.ld, bd, b.ld, beta.re, cc, c.ld);
+            if (!herm && !two) cblas_zsyrk(l, up, T(t), n, k, &alpha, ad, a.ld, &beta, cc, c.ld);
+            if (!herm && two) cblas_zsyr2k(l, up, T(t), n, k, &alpha, ad, a.ld, bd, b.ld, &beta, cc, c.ld);
+            if (herm && !two) cblas_zherk(l, up, T(t), n, k, alpha.re, ad, a.ld, beta.re, cc, c.ld);
+            if (herm && two) cblas_zher2k(l, up, T(t), n, k, &alpha, ad, a.ld, bd, b.ld, beta.re, cc, c.ld);
         } else if (two) {
-            cblas_dsyr2k(l, up, trans(t), n, k, alpha, ad, a.ld, bd, b.ld, beta, cc, c.ld);
+            cblas_dsyr2k(l, up, T(t), n, k, alpha, ad, a.ld, bd, b.ld, beta, cc, c.ld);
         } else {
-            cblas_dsyrk(l, up, trans(t), n, k, alpha, ad, a.ld, beta, cc, c.ld);
+            cblas_dsyrk(l, up, T(t), n, k, alpha, ad, a.ld, beta, cc, c.ld);
         }
         EXPECT_TRUE(near(c.dense(), want, 64, triangle) && c.untouched_except(c0, triangle));
     });
@@ -321,8 +303,8 @@ TEST_P(TriangularMultiplyAndSolve, EveryOption) {
                     before = b.dense();
         const E alpha = as<E>(alpha_of<E>());
         ZOR_D_OR_Z(E, (solve ? cblas_dtrsm : cblas_dtrmm), (solve ? cblas_ztrsm : cblas_ztrmm),
-                   layout_of(row), CBLAS_SIDE(s), CBLAS_UPLO(u), trans(t), CBLAS_DIAG(d), m, n, arg(alpha),
-                   a.data.data(), a.ld, b.data.data(), b.ld);
+                   layout_of(row), S(s), U(u), T(t), D(d), m, n, arg(alpha), a.data.data(), a.ld,
+                   b.data.data(), b.ld);
         EXPECT_TRUE(triangular_result(solve, s == CblasLeft, alpha_of<E>(), op_a, before, b.dense(), 64) &&
                     b.untouched_except(b0, Everywhere{}));
     });

@@ -156,6 +156,23 @@ struct StridedVector {
 
 inline const bool kLayouts[] = {false, true};  // column-major, row-major
 
+// The enumerations from the ints that argument tables and option lists hold.
+inline CBLAS_LAYOUT L(int v) {
+    return static_cast<CBLAS_LAYOUT>(v);
+}
+inline CBLAS_SIDE S(int v) {
+    return static_cast<CBLAS_SIDE>(v);
+}
+inline CBLAS_UPLO U(int v) {
+    return static_cast<CBLAS_UPLO>(v);
+}
+inline CBLAS_TRANSPOSE T(int v) {
+    return static_cast<CBLAS_TRANSPOSE>(v);
+}
+inline CBLAS_DIAG D(int v) {
+    return static_cast<CBLAS_DIAG>(v);
+}
+
 inline const int kTransposes[] = {CblasNoTrans, CblasTrans, CblasConjTrans};
 
 inline char letter(int transpose) {
