@@ -4,9 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
-#include <complex>
-#include <cstring>
 #include <limits>
 #include <string>
 #include <thread>
@@ -17,13 +16,12 @@
 #include "blas/level3/gemm_blocking.hpp"
 #include "service/cpu.hpp"
 #include "support/counting_allocator.hpp"
+#include "support/level3_reference.hpp"
 #include "support/random.hpp"
 #include "support/variants.hpp"
 
-namespace zor {
+namespace zor::test {
 namespace {
-
-using test::Random;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInf = std::numeric_limits<double>::infinity();
@@ -53,185 +51,39 @@ const Path kPaths[] = {
 decltype(&default_::dgemm_with) const kDgemmWith[] = {ZOR_VARIANTS(dgemm_with)};
 decltype(&default_::zgemm_with) const kZgemmWith[] = {ZOR_VARIANTS(zgemm_with)};
 
-bool skip_path(const Path& path, std::string* why) {
-    if (static_cast<int>(path.level) > static_cast<int>(test::runnable_level())) {
-        *why = std::string("this processor cannot run the ") + cpu_level_name(path.level) + " variant";
-        return true;
-    }
-    if ((detect_avx_extensions() & path.needs) != path.needs) {
-        *why = "this processor lacks the extensions of this path";
-        return true;
-    }
-    return false;
-}
-
-#define ZOR_SKIP_UNLESS_PATH_RUNS(path)                   \
-    do {                                                  \
-        std::string why_;                                 \
-        if (skip_path(path, &why_)) GTEST_SKIP() << why_; \
-    } while (0)
-
-std::string path_name(const ::testing::TestParamInfo<Path>& info) {
-    return info.param.name;
-}
-
-void PrintTo(const Path& path, std::ostream* out) {
-    *out << path.name;
-}
-
-// ---- the reference ---------------------------------------------------------------------------------
-
-using Complex = std::complex<long double>;
-
-Complex widen(double x) {
-    return {x, 0.0L};
-}
-Complex widen(const zcomplex& x) {
-    return {x.re, x.im};
-}
-
-bool untransposed(char t) {
-    return t == 'N' || t == 'n';
-}
-bool conjugated(char t) {
-    return !untransposed(t) && t != 'T' && t != 't';
-}
-
-// Element (i, j) of op(X), for real data (where every non-"N" letter transposes) or complex.
-template <class T>
-Complex op_element(const std::vector<T>& x, zint ld, char trans, zint i, zint j) {
-    if (untransposed(trans)) return widen(x[i + j * ld]);
-    Complex v = widen(x[j + i * ld]);
-    if constexpr (std::is_same_v<T, zcomplex>) {
-        if (conjugated(trans)) v = std::conj(v);
-    }
-    return v;
-}
-
-// The expected C and, per element, a bound on the rounding error an engine may make.
-template <class T>
-struct Expected {
-    std::vector<Complex> value;
-    std::vector<long double> tolerance;
-};
-
-long double magnitude(const Complex& z) {
-    return std::fabs(z.real()) + std::fabs(z.imag());
-}
-
-template <class T>
-Expected<T> reference(char transa, char transb, zint m, zint n, zint k, T alpha, const std::vector<T>& a,
-                      zint lda, const std::vector<T>& b, zint ldb, T beta, const std::vector<T>& c,
-                      zint ldc) {
-    Expected<T> e;
-    e.value.resize(m * n);
-    e.tolerance.resize(m * n);
-    const Complex al = widen(alpha), be = widen(beta);
-    const bool beta_zero = be == Complex(0, 0);
-    const long double eps = std::numeric_limits<double>::epsilon();
-    for (zint j = 0; j < n; ++j) {
-        for (zint i = 0; i < m; ++i) {
-            Complex sum = 0;
-            long double size = 0;
-            for (zint p = 0; p < k; ++p) {
-                const Complex x = op_element(a, lda, transa, i, p), y = op_element(b, ldb, transb, p, j);
-                sum += x * y;
-                size += magnitude(x) * magnitude(y);
-            }
-            // With k = 0 nothing is added, whatever alpha is.
-            Complex v = k > 0 ? al * sum : Complex(0, 0);
-            long double bound = k > 0 ? magnitude(al) * size : 0;
-            if (!beta_zero) {
-                const Complex old = widen(c[i + j * ldc]);
-                // A NaN or infinite beta must reach every element, as the engines multiply it in.
-                v += be * old;
-                bound += magnitude(be) * magnitude(old);
-            }
-            e.value[i + j * m] = v;
-            e.tolerance[i + j * m] = 8 * (k + 4) * eps * bound;
-        }
-    }
-    return e;
-}
-
-// Every element of C within tolerance (NaN where the reference is NaN), and every element of its
-// padding rows untouched.
-template <class T>
-::testing::AssertionResult matches(const Expected<T>& e, const std::vector<T>& c, const std::vector<T>& c0,
-                                   zint m, zint n, zint ldc) {
-    for (zint j = 0; j < n; ++j) {
-        for (zint i = 0; i < ldc; ++i) {
-            const T got = c[i + j * ldc];
-            if (i >= m) {
-                if (std::memcmp(&got, &c0[i + j * ldc], sizeof(T)) != 0) {
-                    return ::testing::AssertionFailure() << "padding C(" << i << ", " << j << ") was written";
-                }
-                continue;
-            }
-            const Complex g = widen(got), want = e.value[i + j * m];
-            const bool want_nan = std::isnan(want.real()) || std::isnan(want.imag());
-            const bool got_nan = std::isnan(g.real()) || std::isnan(g.imag());
-            if (want_nan || got_nan) {
-                if (want_nan != got_nan) {
-                    return ::testing::AssertionFailure()
-                           << "C(" << i << ", " << j << ") = " << g << ", expected " << want;
-                }
-                continue;
-            }
-            if (!(magnitude(g - want) <= e.tolerance[i + j * m])) {
-                return ::testing::AssertionFailure() << "C(" << i << ", " << j << ") = " << g << ", expected "
-                                                     << want << " within " << e.tolerance[i + j * m];
-            }
-        }
-    }
-    return ::testing::AssertionSuccess();
-}
-
 // ---- one call ----------------------------------------------------------------------------------------
 
 struct Shape {
     zint m, n, k;
 };
 
-template <class T>
-std::vector<T> random_operand(Random& random, zint rows, zint cols, zint ld) {
-    if constexpr (std::is_same_v<T, double>) {
-        return test::random_matrix(random, rows, cols, ld);
-    } else {
-        return test::random_complex_matrix(random, rows, cols, ld);
-    }
-}
-
-template <class T>
-T scalar(double re, double im) {
-    if constexpr (std::is_same_v<T, double>) {
-        return re;
-    } else {
-        return {re, im};
-    }
-}
-
 // Runs one product through `run` on random operands with padded leading dimensions (pad extra rows,
-// poisoned) and compares with the reference.
+// poisoned) and compares with the reference: every element of C within rounding (NaN where the
+// reference is NaN), its padding rows untouched.
 template <class T, class Run>
 ::testing::AssertionResult check_product(Run run, char transa, char transb, Shape s, T alpha, T beta,
                                          zint pad, std::uint64_t seed, double c_fill = 0.0) {
     Random random(seed);
-    const zint a_rows = untransposed(transa) ? s.m : s.k, a_cols = untransposed(transa) ? s.k : s.m;
-    const zint b_rows = untransposed(transb) ? s.k : s.n, b_cols = untransposed(transb) ? s.n : s.k;
-    const zint lda = a_rows + pad, ldb = b_rows + pad, ldc = s.m + pad;
-    const std::vector<T> a = random_operand<T>(random, a_rows, a_cols, lda > 0 ? lda : 1);
-    const std::vector<T> b = random_operand<T>(random, b_rows, b_cols, ldb > 0 ? ldb : 1);
-    std::vector<T> c = random_operand<T>(random, s.m, s.n, ldc > 0 ? ldc : 1);
-    if (c_fill != 0.0) {
-        for (zint j = 0; j < s.n; ++j) {
-            for (zint i = 0; i < s.m; ++i) c[i + j * ldc] = scalar<T>(c_fill, c_fill);
-        }
+    const bool plain_a = is(transa, 'N'), plain_b = is(transb, 'N');
+    const zint a_rows = plain_a ? s.m : s.k, a_cols = plain_a ? s.k : s.m;
+    const zint b_rows = plain_b ? s.k : s.n, b_cols = plain_b ? s.n : s.k;
+    const zint lda = std::max<zint>(a_rows + pad, 1), ldb = std::max<zint>(b_rows + pad, 1);
+    const zint ldc = std::max<zint>(s.m + pad, 1);
+    const std::vector<T> a = random_operand<T>(random, a_rows, a_cols, lda);
+    const std::vector<T> b = random_operand<T>(random, b_rows, b_cols, ldb);
+    std::vector<T> c = random_operand<T>(random, s.m, s.n, ldc);
+    for (zint j = 0; c_fill != 0.0 && j < s.n; ++j) {
+        for (zint i = 0; i < s.m; ++i) c[i + j * ldc] = scalar<T>(c_fill, c_fill);
     }
     const std::vector<T> c0 = c;
-    const Expected<T> e = reference(transa, transb, s.m, s.n, s.k, alpha, a, lda, b, ldb, beta, c0, ldc);
     run(transa, transb, s.m, s.n, s.k, alpha, a.data(), lda, b.data(), ldb, beta, c.data(), ldc);
-    ::testing::AssertionResult result = matches(e, c, c0, s.m, s.n, ldc);
+    // With k = 0 nothing is added, whatever alpha is; a NaN or infinite beta reaches every element.
+    const Dense before = load(c0.data(), s.m, s.n, ldc);
+    const Expected want =
+        combine(s.k > 0 ? value(alpha) : Value{}, op(load(a.data(), a_rows, a_cols, lda), transa),
+                op(load(b.data(), b_rows, b_cols, ldb), transb), value(beta), &before);
+    ::testing::AssertionResult result = near(c.data(), ldc, want, 8 * (s.k + 4), Everywhere{});
+    if (result) result = untouched(c, c0, ldc, [&](zint i, zint) { return i < s.m; });
     if (!result) {
         result << " (op " << transa << transb << ", m " << s.m << ", n " << s.n << ", k " << s.k << ", lda "
                << lda << ", ldb " << ldb << ", ldc " << ldc << ")";
@@ -243,11 +95,10 @@ template <class T, class Run>
 // 8 x 24 and 4 x 12 multi-tiles), the small-path limits, the depths where the blocks change
 // (128, 256, 257, 511, 512, and the fixed designs' 112/224 and 64), odd m, n mod 4 != 0.
 const Shape kShapes[] = {
-    {1, 1, 1},     {2, 2, 2},     {3, 3, 3},     {3, 8, 4},     {4, 7, 4},     {4, 8, 3},     {4, 8, 4},
-    {5, 9, 5},     {7, 13, 6},    {8, 24, 4},    {9, 25, 7},    {8, 8, 8},     {12, 12, 12},  {17, 23, 11},
-    {31, 33, 65},  {33, 49, 130}, {25, 26, 113}, {13, 17, 257}, {63, 65, 129}, {2, 41, 300},  {65, 7, 64},
-    {40, 36, 200}, {37, 29, 225}, {21, 18, 256}, {19, 22, 511}, {23, 21, 512}, {11, 19, 513}, {130, 67, 100},
-    {101, 203, 9}, {96, 96, 96},  {50, 3, 40},   {3, 50, 40},   {260, 30, 20},
+    {1, 1, 1},     {3, 3, 3},      {3, 8, 4},     {4, 7, 4},     {4, 8, 3},     {4, 8, 4},     {7, 13, 6},
+    {8, 24, 4},    {9, 25, 7},     {17, 23, 11},  {31, 33, 65},  {33, 49, 130}, {25, 26, 113}, {13, 17, 257},
+    {63, 65, 129}, {2, 41, 300},   {65, 7, 64},   {37, 29, 225}, {21, 18, 256}, {19, 22, 511}, {23, 21, 512},
+    {11, 19, 513}, {130, 67, 100}, {101, 203, 9}, {96, 96, 96},  {50, 3, 40},   {3, 50, 40},   {260, 30, 20},
 };
 
 const char kRealOps[] = {'N', 'T', 'C', 'n', 't'};
@@ -255,46 +106,32 @@ const char kComplexOps[] = {'N', 'T', 'C', 'c'};
 
 class GemmPath : public ::testing::TestWithParam<Path> {
   protected:
-    auto real_run() const {
+    // The path's engine for elements T, called as the dispatched routine is.
+    template <class T>
+    auto run() const {
         const Path path = GetParam();
-        return [path](char ta, char tb, zint m, zint n, zint k, double alpha, const double* a, zint lda,
-                      const double* b, zint ldb, double beta, double* c, zint ldc) {
-            kDgemmWith[static_cast<int>(path.level)](path.choice, ta, tb, m, n, k, alpha, a, lda, b, ldb,
-                                                     beta, c, ldc);
-        };
-    }
-    auto complex_run() const {
-        const Path path = GetParam();
-        return [path](char ta, char tb, zint m, zint n, zint k, zcomplex alpha, const zcomplex* a, zint lda,
-                      const zcomplex* b, zint ldb, zcomplex beta, zcomplex* c, zint ldc) {
-            kZgemmWith[static_cast<int>(path.level)](path.choice, ta, tb, m, n, k, alpha, a, lda, b, ldb,
-                                                     beta, c, ldc);
+        return [path](auto... args) {
+            const int l = static_cast<int>(path.level);
+            ZOR_D_OR_Z(T, kDgemmWith[l], kZgemmWith[l], path.choice, args...);
         };
     }
 };
 
-TEST_P(GemmPath, RealMatchesTheReferenceForEveryOperationPairAndShape) {
-    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam());
+TEST_P(GemmPath, MatchesTheReferenceForEveryOperationPairAndShape) {
+    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam().level, GetParam().needs);
     std::uint64_t seed = 1;
+    const zcomplex alpha{0.75, -0.25}, beta{-0.5, 0.375};
     for (const Shape& s : kShapes) {
         for (char ta : kRealOps) {
             for (char tb : kRealOps) {
-                const zint pad = (seed % 3 == 0) ? 0 : 3;
-                ASSERT_TRUE(check_product<double>(real_run(), ta, tb, s, 0.75, -0.5, pad, ++seed));
+                ASSERT_TRUE(check_product<double>(run<double>(), ta, tb, s, 0.75, -0.5,
+                                                  (ta + tb + s.m) % 3 ? 3 : 0, ++seed));
             }
         }
-    }
-}
-
-TEST_P(GemmPath, ComplexMatchesTheReferenceForEveryOperationPairAndShape) {
-    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam());
-    std::uint64_t seed = 1000;
-    const zcomplex alpha{0.75, -0.25}, beta{-0.5, 0.375};
-    for (const Shape& s : kShapes) {
         for (char ta : kComplexOps) {
             for (char tb : kComplexOps) {
-                const zint pad = (seed % 3 == 0) ? 0 : 2;
-                ASSERT_TRUE(check_product<zcomplex>(complex_run(), ta, tb, s, alpha, beta, pad, ++seed));
+                ASSERT_TRUE(check_product<zcomplex>(run<zcomplex>(), ta, tb, s, alpha, beta,
+                                                    (ta + tb + s.m) % 3 ? 2 : 0, ++seed));
             }
         }
     }
@@ -303,13 +140,13 @@ TEST_P(GemmPath, ComplexMatchesTheReferenceForEveryOperationPairAndShape) {
 // The row and column blocks: m beyond the largest mc any cache gives here, n beyond every nc
 // (4992, 5000, 2000), the wide-problem rows of the fixed designs (m + n >= 10000, k <= 256).
 TEST_P(GemmPath, BlockEdgesOfRowsAndColumns) {
-    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam());
+    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam().level, GetParam().needs);
     const Shape shapes[] = {{5, 5001, 5}, {13313, 9, 4}, {9990, 12, 16}, {9, 4999, 33}};
     std::uint64_t seed = 77;
     for (const Shape& s : shapes) {
-        ASSERT_TRUE(check_product<double>(real_run(), 'N', 'T', s, 1.0, 1.0, 1, ++seed));
-        ASSERT_TRUE(
-            check_product<zcomplex>(complex_run(), 'C', 'N', s, zcomplex{1, 0.5}, zcomplex{1, 0}, 1, ++seed));
+        ASSERT_TRUE(check_product<double>(run<double>(), 'N', 'T', s, 1.0, 1.0, 1, ++seed));
+        ASSERT_TRUE(check_product<zcomplex>(run<zcomplex>(), 'C', 'N', s, zcomplex{1, 0.5}, zcomplex{1, 0}, 1,
+                                            ++seed));
     }
 }
 
@@ -326,7 +163,7 @@ const Scalars kScalars[] = {
 };
 
 TEST_P(GemmPath, SpecialScalarsAndValuesInC) {
-    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam());
+    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam().level, GetParam().needs);
     const Shape shapes[] = {{3, 2, 5}, {37, 41, 43}, {8, 24, 0}, {2, 9, 0}};
     std::uint64_t seed = 500;
     for (const Shape& s : shapes) {
@@ -334,11 +171,11 @@ TEST_P(GemmPath, SpecialScalarsAndValuesInC) {
         const char ta = s.m == 3 ? 'N' : 'T';
         for (const Scalars& v : kScalars) {
             if (v.alpha_im == 0 && v.beta_im == 0) {
-                ASSERT_TRUE(
-                    check_product<double>(real_run(), ta, 'N', s, v.alpha_re, v.beta_re, 1, ++seed, v.c_fill))
+                ASSERT_TRUE(check_product<double>(run<double>(), ta, 'N', s, v.alpha_re, v.beta_re, 1, ++seed,
+                                                  v.c_fill))
                     << "alpha " << v.alpha_re << ", beta " << v.beta_re;
             }
-            ASSERT_TRUE(check_product<zcomplex>(complex_run(), ta, 'C', s, zcomplex{v.alpha_re, v.alpha_im},
+            ASSERT_TRUE(check_product<zcomplex>(run<zcomplex>(), ta, 'C', s, zcomplex{v.alpha_re, v.alpha_im},
                                                 zcomplex{v.beta_re, v.beta_im}, 1, ++seed, v.c_fill))
                 << "alpha (" << v.alpha_re << ", " << v.alpha_im << "), beta (" << v.beta_re << ", "
                 << v.beta_im << ")";
@@ -348,7 +185,7 @@ TEST_P(GemmPath, SpecialScalarsAndValuesInC) {
 
 // alpha = 0 never reads A or B (null here); m = 0 or n = 0 never touches C, even with beta = 0.
 TEST_P(GemmPath, QuickReturnsReadNothingTheyNeedNot) {
-    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam());
+    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam().level, GetParam().needs);
     const Path path = GetParam();
     auto* dgemm_with = kDgemmWith[static_cast<int>(path.level)];
     auto* zgemm_with = kZgemmWith[static_cast<int>(path.level)];
@@ -395,41 +232,36 @@ Shape smallest_blocked(const Path& path, bool complex) {
     return path.level == CpuLevel::Sse3 ? Shape{3, 3, 3} : Shape{2, 2, 2};
 }
 
-int allocations_of(const Path& path, bool complex, Shape s) {
+template <class T, class Run>
+int allocations_of(Run run, Shape s) {
     int count = -1;
     on_fresh_thread([&] {
         Random random(s.m * 10000 + s.n * 100 + s.k);
-        const test::AllocatorScope scope;
-        if (complex) {
-            const std::vector<zcomplex> a = test::random_complex_matrix(random, s.m, s.k, s.m);
-            const std::vector<zcomplex> b = test::random_complex_matrix(random, s.k, s.n, s.k);
-            std::vector<zcomplex> c = test::random_complex_matrix(random, s.m, s.n, s.m);
-            test::AllocatorScope::reset();
-            kZgemmWith[static_cast<int>(path.level)](path.choice, 'N', 'N', s.m, s.n, s.k, zcomplex{1, 0},
-                                                     a.data(), s.m, b.data(), s.k, zcomplex{1, 0}, c.data(),
-                                                     s.m);
-        } else {
-            const std::vector<double> a = test::random_matrix(random, s.m, s.k, s.m);
-            const std::vector<double> b = test::random_matrix(random, s.k, s.n, s.k);
-            std::vector<double> c = test::random_matrix(random, s.m, s.n, s.m);
-            test::AllocatorScope::reset();
-            kDgemmWith[static_cast<int>(path.level)](path.choice, 'N', 'N', s.m, s.n, s.k, 1.0, a.data(), s.m,
-                                                     b.data(), s.k, 1.0, c.data(), s.m);
-        }
-        count = test::AllocatorScope::allocations();
+        const AllocatorScope scope;
+        const std::vector<T> a = random_operand<T>(random, s.m, s.k, s.m),
+                             b = random_operand<T>(random, s.k, s.n, s.k);
+        std::vector<T> c = random_operand<T>(random, s.m, s.n, s.m);
+        AllocatorScope::reset();
+        run('N', 'N', s.m, s.n, s.k, scalar<T>(1, 0), a.data(), s.m, b.data(), s.k, scalar<T>(1, 0), c.data(),
+            s.m);
+        count = AllocatorScope::allocations();
     });
     return count;
 }
 
 TEST_P(GemmPath, ProblemsBelowTheThresholdsNeverAllocate) {
-    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam());
+    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam().level, GetParam().needs);
     for (bool complex : {false, true}) {
+        auto allocations = [&](Shape s) {
+            return complex ? allocations_of<zcomplex>(run<zcomplex>(), s)
+                           : allocations_of<double>(run<double>(), s);
+        };
         const Shape s = smallest_blocked(GetParam(), complex);
-        EXPECT_GT(allocations_of(GetParam(), complex, s), 0) << "the smallest blocked problem";
+        EXPECT_GT(allocations(s), 0) << "the smallest blocked problem";
         for (const Shape below : {Shape{s.m - 1, s.n + 9, s.k + 9}, Shape{s.m + 9, s.n - 1, s.k + 9},
                                   Shape{s.m + 9, s.n + 9, s.k - 1}, Shape{1, 1, 1}}) {
-            EXPECT_EQ(allocations_of(GetParam(), complex, below), 0)
-                << (complex ? "complex " : "real ") << below.m << " x " << below.n << " x " << below.k;
+            EXPECT_EQ(allocations(below), 0)
+                << complex << " " << below.m << " x " << below.n << " x " << below.k;
         }
     }
 }
@@ -443,29 +275,20 @@ std::string failure_report(const Path& path, bool complex) {
 }
 
 TEST_P(GemmPath, FailedAllocationIsReportedOnceAndCIsStillRight) {
-    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam());
+    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam().level, GetParam().needs);
     const Path path = GetParam();
     // Every allocation of the call fails; the call runs on a thread of its own.
     auto failing = [](auto call) {
         return [call](auto... args) {
             on_fresh_thread([&] {
-                const test::AllocatorScope scope;
-                test::AllocatorScope::fail_next(1 << 30);
+                const AllocatorScope scope;
+                AllocatorScope::fail_next(1 << 30);
                 call(args...);
             });
         };
     };
-    auto real = failing([path](char ta, char tb, zint m, zint n, zint k, double alpha, const double* a,
-                               zint lda, const double* b, zint ldb, double beta, double* c, zint ldc) {
-        kDgemmWith[static_cast<int>(path.level)](path.choice, ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c,
-                                                 ldc);
-    });
-    auto complex =
-        failing([path](char ta, char tb, zint m, zint n, zint k, zcomplex alpha, const zcomplex* a, zint lda,
-                       const zcomplex* b, zint ldb, zcomplex beta, zcomplex* c, zint ldc) {
-            kZgemmWith[static_cast<int>(path.level)](path.choice, ta, tb, m, n, k, alpha, a, lda, b, ldb,
-                                                     beta, c, ldc);
-        });
+    auto real = failing(run<double>());
+    auto complex = failing(run<zcomplex>());
     ::testing::internal::CaptureStdout();
     const ::testing::AssertionResult real_result =
         check_product<double>(real, 'T', 'N', Shape{41, 43, 45}, -1.5, 0.5, 1, 31);
@@ -480,7 +303,7 @@ TEST_P(GemmPath, FailedAllocationIsReportedOnceAndCIsStillRight) {
     EXPECT_EQ(complex_out, failure_report(path, true));
 }
 
-INSTANTIATE_TEST_SUITE_P(Paths, GemmPath, ::testing::ValuesIn(kPaths), path_name);
+INSTANTIATE_TEST_SUITE_P(Paths, GemmPath, ::testing::ValuesIn(kPaths), NameOfParam{});
 
 // Through the dispatcher table: each level's variant, with the choices of this processor.
 class GemmVariant : public ::testing::TestWithParam<CpuLevel> {};
@@ -488,14 +311,8 @@ class GemmVariant : public ::testing::TestWithParam<CpuLevel> {};
 TEST_P(GemmVariant, DispatchedVariantMatchesTheReference) {
     const CpuLevel level = GetParam();
     ZOR_SKIP_UNLESS_RUNNABLE(level);
-    auto run_real = [level](char ta, char tb, zint m, zint n, zint k, double alpha, const double* a, zint lda,
-                            const double* b, zint ldb, double beta, double* c, zint ldc) {
-        dgemm.variant(level)(ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
-    };
-    auto run_complex = [level](char ta, char tb, zint m, zint n, zint k, zcomplex alpha, const zcomplex* a,
-                               zint lda, const zcomplex* b, zint ldb, zcomplex beta, zcomplex* c, zint ldc) {
-        zgemm.variant(level)(ta, tb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
-    };
+    auto run_real = [level](auto... args) { dgemm.variant(level)(args...); };
+    auto run_complex = [level](auto... args) { zgemm.variant(level)(args...); };
     const Shape shapes[] = {{3, 7, 3}, {57, 61, 259}, {130, 129, 64}};
     std::uint64_t seed = 9000;
     for (const Shape& s : shapes) {
@@ -505,7 +322,7 @@ TEST_P(GemmVariant, DispatchedVariantMatchesTheReference) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, GemmVariant, test::kAllLevels, test::level_param_name);
+INSTANTIATE_TEST_SUITE_P(Levels, GemmVariant, kAllLevels, level_param_name);
 
 }  // namespace
-}  // namespace zor
+}  // namespace zor::test

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <cstring>
-#include <thread>
 
 #include "zor/zor.h"
 
@@ -43,27 +42,10 @@ TEST_P(ZorMalloc, AlignsAndRecordsTheSystemBlock) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Alignments, ZorMalloc,
-                         ::testing::Values(MallocCase{4, 0}, MallocCase{1, 0}, MallocCase{8, 8},
-                                           MallocCase{64, 64}, MallocCase{100, 64}, MallocCase{256, 256},
-                                           MallocCase{24, 64}),
+                         ::testing::Values(MallocCase{4, 0}, MallocCase{8, 8}, MallocCase{100, 64},
+                                           MallocCase{256, 256}),
                          [](const ::testing::TestParamInfo<MallocCase>& info) {
                              return "alignment" + std::to_string(info.param.alignment);
                          });
-
-TEST(ZorMalloc, ZeroBytesAndNullAreNoOps) {
-    EXPECT_EQ(ZOR_malloc(0, 64), nullptr);
-    ZOR_free(nullptr);
-    EXPECT_EQ(ZOR_malloc(SIZE_MAX, 64), nullptr);
-}
-
-TEST(ZorFreeBuffers, CanBeCalledAnyTimeFromAnyThread) {
-    ZOR_Free_Buffers();
-    ZOR_Thread_Free_Buffers();
-    std::thread([] {
-        ZOR_Thread_Free_Buffers();
-        ZOR_Free_Buffers();
-    }).join();
-    ZOR_Free_Buffers();
-}
 
 }  // namespace

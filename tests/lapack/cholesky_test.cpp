@@ -5,9 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <functional>
-#include <string>
 #include <vector>
 
 #include "lapack/cholesky/cholesky.hpp"
@@ -18,83 +15,49 @@
 #include "support/counting_allocator.hpp"
 #include "support/variants.hpp"
 
-namespace zor {
+namespace zor::test {
 namespace {
-
-using test::AllocatorScope;
-using test::Exact;
-using test::kResidualThreshold;
-using test::Matrix;
-using test::Random;
-using test::Wide;
 
 constexpr bool is_upper(char uplo) {
     return uplo == 'U' || uplo == 'u';
 }
 
-// The factor as a dense triangle (the other triangle zero).
+// ||A - Uᴴ U||₁ or ||A - L Lᴴ||₁ over n ||A||₁ eps, the factor the triangle `uplo` names of f.
 template <class T>
-Wide triangle(const Matrix<T>& f, char uplo) {
-    Wide t(f.rows, f.cols);
-    for (zint j = 0; j < f.cols; ++j) {
-        for (zint i = 0; i < f.rows; ++i) {
-            if (is_upper(uplo) ? i <= j : i >= j) t(i, j) = f.at(i, j);
+double cholesky_residual(const Matrix<T>& a, const Wide& f, char uplo) {
+    const Wide factor = triangle(f, is_upper(uplo), false);
+    const Wide product =
+        is_upper(uplo) ? multiply(op(factor, 'C'), factor) : multiply(factor, op(factor, 'C'));
+    return static_cast<double>(difference_norm(product, widen_matrix(a)) /
+                               (a.rows * one_norm(a) * epsilon()));
+}
+
+// The Hermitian inverse one triangle of f holds, against A.
+template <class T>
+double potri_residual(const Matrix<T>& a, const Wide& f, char uplo) {
+    Wide inverse(a.rows, a.rows);
+    for (zint j = 0; j < a.rows; ++j) {
+        for (zint i = 0; i < a.rows; ++i) {
+            inverse(i, j) = (is_upper(uplo) ? i <= j : i >= j) ? f(i, j) : conj(f(j, i));
         }
     }
-    return t;
+    return inverse_residual(widen_matrix(a), inverse);
 }
 
-// ||A - Uᴴ U||₁ or ||A - L Lᴴ||₁ over n ||A||₁ eps.
-template <class T>
-double cholesky_residual(const Matrix<T>& a, const Wide& factor, char uplo) {
-    const Wide product = is_upper(uplo) ? test::multiply(test::adjoint(factor), factor)
-                                        : test::multiply(factor, test::adjoint(factor));
-    return static_cast<double>(test::difference_norm(product, test::widen_matrix(a)) /
-                               (a.rows * test::one_norm(a) * test::epsilon()));
-}
-
-// ||I - A inv(A)||₁ over n ||A||₁ ||inv(A)||₁ eps, with inv(A) given by one triangle.
-template <class T>
-double inverse_residual(const Matrix<T>& a, const Wide& inverse_triangle, char uplo) {
-    const zint n = a.rows;
-    Wide inverse(n, n);
-    for (zint j = 0; j < n; ++j) {
-        for (zint i = 0; i < n; ++i) {
-            const bool stored = is_upper(uplo) ? i <= j : i >= j;
-            inverse(i, j) = stored ? inverse_triangle(i, j) : std::conj(inverse_triangle(j, i));
-        }
-    }
-    Wide product = test::multiply(test::widen_matrix(a), inverse);
-    for (zint i = 0; i < n; ++i) product(i, i) -= 1;
-    return static_cast<double>(test::one_norm(product) /
-                               (n * test::one_norm(a) * test::one_norm(inverse) * test::epsilon()));
-}
-
-template <class T>
-void potrf(char uplo, zint n, T* a, zint lda, zint& info) {
-    if constexpr (test::kIsComplex<T>) {
-        zpotrf(uplo, n, a, lda, info);
-    } else {
-        dpotrf(uplo, n, a, lda, info);
-    }
-}
-
-std::vector<zint> cholesky_orders() {
-    std::vector<zint> orders;
-    for (zint n = 1; n <= 70; ++n) orders.push_back(n);
-    for (zint n : {100, 129, 200, 300}) orders.push_back(n);
-    return orders;
-}
+// Orders around the crossover to the kernel (32), the kernels' own split (40 lower, 50 upper), the
+// diagonal blocks (64) and their halving.
+const zint kCholeskyOrders[] = {1,  2,  3,  5,  17, 31, 32, 33,  39,  40,  41,
+                                49, 50, 51, 63, 64, 65, 70, 100, 129, 200, 300};
 
 template <class T>
 void check_potrf_and_potri(zint n, char uplo) {
     Random random(static_cast<std::uint64_t>(n * 3 + uplo));
-    const Matrix<T> a = test::random_positive_definite<T>(random, n);
+    const Matrix<T> a = random_positive_definite<T>(random, n);
     Matrix<T> f = a;
     zint info = -1;
-    potrf(uplo, n, f.data(), f.ld, info);
+    ZOR_D_OR_Z(T, dpotrf, zpotrf, uplo, n, f.data(), f.ld, info);
     ASSERT_EQ(info, 0);
-    EXPECT_LT(cholesky_residual(a, triangle(f, uplo), uplo), kResidualThreshold) << n << uplo;
+    EXPECT_LT(cholesky_residual(a, widen_matrix(f), uplo), kResidualThreshold) << n << uplo;
     // The other triangle is never touched.
     for (zint j = 0; j < n; ++j) {
         for (zint i = 0; i < n; ++i) {
@@ -103,28 +66,24 @@ void check_potrf_and_potri(zint n, char uplo) {
             }
         }
     }
-    EXPECT_TRUE(test::padding_untouched(f));
+    EXPECT_TRUE(padding_untouched(f));
     if (n % 3 != 0 && n < 200) return;  // the inverse on a sample of the orders
-    if constexpr (test::kIsComplex<T>) {
-        zpotri(uplo, n, f.data(), f.ld, info);
-    } else {
-        dpotri(uplo, n, f.data(), f.ld, info);
-    }
+    ZOR_D_OR_Z(T, dpotri, zpotri, uplo, n, f.data(), f.ld, info);
     ASSERT_EQ(info, 0);
-    EXPECT_LT(inverse_residual(a, triangle(f, uplo), uplo), kResidualThreshold) << n << uplo;
+    EXPECT_LT(potri_residual(a, widen_matrix(f), uplo), kResidualThreshold) << n << uplo;
 }
 
 class Potrf : public ::testing::TestWithParam<zint> {};
 
 TEST_P(Potrf, FactorAndInverseReproduceTheMatrix) {
     for (char uplo : {'U', 'L', 'u', 'l'}) {
-        if ((uplo == 'u' || uplo == 'l') && GetParam() % 10 != 7) continue;
+        if ((uplo == 'u' || uplo == 'l') && GetParam() != 17 && GetParam() != 70) continue;
         check_potrf_and_potri<double>(GetParam(), uplo);
         check_potrf_and_potri<zcomplex>(GetParam(), uplo);
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Orders, Potrf, ::testing::ValuesIn(cholesky_orders()));
+INSTANTIATE_TEST_SUITE_P(Orders, Potrf, ::testing::ValuesIn(kCholeskyOrders));
 
 // A(k, k) (k >= 3) driven to exactly -1 by the columns before it: info k, the value left in A(k, k), on the
 // kernel path and inside the blocked one; a NaN on the diagonal fails the same way.
@@ -132,13 +91,13 @@ template <class T>
 Matrix<T> indefinite_at(zint n, zint k, double diagonal_value) {
     Matrix<T> a(n, n, n);
     for (zint j = 0; j < n; ++j) {
-        for (zint i = 0; i < n; ++i) a(i, j) = test::narrow_to<T>({i == j ? 1.0 : 0.0, 0.0});
+        for (zint i = 0; i < n; ++i) a(i, j) = narrow_to<T>({i == j ? 1.0 : 0.0, 0.0});
     }
     for (zint i : {zint{0}, k - 2}) {
-        a(i, k - 1) = test::narrow_to<T>({1.0, 0.0});
-        a(k - 1, i) = test::narrow_to<T>({1.0, 0.0});
+        a(i, k - 1) = narrow_to<T>({1.0, 0.0});
+        a(k - 1, i) = narrow_to<T>({1.0, 0.0});
     }
-    a(k - 1, k - 1) = test::narrow_to<T>({diagonal_value, 0.0});
+    a(k - 1, k - 1) = narrow_to<T>({diagonal_value, 0.0});
     return a;
 }
 
@@ -164,31 +123,27 @@ TEST(PotrfInfo, TheFailedDiagonalValueStaysInPlace) {
 
 // Every variant of the unblocked kernels, on both sides of the split at 50 (upper) and 40 (lower):
 // a valid factor, and the same info with the failed value in place.
-class Potf2Levels : public test::LevelTest {};
+class Potf2Levels : public LevelTest {};
 
 template <class T>
 void check_potf2_variant(CpuLevel level, bool upper, zint n) {
     const char uplo = upper ? 'U' : 'L';
     Random random(static_cast<std::uint64_t>(n));
-    const Matrix<T> a = test::random_positive_definite<T>(random, n, 1);
+    const Matrix<T> a = random_positive_definite<T>(random, n, 1);
     Matrix<T> f = a;
     zint info = 0;
-    if constexpr (test::kIsComplex<T>) {
-        (upper ? zpotf2_upper : zpotf2_lower).variant(level)(n, f.data(), f.ld, info);
-    } else {
-        (upper ? dpotf2_upper : dpotf2_lower).variant(level)(n, f.data(), f.ld, info);
-    }
+    auto kernel = [&](Matrix<T>& m) {
+        ZOR_D_OR_Z(T, (upper ? dpotf2_upper : dpotf2_lower).variant(level),
+                   (upper ? zpotf2_upper : zpotf2_lower).variant(level), n, m.data(), m.ld, info);
+    };
+    kernel(f);
     ASSERT_EQ(info, 0);
-    EXPECT_LT(cholesky_residual(a, triangle(f, uplo), uplo), kResidualThreshold) << n << uplo;
+    EXPECT_LT(cholesky_residual(a, widen_matrix(f), uplo), kResidualThreshold) << n << uplo;
     const zint k = n - 1;
     Matrix<T> bad = indefinite_at<T>(n, k, 1.0);
-    if constexpr (test::kIsComplex<T>) {
-        (upper ? zpotf2_upper : zpotf2_lower).variant(level)(n, bad.data(), bad.ld, info);
-    } else {
-        (upper ? dpotf2_upper : dpotf2_lower).variant(level)(n, bad.data(), bad.ld, info);
-    }
+    kernel(bad);
     EXPECT_EQ(info, k);
-    EXPECT_EQ(test::wide(bad(k - 1, k - 1)), Exact(-1));
+    EXPECT_TRUE(value(bad(k - 1, k - 1)).re == -1 && value(bad(k - 1, k - 1)).im == 0);
 }
 
 TEST_P(Potf2Levels, BothPathsFactorAndFailAlike) {
@@ -200,26 +155,18 @@ TEST_P(Potf2Levels, BothPathsFactorAndFailAlike) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, Potf2Levels, test::kAllLevels, test::level_param_name);
+INSTANTIATE_TEST_SUITE_P(Levels, Potf2Levels, kAllLevels, level_param_name);
 
 template <class T>
 void check_posv(zint n, zint nrhs, char uplo) {
     Random random(static_cast<std::uint64_t>(n + nrhs * 7));
-    const Matrix<T> a = test::random_positive_definite<T>(random, n);
-    const Matrix<T> b = test::random_matrix<T>(random, n, nrhs, 2);
+    const Matrix<T> a = random_positive_definite<T>(random, n);
+    const Matrix<T> b = random_matrix<T>(random, n, nrhs, 2);
     Matrix<T> f = a, x = b;
     zint info = 0;
-    if constexpr (test::kIsComplex<T>) {
-        zposv(uplo, n, nrhs, f.data(), f.ld, x.data(), x.ld, info);
-    } else {
-        dposv(uplo, n, nrhs, f.data(), f.ld, x.data(), x.ld, info);
-    }
+    ZOR_D_OR_Z(T, dposv, zposv, uplo, n, nrhs, f.data(), f.ld, x.data(), x.ld, info);
     ASSERT_EQ(info, 0);
-    const long double residual =
-        test::difference_norm(test::multiply(test::widen_matrix(a), test::widen_matrix(x)),
-                              test::widen_matrix(b)) /
-        (n * test::one_norm(a) * test::one_norm(x) * test::epsilon());
-    EXPECT_LT(static_cast<double>(residual), kResidualThreshold) << n << " " << nrhs << uplo;
+    EXPECT_LT(solve_residual(widen_matrix(a), 'N', x, b), kResidualThreshold) << n << " " << nrhs << uplo;
 }
 
 TEST(Posv, SolvesWithEitherTriangle) {
@@ -235,34 +182,15 @@ TEST(Posv, SolvesWithEitherTriangle) {
 
 // ---- packed storage -----------------------------------------------------------------------------
 
-template <class T>
-std::vector<T> pack(const Matrix<T>& a, char uplo) {
-    std::vector<T> ap;
-    for (zint j = 0; j < a.cols; ++j) {
-        for (zint i = is_upper(uplo) ? 0 : j; i < (is_upper(uplo) ? j + 1 : a.rows); ++i)
-            ap.push_back(a(i, j));
-    }
-    return ap;
-}
-
-template <class T>
-Wide unpack(const std::vector<T>& ap, zint n, char uplo) {
-    Wide t(n, n);
-    std::size_t p = 0;
-    for (zint j = 0; j < n; ++j) {
-        for (zint i = is_upper(uplo) ? 0 : j; i < (is_upper(uplo) ? j + 1 : n); ++i)
-            t(i, j) = test::wide(ap[p++]);
-    }
-    return t;
-}
-
-template <class T>
-void pptrf(char uplo, zint n, T* ap, zint& info) {
-    if constexpr (test::kIsComplex<T>) {
-        zpptrf(uplo, n, ap, info);
-    } else {
-        dpptrf(uplo, n, ap, info);
-    }
+// Runs `call` with every allocation failing when `starve` (the cached blocks freed first, so that
+// the system is asked); returns how many allocations it asked for.
+template <class F>
+int with_allocations(bool starve, F call) {
+    free_all_buffers();
+    AllocatorScope allocator;
+    if (starve) AllocatorScope::fail_next(1 << 30);
+    call();
+    return AllocatorScope::allocations();
 }
 
 // Factor, solve and invert in packed storage; `starve` makes every allocation fail, so that the
@@ -270,52 +198,30 @@ void pptrf(char uplo, zint n, T* ap, zint& info) {
 template <class T>
 void check_packed(zint n, char uplo, bool starve) {
     Random random(static_cast<std::uint64_t>(n * 5 + uplo));
-    const Matrix<T> a = test::random_positive_definite<T>(random, n);
+    const Matrix<T> a = random_positive_definite<T>(random, n);
     std::vector<T> ap = pack(a, uplo);
     zint info = -1;
     ::testing::internal::CaptureStdout();
-    {
-        // Cached blocks would serve the request without asking the system.
-        free_all_buffers();
-        AllocatorScope allocator;
-        if (starve) AllocatorScope::fail_next(1 << 30);
-        pptrf(uplo, n, ap.data(), info);
-        if (starve && n > ilaenv(3, "DPPTRF", " ", n, -1, -1, -1)) {
-            EXPECT_GT(AllocatorScope::allocations(), 0);
-        }
-    }
+    const int asked =
+        with_allocations(starve, [&] { ZOR_D_OR_Z(T, dpptrf, zpptrf, uplo, n, ap.data(), info); });
     EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");  // the fallback is silent
+    EXPECT_TRUE(!starve || n <= ilaenv(3, "DPPTRF", " ", n, -1, -1, -1) || asked > 0)
+        << "the work block was not asked for";
     ASSERT_EQ(info, 0);
     EXPECT_LT(cholesky_residual(a, unpack(ap, n, uplo), uplo), kResidualThreshold) << n << uplo << starve;
 
     for (zint nrhs : {zint{1}, zint{12}}) {
-        const Matrix<T> b = test::random_matrix<T>(random, n, nrhs, 1);
+        const Matrix<T> b = random_matrix<T>(random, n, nrhs, 1);
         Matrix<T> x = b;
-        {
-            free_all_buffers();
-            AllocatorScope allocator;
-            if (starve) AllocatorScope::fail_next(1 << 30);
-            if constexpr (test::kIsComplex<T>) {
-                zpptrs(uplo, n, nrhs, ap.data(), x.data(), x.ld, info);
-            } else {
-                dpptrs(uplo, n, nrhs, ap.data(), x.data(), x.ld, info);
-            }
-        }
+        with_allocations(
+            starve, [&] { ZOR_D_OR_Z(T, dpptrs, zpptrs, uplo, n, nrhs, ap.data(), x.data(), x.ld, info); });
         ASSERT_EQ(info, 0);
-        const long double residual =
-            test::difference_norm(test::multiply(test::widen_matrix(a), test::widen_matrix(x)),
-                                  test::widen_matrix(b)) /
-            (n * test::one_norm(a) * test::one_norm(x) * test::epsilon());
-        EXPECT_LT(static_cast<double>(residual), kResidualThreshold) << n << uplo << nrhs << starve;
+        EXPECT_LT(solve_residual(widen_matrix(a), 'N', x, b), kResidualThreshold)
+            << n << uplo << nrhs << starve;
     }
-
-    if constexpr (test::kIsComplex<T>) {
-        zpptri(uplo, n, ap.data(), info);
-    } else {
-        dpptri(uplo, n, ap.data(), info);
-    }
+    ZOR_D_OR_Z(T, dpptri, zpptri, uplo, n, ap.data(), info);
     ASSERT_EQ(info, 0);
-    EXPECT_LT(inverse_residual(a, unpack(ap, n, uplo), uplo), kResidualThreshold) << n << uplo;
+    EXPECT_LT(potri_residual(a, unpack(ap, n, uplo), uplo), kResidualThreshold) << n << uplo;
 }
 
 TEST(Packed, FactorSolveAndInverseOnBothPaths) {
@@ -339,21 +245,16 @@ TEST(Packed, NotPositiveDefiniteOnEveryPath) {
                 const zint k = n - 2;
                 std::vector<double> ap = pack(indefinite_at<double>(n, k, 1.0), uplo);
                 zint info = 0;
-                {
-                    free_all_buffers();
-                    AllocatorScope allocator;
-                    if (starve) AllocatorScope::fail_next(1 << 30);
-                    dpptrf(uplo, n, ap.data(), info);
-                }
+                with_allocations(starve, [&] { dpptrf(uplo, n, ap.data(), info); });
                 EXPECT_EQ(info, k) << n << uplo << starve;
-                EXPECT_EQ(unpack(ap, n, uplo)(k - 1, k - 1), Exact(-1)) << n << uplo << starve;
+                EXPECT_EQ(unpack(ap, n, uplo)(k - 1, k - 1).re, -1) << n << uplo << starve;
             }
         }
     }
 }
 
 // The packed kernels compute the same bits at every level.
-class PackedKernelLevels : public test::LevelTest {};
+class PackedKernelLevels : public LevelTest {};
 
 TEST_P(PackedKernelLevels, EveryVariantGivesTheDefaultBits) {
     const zint n = 45, k = 5;
@@ -361,15 +262,15 @@ TEST_P(PackedKernelLevels, EveryVariantGivesTheDefaultBits) {
     for (char uplo : {'U', 'L'}) {
         std::vector<double> ap(n * (n + 1) / 2);
         for (auto& v : ap) v = random.uniform() + 2.0;
-        const Matrix<double> b = test::random_matrix<double>(random, n, k, 0);
+        const Matrix<double> b = random_matrix<double>(random, n, k, 0);
         for (char trans : {'N', 'T'}) {
             Matrix<double> expected = b, got = b;
             dtpsm.variant(CpuLevel::Default)(uplo, trans, 'N', n, k, ap.data(), expected.data(), n, 0);
             dtpsm.variant(level())(uplo, trans, 'N', n, k, ap.data(), got.data(), n, 0);
-            EXPECT_TRUE(test::same_contents(expected, got)) << uplo << trans;
+            EXPECT_TRUE(same_contents(expected, got)) << uplo << trans;
             dtpmv.variant(CpuLevel::Default)(uplo, trans, 'U', n, ap.data(), expected.data(), 1);
             dtpmv.variant(level())(uplo, trans, 'U', n, ap.data(), got.data(), 1);
-            EXPECT_TRUE(test::same_contents(expected, got)) << uplo << trans;
+            EXPECT_TRUE(same_contents(expected, got)) << uplo << trans;
         }
         std::vector<double> expected = ap, got = ap;
         dsprk.variant(CpuLevel::Default)(uplo, n - 5, 3, -0.5, b.data(), n - 1, -1, expected.data());
@@ -378,51 +279,45 @@ TEST_P(PackedKernelLevels, EveryVariantGivesTheDefaultBits) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, PackedKernelLevels, test::kAllLevels, test::level_param_name);
+INSTANTIATE_TEST_SUITE_P(Levels, PackedKernelLevels, kAllLevels, level_param_name);
 
 // ---- argument checks ----------------------------------------------------------------------------
-
-class CholeskyArguments : public ::testing::TestWithParam<test::ArgumentCase> {};
-
-TEST_P(CholeskyArguments, TheFirstBadParameterIsReported) {
-    test::expect_argument_error(GetParam());
-}
 
 double g_a[16];
 zcomplex g_z[16];
 
-const test::ArgumentCase kCholeskyArgumentCases[] = {
-    {"DPOTRF", -1, [] { return test::info_of(dpotrf, 'X', 2, g_a, 2); }},
-    {"DPOTRF", -2, [] { return test::info_of(dpotrf, 'U', -1, g_a, 2); }},
-    {"DPOTRF", -4, [] { return test::info_of(dpotrf, 'L', 3, g_a, 2); }},
-    {"ZPOTRF", -4, [] { return test::info_of(zpotrf, 'l', 3, g_z, 2); }},
-    {"DPOTF2", -1, [] { return test::info_of(dpotf2, 'N', 2, g_a, 2); }},
-    {"DPOTF2", -2, [] { return test::info_of(dpotf2, 'U', -2, g_a, 2); }},
-    {"ZPOTF2", -4, [] { return test::info_of(zpotf2, 'U', 2, g_z, 1); }},
-    {"DPOTRS", -1, [] { return test::info_of(dpotrs, 'x', 2, 1, g_a, 2, g_a, 2); }},
-    {"DPOTRS", -2, [] { return test::info_of(dpotrs, 'U', -1, 1, g_a, 2, g_a, 2); }},
-    {"DPOTRS", -3, [] { return test::info_of(dpotrs, 'U', 2, -1, g_a, 2, g_a, 2); }},
-    {"DPOTRS", -5, [] { return test::info_of(dpotrs, 'U', 2, 1, g_a, 1, g_a, 2); }},
-    {"DPOTRS", -7, [] { return test::info_of(dpotrs, 'U', 2, 1, g_a, 2, g_a, 1); }},
-    {"DPOSV ", -1, [] { return test::info_of(dposv, 'A', 2, 1, g_a, 2, g_a, 2); }},
-    {"DPOSV ", -2, [] { return test::info_of(dposv, 'U', -1, 1, g_a, 2, g_a, 2); }},
-    {"DPOSV ", -3, [] { return test::info_of(dposv, 'U', 2, -1, g_a, 2, g_a, 2); }},
-    {"DPOSV ", -5, [] { return test::info_of(dposv, 'L', 2, 1, g_a, 1, g_a, 2); }},
-    {"ZPOSV ", -7, [] { return test::info_of(zposv, 'L', 2, 1, g_z, 2, g_z, 1); }},
-    {"DPOTRI", -1, [] { return test::info_of(dpotri, 'B', 2, g_a, 2); }},
-    {"DPOTRI", -2, [] { return test::info_of(dpotri, 'U', -1, g_a, 2); }},
-    {"ZPOTRI", -4, [] { return test::info_of(zpotri, 'U', 2, g_z, 1); }},
-    {"DPPTRF", -1, [] { return test::info_of(dpptrf, 'Q', 2, g_a); }},
-    {"ZPPTRF", -2, [] { return test::info_of(zpptrf, 'U', -1, g_z); }},
-    {"DPPTRS", -1, [] { return test::info_of(dpptrs, 'Q', 2, 1, g_a, g_a, 2); }},
-    {"DPPTRS", -2, [] { return test::info_of(dpptrs, 'U', -2, 1, g_a, g_a, 2); }},
-    {"DPPTRS", -3, [] { return test::info_of(dpptrs, 'U', 2, -1, g_a, g_a, 2); }},
-    {"ZPPTRS", -6, [] { return test::info_of(zpptrs, 'L', 2, 1, g_z, g_z, 1); }},
-    {"DPPTRI", -1, [] { return test::info_of(dpptri, '0', 2, g_a); }},
-    {"ZPPTRI", -2, [] { return test::info_of(zpptri, 'L', -5, g_z); }},
+const ArgumentCase kCholeskyArgumentCases[] = {
+    {"DPOTRF", -1, [] { return info_of(dpotrf, 'X', 2, g_a, 2); }},
+    {"DPOTRF", -2, [] { return info_of(dpotrf, 'U', -1, g_a, 2); }},
+    {"DPOTRF", -4, [] { return info_of(dpotrf, 'L', 3, g_a, 2); }},
+    {"ZPOTRF", -4, [] { return info_of(zpotrf, 'l', 3, g_z, 2); }},
+    {"DPOTF2", -1, [] { return info_of(dpotf2, 'N', 2, g_a, 2); }},
+    {"DPOTF2", -2, [] { return info_of(dpotf2, 'U', -2, g_a, 2); }},
+    {"ZPOTF2", -4, [] { return info_of(zpotf2, 'U', 2, g_z, 1); }},
+    {"DPOTRS", -1, [] { return info_of(dpotrs, 'x', 2, 1, g_a, 2, g_a, 2); }},
+    {"DPOTRS", -2, [] { return info_of(dpotrs, 'U', -1, 1, g_a, 2, g_a, 2); }},
+    {"DPOTRS", -3, [] { return info_of(dpotrs, 'U', 2, -1, g_a, 2, g_a, 2); }},
+    {"DPOTRS", -5, [] { return info_of(dpotrs, 'U', 2, 1, g_a, 1, g_a, 2); }},
+    {"DPOTRS", -7, [] { return info_of(dpotrs, 'U', 2, 1, g_a, 2, g_a, 1); }},
+    {"DPOSV ", -1, [] { return info_of(dposv, 'A', 2, 1, g_a, 2, g_a, 2); }},
+    {"DPOSV ", -2, [] { return info_of(dposv, 'U', -1, 1, g_a, 2, g_a, 2); }},
+    {"DPOSV ", -3, [] { return info_of(dposv, 'U', 2, -1, g_a, 2, g_a, 2); }},
+    {"DPOSV ", -5, [] { return info_of(dposv, 'L', 2, 1, g_a, 1, g_a, 2); }},
+    {"ZPOSV ", -7, [] { return info_of(zposv, 'L', 2, 1, g_z, 2, g_z, 1); }},
+    {"DPOTRI", -1, [] { return info_of(dpotri, 'B', 2, g_a, 2); }},
+    {"DPOTRI", -2, [] { return info_of(dpotri, 'U', -1, g_a, 2); }},
+    {"ZPOTRI", -4, [] { return info_of(zpotri, 'U', 2, g_z, 1); }},
+    {"DPPTRF", -1, [] { return info_of(dpptrf, 'Q', 2, g_a); }},
+    {"ZPPTRF", -2, [] { return info_of(zpptrf, 'U', -1, g_z); }},
+    {"DPPTRS", -1, [] { return info_of(dpptrs, 'Q', 2, 1, g_a, g_a, 2); }},
+    {"DPPTRS", -2, [] { return info_of(dpptrs, 'U', -2, 1, g_a, g_a, 2); }},
+    {"DPPTRS", -3, [] { return info_of(dpptrs, 'U', 2, -1, g_a, g_a, 2); }},
+    {"ZPPTRS", -6, [] { return info_of(zpptrs, 'L', 2, 1, g_z, g_z, 1); }},
+    {"DPPTRI", -1, [] { return info_of(dpptri, '0', 2, g_a); }},
+    {"ZPPTRI", -2, [] { return info_of(zpptri, 'L', -5, g_z); }},
 };
 
-INSTANTIATE_TEST_SUITE_P(EveryParameter, CholeskyArguments, ::testing::ValuesIn(kCholeskyArgumentCases));
+INSTANTIATE_TEST_SUITE_P(CholeskyArguments, ArgumentChecks, ::testing::ValuesIn(kCholeskyArgumentCases));
 
 TEST(CholeskyQuickReturns, EmptyMatricesTouchNothing) {
     zint info = 3;
@@ -437,48 +332,48 @@ TEST(CholeskyQuickReturns, EmptyMatricesTouchNothing) {
 // ---- progress -----------------------------------------------------------------------------------
 
 void progress_child() {
-    test::use_progress_log();
+    use_progress_log();
     Random random(2);
     const zint n = 300;
-    Matrix<double> a = test::random_positive_definite<double>(random, n);
+    Matrix<double> a = random_positive_definite<double>(random, n);
     Matrix<double> f = a;
     zint info = 0;
     dpotrf('L', n, f.data(), f.ld, info);
-    const auto& steps = test::ProgressLog::steps;
+    const auto& steps = ProgressLog::steps;
     if (info != 0 || steps.empty() || steps.back() != n) std::exit(1);
     for (std::size_t i = 1; i < steps.size(); ++i) {
         if (steps[i] <= steps[i - 1]) std::exit(2);
     }
-    if (test::ProgressLog::stages[0] != "DPOTRF") std::exit(3);
+    if (ProgressLog::stages[0] != "DPOTRF") std::exit(3);
     // Stopped at its first report: only the first diagonal block was factored.
-    test::ProgressLog::reset(1);
-    Matrix<zcomplex> z = test::random_positive_definite<zcomplex>(random, n);
+    ProgressLog::reset(1);
+    Matrix<zcomplex> z = random_positive_definite<zcomplex>(random, n);
     const Matrix<zcomplex> z0 = z;
     zpotrf('U', n, z.data(), z.ld, info);
-    if (test::ProgressLog::calls != 1 || test::ProgressLog::stages[0] != "ZPOTRF") std::exit(4);
+    if (ProgressLog::calls != 1 || ProgressLog::stages[0] != "ZPOTRF") std::exit(4);
     if (std::memcmp(&z(n - 1, n - 1), &z0(n - 1, n - 1), sizeof(zcomplex)) != 0) std::exit(5);
     // dposv skips the solve after a stop.
-    test::ProgressLog::reset(1);
-    Matrix<double> b = test::random_matrix<double>(random, n, 1);
+    ProgressLog::reset(1);
+    Matrix<double> b = random_matrix<double>(random, n, 1);
     const Matrix<double> b0 = b;
     f = a;
     dposv('U', n, 1, f.data(), f.ld, b.data(), b.ld, info);
-    if (!test::same_contents(b, b0)) std::exit(6);
+    if (!same_contents(b, b0)) std::exit(6);
     // Below the crossover the kernel runs without a report.
-    test::ProgressLog::reset();
+    ProgressLog::reset();
     const zint small = ilaenv(3, "DPOTRF", "U", 10, -1, -1, -1) - 1;
     if (small > 0) {
-        Matrix<double> s = test::random_positive_definite<double>(random, small);
+        Matrix<double> s = random_positive_definite<double>(random, small);
         dpotrf('U', small, s.data(), s.ld, info);
-        if (test::ProgressLog::calls != 0) std::exit(7);
+        if (ProgressLog::calls != 0) std::exit(7);
     }
     // The packed factorisation reports its diagonal blocks as "DPPTRF".
     std::vector<double> ap = pack(a, 'U');
     dpptrf('U', n, ap.data(), info);
-    if (test::ProgressLog::stages.empty() || test::ProgressLog::stages.back() != "DPPTRF") std::exit(8);
-    if (test::ProgressLog::steps.back() != n) std::exit(9);
+    if (ProgressLog::stages.empty() || ProgressLog::stages.back() != "DPPTRF") std::exit(8);
+    if (ProgressLog::steps.back() != n) std::exit(9);
     dpotrf('U', 0, f.data(), 1, info);
-    std::exit(test::ProgressLog::steps.back() == n ? 0 : 10);
+    std::exit(ProgressLog::steps.back() == n ? 0 : 10);
 }
 
 TEST(CholeskyProgress, ReportsDiagonalBlocksAndStopsAtOnceWhenAsked) {
@@ -486,4 +381,4 @@ TEST(CholeskyProgress, ReportsDiagonalBlocksAndStopsAtOnceWhenAsked) {
 }
 
 }  // namespace
-}  // namespace zor
+}  // namespace zor::test

@@ -7,38 +7,29 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <complex>
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <ostream>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "service/types.hpp"
+#include "support/arguments.hpp"
+#include "support/level3_reference.hpp"
 #include "support/random.hpp"
 
 namespace zor::test {
 
-using Exact = std::complex<long double>;
+// The factors and residuals in long double: the reference's matrices and values.
+using Wide = Dense;
+using Exact = Value;
 
 template <class T>
-inline constexpr bool kIsComplex = std::is_same_v<T, zcomplex>;
+inline constexpr bool kIsComplex = kComplex<T>;
 
-inline Exact wide(double x) {
-    return {x, 0};
-}
-inline Exact wide(const zcomplex& x) {
-    return {x.re, x.im};
-}
 template <class T>
 T narrow_to(const Exact& x) {
-    if constexpr (kIsComplex<T>) {
-        return {static_cast<double>(x.real()), static_cast<double>(x.imag())};
-    } else {
-        return static_cast<double>(x.real());
-    }
+    return scalar<T>(static_cast<double>(x.re), static_cast<double>(x.im));
 }
 
 inline double epsilon() {
@@ -62,14 +53,15 @@ struct Matrix {
 
     Matrix() = default;
     Matrix(zint m, zint n, zint ld_)
-        : rows(m), cols(n), ld(ld_), v(static_cast<std::size_t>(ld_ * (n > 0 ? n : 1))) {
-        for (auto& x : v) x = narrow_to<T>({kPoison, kPoison});
-    }
+        : rows(m),
+          cols(n),
+          ld(ld_),
+          v(static_cast<std::size_t>(ld_ * (n > 0 ? n : 1)), scalar<T>(kPoison, kPoison)) {}
     T& operator()(zint i, zint j) { return v[static_cast<std::size_t>(i + j * ld)]; }
     const T& operator()(zint i, zint j) const { return v[static_cast<std::size_t>(i + j * ld)]; }
     T* data() { return v.data(); }
     const T* data() const { return v.data(); }
-    Exact at(zint i, zint j) const { return wide((*this)(i, j)); }
+    Exact at(zint i, zint j) const { return value((*this)(i, j)); }
 };
 
 template <class T>
@@ -88,78 +80,88 @@ Matrix<T> random_positive_definite(Random& random, zint n, zint pad = 3) {
     Matrix<T> a(n, n, n + pad);
     for (zint j = 0; j < n; ++j) {
         for (zint i = 0; i <= j; ++i) {
-            Exact s = 0;
-            for (zint k = 0; k < n; ++k) s += b.at(i, k) * std::conj(b.at(j, k));
-            s /= static_cast<long double>(n);
-            if (i == j) s = {s.real() + 1, 0};
+            Exact s;
+            for (zint k = 0; k < n; ++k) s = s + b.at(i, k) * conj(b.at(j, k));
+            s = s * Exact{1.0L / n, 0};
+            if (i == j) s = {s.re + 1, 0};
             a(i, j) = narrow_to<T>(s);
-            a(j, i) = narrow_to<T>(std::conj(s));
+            a(j, i) = narrow_to<T>(conj(s));
         }
     }
     return a;
 }
 
-// The largest column sum of |a(i, j)| over the m by n matrix given as a function.
-template <class F>
-long double one_norm(zint m, zint n, F element) {
+// The largest column sum of |a(i, j)|.
+inline long double one_norm(const Wide& a) {
     long double best = 0;
-    for (zint j = 0; j < n; ++j) {
+    for (zint j = 0; j < a.cols; ++j) {
         long double s = 0;
-        for (zint i = 0; i < m; ++i) s += std::abs(element(i, j));
+        for (zint i = 0; i < a.rows; ++i) s += std::hypot(a(i, j).re, a(i, j).im);
         if (s > best || std::isnan(s)) best = s;
     }
     return best;
 }
 
 template <class T>
-long double one_norm(const Matrix<T>& a) {
-    return one_norm(a.rows, a.cols, [&](zint i, zint j) { return a.at(i, j); });
+Wide widen_matrix(const Matrix<T>& a) {
+    return load(a.data(), a.rows, a.cols, a.ld);
 }
 
-// A dense m by n product of long double values, column-major.
-struct Wide {
-    zint rows, cols;
-    std::vector<Exact> v;
-    Wide(zint m, zint n) : rows(m), cols(n), v(static_cast<std::size_t>(m * n)) {}
-    Exact& operator()(zint i, zint j) { return v[static_cast<std::size_t>(i + j * rows)]; }
-    const Exact& operator()(zint i, zint j) const { return v[static_cast<std::size_t>(i + j * rows)]; }
-};
+template <class T>
+long double one_norm(const Matrix<T>& a) {
+    return one_norm(widen_matrix(a));
+}
 
 inline Wide multiply(const Wide& a, const Wide& b) {
     Wide c(a.rows, b.cols);
     for (zint j = 0; j < b.cols; ++j) {
         for (zint k = 0; k < a.cols; ++k) {
             const Exact f = b(k, j);
-            if (f == Exact(0)) continue;
-            for (zint i = 0; i < a.rows; ++i) c(i, j) += a(i, k) * f;
+            if (f.re == 0 && f.im == 0) continue;
+            for (zint i = 0; i < a.rows; ++i) c(i, j) = c(i, j) + a(i, k) * f;
         }
     }
     return c;
 }
 
-template <class T>
-Wide widen_matrix(const Matrix<T>& a) {
-    Wide w(a.rows, a.cols);
-    for (zint j = 0; j < a.cols; ++j) {
-        for (zint i = 0; i < a.rows; ++i) w(i, j) = a.at(i, j);
-    }
-    return w;
+// ||a - b||₁
+inline long double difference_norm(const Wide& a, Wide b) {
+    for (std::size_t k = 0; k < b.v.size(); ++k) b.v[k] = a.v[k] - b.v[k];
+    return one_norm(b);
 }
 
-inline Wide adjoint(const Wide& a) {
-    Wide t(a.cols, a.rows);
+// The scaled residual of a solve op(A) X = B: ||op(A) X - B||₁ / (n ||op(A)||₁ ||X||₁ eps).
+template <class T>
+double solve_residual(const Wide& a, char trans, const Matrix<T>& x, const Matrix<T>& b) {
+    const Wide o = op(a, trans), wx = widen_matrix(x);
+    return static_cast<double>(difference_norm(multiply(o, wx), widen_matrix(b)) /
+                               (a.rows * one_norm(o) * one_norm(wx) * epsilon()));
+}
+
+// The scaled residual of an inverse: ||A inv(A) - I||₁ / (n ||A||₁ ||inv(A)||₁ eps).
+inline double inverse_residual(const Wide& a, const Wide& inverse) {
+    Wide product = multiply(a, inverse);
+    for (zint i = 0; i < a.rows; ++i) product(i, i).re -= 1;
+    return static_cast<double>(one_norm(product) / (a.rows * one_norm(a) * one_norm(inverse) * epsilon()));
+}
+
+// Packed storage of the triangle `uplo` names, column by column, and back (the other triangle zero).
+template <class T>
+std::vector<T> pack(const Matrix<T>& a, char uplo) {
+    std::vector<T> ap;
     for (zint j = 0; j < a.cols; ++j) {
-        for (zint i = 0; i < a.rows; ++i) t(j, i) = std::conj(a(i, j));
+        for (zint i = uplo == 'U' ? 0 : j; i < (uplo == 'U' ? j + 1 : a.rows); ++i) ap.push_back(a(i, j));
+    }
+    return ap;
+}
+template <class T>
+Wide unpack(const std::vector<T>& ap, zint n, char uplo) {
+    Wide t(n, n);
+    std::size_t p = 0;
+    for (zint j = 0; j < n; ++j) {
+        for (zint i = uplo == 'U' ? 0 : j; i < (uplo == 'U' ? j + 1 : n); ++i) t(i, j) = value(ap[p++]);
     }
     return t;
-}
-
-// ||a - b||₁
-inline long double difference_norm(const Wide& a, const Wide& b) {
-    return one_norm(a.rows, a.cols, [&](zint i, zint j) { return a(i, j) - b(i, j); });
-}
-inline long double one_norm(const Wide& a) {
-    return one_norm(a.rows, a.cols, [&](zint i, zint j) { return a(i, j); });
 }
 
 // The padding of a matrix (rows m..ld-1) is still NaN: nothing was written outside the matrix.
@@ -167,8 +169,7 @@ template <class T>
 bool padding_untouched(const Matrix<T>& a) {
     for (zint j = 0; j < a.cols; ++j) {
         for (zint i = a.rows; i < a.ld; ++i) {
-            const Exact x = a.at(i, j);
-            if (!std::isnan(x.real())) return false;
+            if (!std::isnan(a.at(i, j).re)) return false;
         }
     }
     return true;
@@ -182,29 +183,6 @@ bool same_contents(const Matrix<T>& a, const Matrix<T>& b) {
 
 // The threshold of the LAPACK test suite for its scaled residuals.
 inline constexpr double kResidualThreshold = 30.0;
-
-// One bad-argument call of a LAPACK routine: the name it prints (blank-padded) and the info it must
-// return (-k for parameter k).
-struct ArgumentCase {
-    const char* name;
-    zint expected;
-    zint (*call)();
-};
-
-inline void PrintTo(const ArgumentCase& c, std::ostream* out) {
-    *out << c.name << " " << c.expected;
-}
-
-// The info a routine of the Fortran calling form (info its last parameter) returns for `arguments`.
-template <class... Parameters, class... Arguments>
-zint info_of(void (*routine)(Parameters...), Arguments... arguments) {
-    zint info = 0;
-    routine(arguments..., info);
-    return info;
-}
-
-// The call returns the expected info and prints exactly the report of parameter k.
-void expect_argument_error(const ArgumentCase& c);
 
 // A progress handler that records its calls and answers `stop_at`-th call (counted from 1) with 1.
 struct ProgressLog {

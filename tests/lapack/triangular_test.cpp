@@ -3,22 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <string>
 #include <vector>
 
 #include "lapack/factor_support.hpp"
 #include "lapack/triangular/triangular.hpp"
 #include "lapack/tuning/tuning.hpp"
 
-namespace zor {
+namespace zor::test {
 namespace {
-
-using test::Exact;
-using test::kResidualThreshold;
-using test::Matrix;
-using test::Random;
-using test::Wide;
 
 struct Options {
     char uplo, diag;
@@ -33,82 +25,36 @@ Matrix<T> random_triangle(Random& random, zint n, Options o) {
     for (zint j = 0; j < n; ++j) {
         for (zint i = 0; i < n; ++i) {
             if (i == j) {
-                a(i, j) =
-                    o.diag == 'U'
-                        ? test::narrow_to<T>({test::kPoison, test::kPoison})
-                        : test::narrow_to<T>(Exact(2.0L, 0) + test::wide(test::random_element<T>(random)));
+                a(i, j) = o.diag == 'U' ? narrow_to<T>({kPoison, kPoison})
+                                        : narrow_to<T>(Exact{2, 0} + value(random_element<T>(random)));
             } else if (upper ? i < j : i > j) {
-                a(i, j) = test::narrow_to<T>(test::wide(test::random_element<T>(random)) /
-                                             static_cast<long double>(n));
+                a(i, j) = narrow_to<T>(value(random_element<T>(random)) * Exact{1.0L / n, 0});
             }
         }
     }
     return a;
 }
 
-template <class T>
-Wide dense_triangle(const Matrix<T>& a, Options o) {
-    Wide t(a.rows, a.cols);
-    for (zint j = 0; j < a.cols; ++j) {
-        for (zint i = 0; i < a.rows; ++i) {
-            if (i == j) {
-                t(i, j) = o.diag == 'U' ? Exact(1) : a.at(i, j);
-            } else if (o.uplo == 'U' ? i < j : i > j) {
-                t(i, j) = a.at(i, j);
-            }
-        }
-    }
-    return t;
-}
-
-template <class T>
-std::vector<T> pack(const Matrix<T>& a, char uplo) {
-    std::vector<T> ap;
-    for (zint j = 0; j < a.cols; ++j) {
-        for (zint i = uplo == 'U' ? 0 : j; i < (uplo == 'U' ? j + 1 : a.rows); ++i) ap.push_back(a(i, j));
-    }
-    return ap;
-}
-
-template <class T>
-void unpack(const std::vector<T>& ap, char uplo, Matrix<T>& a) {
-    std::size_t p = 0;
-    for (zint j = 0; j < a.cols; ++j) {
-        for (zint i = uplo == 'U' ? 0 : j; i < (uplo == 'U' ? j + 1 : a.rows); ++i) a(i, j) = ap[p++];
-    }
-}
-
-// ||T inv(T) - I||₁ / (n ||T||₁ ||inv(T)||₁ eps)
-double inverse_residual(const Wide& t, const Wide& inverse) {
-    Wide product = test::multiply(t, inverse);
-    for (zint i = 0; i < t.rows; ++i) product(i, i) -= 1;
-    return static_cast<double>(test::one_norm(product) /
-                               (t.rows * test::one_norm(t) * test::one_norm(inverse) * test::epsilon()));
+Wide dense_triangle(const Wide& a, Options o) {
+    return triangle(a, o.uplo == 'U', o.diag == 'U');
 }
 
 template <class T>
 void check_inverses(zint n, Options o) {
     Random random(static_cast<std::uint64_t>(n * 4 + o.uplo + o.diag));
     const Matrix<T> a = random_triangle<T>(random, n, o);
-    const Wide t = dense_triangle(a, o);
+    const Wide t = dense_triangle(widen_matrix(a), o);
     Matrix<T> full = a;
     std::vector<T> ap = pack(a, o.uplo);
     zint info = -1;
-    if constexpr (test::kIsComplex<T>) {
-        ztrtri(o.uplo, o.diag, n, full.data(), full.ld, info);
-        ASSERT_EQ(info, 0);
-        ztptri(o.uplo, o.diag, n, ap.data(), info);
-    } else {
-        dtrtri(o.uplo, o.diag, n, full.data(), full.ld, info);
-        ASSERT_EQ(info, 0);
-        dtptri(o.uplo, o.diag, n, ap.data(), info);
-    }
+    ZOR_D_OR_Z(T, dtrtri, ztrtri, o.uplo, o.diag, n, full.data(), full.ld, info);
     ASSERT_EQ(info, 0);
-    EXPECT_LT(inverse_residual(t, dense_triangle(full, o)), kResidualThreshold) << n << o.uplo << o.diag;
-    EXPECT_TRUE(test::padding_untouched(full));
-    Matrix<T> from_packed = a;
-    unpack(ap, o.uplo, from_packed);
-    EXPECT_LT(inverse_residual(t, dense_triangle(from_packed, o)), kResidualThreshold)
+    ZOR_D_OR_Z(T, dtptri, ztptri, o.uplo, o.diag, n, ap.data(), info);
+    ASSERT_EQ(info, 0);
+    EXPECT_LT(inverse_residual(t, dense_triangle(widen_matrix(full), o)), kResidualThreshold)
+        << n << o.uplo << o.diag;
+    EXPECT_TRUE(padding_untouched(full));
+    EXPECT_LT(inverse_residual(t, dense_triangle(unpack(ap, n, o.uplo), o)), kResidualThreshold)
         << n << o.uplo << o.diag;
 }
 
@@ -129,27 +75,14 @@ void check_tptrs(zint n, zint nrhs, Options o, char trans) {
     Random random(static_cast<std::uint64_t>(n + nrhs + trans));
     const Matrix<T> a = random_triangle<T>(random, n, o);
     const std::vector<T> ap = pack(a, o.uplo);
-    const Matrix<T> b = test::random_matrix<T>(random, n, nrhs, 2);
+    const Matrix<T> b = random_matrix<T>(random, n, nrhs, 2);
     Matrix<T> x = b;
     zint info = -1;
-    if constexpr (test::kIsComplex<T>) {
-        ztptrs(o.uplo, trans, o.diag, n, nrhs, ap.data(), x.data(), x.ld, info);
-    } else {
-        dtptrs(o.uplo, trans, o.diag, n, nrhs, ap.data(), x.data(), x.ld, info);
-    }
+    ZOR_D_OR_Z(T, dtptrs, ztptrs, o.uplo, trans, o.diag, n, nrhs, ap.data(), x.data(), x.ld, info);
     ASSERT_EQ(info, 0);
-    Wide op = dense_triangle(a, o);
-    if (trans != 'N') {
-        op = test::adjoint(op);
-        if (trans == 'T') {
-            for (auto& v : op.v) v = std::conj(v);
-        }
-    }
-    const long double residual =
-        test::difference_norm(test::multiply(op, test::widen_matrix(x)), test::widen_matrix(b)) /
-        (n * test::one_norm(op) * test::one_norm(x) * test::epsilon());
-    EXPECT_LT(static_cast<double>(residual), kResidualThreshold) << n << nrhs << o.uplo << o.diag << trans;
-    EXPECT_TRUE(test::padding_untouched(x));
+    EXPECT_LT(solve_residual(dense_triangle(widen_matrix(a), o), trans, x, b), kResidualThreshold)
+        << n << nrhs << o.uplo << o.diag << trans;
+    EXPECT_TRUE(padding_untouched(x));
 }
 
 TEST(PackedTriangularSolve, EveryOptionAndBlockOfRightHandSides) {
@@ -189,32 +122,26 @@ TEST(TriangularInfo, TheFirstZeroOnANonUnitDiagonalIsReported) {
     }
 }
 
-class TriangularArguments : public ::testing::TestWithParam<test::ArgumentCase> {};
-
-TEST_P(TriangularArguments, TheFirstBadParameterIsReported) {
-    test::expect_argument_error(GetParam());
-}
-
 double g_a[16];
 zcomplex g_z[16];
 
-const test::ArgumentCase kTriangularArgumentCases[] = {
-    {"DTRTRI", -1, [] { return test::info_of(dtrtri, 'X', 'N', 2, g_a, 2); }},
-    {"DTRTRI", -2, [] { return test::info_of(dtrtri, 'U', 'X', 2, g_a, 2); }},
-    {"DTRTRI", -3, [] { return test::info_of(dtrtri, 'L', 'U', -1, g_a, 2); }},
-    {"ZTRTRI", -5, [] { return test::info_of(ztrtri, 'L', 'N', 3, g_z, 2); }},
-    {"DTPTRI", -1, [] { return test::info_of(dtptri, 'X', 'N', 2, g_a); }},
-    {"DTPTRI", -2, [] { return test::info_of(dtptri, 'U', 'T', 2, g_a); }},
-    {"ZTPTRI", -3, [] { return test::info_of(ztptri, 'u', 'n', -3, g_z); }},
-    {"DTPTRS", -1, [] { return test::info_of(dtptrs, 'N', 'N', 'N', 2, 1, g_a, g_a, 2); }},
-    {"DTPTRS", -2, [] { return test::info_of(dtptrs, 'U', 'U', 'N', 2, 1, g_a, g_a, 2); }},
-    {"DTPTRS", -3, [] { return test::info_of(dtptrs, 'U', 'N', 'T', 2, 1, g_a, g_a, 2); }},
-    {"DTPTRS", -4, [] { return test::info_of(dtptrs, 'L', 'T', 'U', -1, 1, g_a, g_a, 2); }},
-    {"DTPTRS", -5, [] { return test::info_of(dtptrs, 'L', 'C', 'U', 2, -1, g_a, g_a, 2); }},
-    {"ZTPTRS", -8, [] { return test::info_of(ztptrs, 'L', 'C', 'U', 2, 1, g_z, g_z, 1); }},
+const ArgumentCase kTriangularArgumentCases[] = {
+    {"DTRTRI", -1, [] { return info_of(dtrtri, 'X', 'N', 2, g_a, 2); }},
+    {"DTRTRI", -2, [] { return info_of(dtrtri, 'U', 'X', 2, g_a, 2); }},
+    {"DTRTRI", -3, [] { return info_of(dtrtri, 'L', 'U', -1, g_a, 2); }},
+    {"ZTRTRI", -5, [] { return info_of(ztrtri, 'L', 'N', 3, g_z, 2); }},
+    {"DTPTRI", -1, [] { return info_of(dtptri, 'X', 'N', 2, g_a); }},
+    {"DTPTRI", -2, [] { return info_of(dtptri, 'U', 'T', 2, g_a); }},
+    {"ZTPTRI", -3, [] { return info_of(ztptri, 'u', 'n', -3, g_z); }},
+    {"DTPTRS", -1, [] { return info_of(dtptrs, 'N', 'N', 'N', 2, 1, g_a, g_a, 2); }},
+    {"DTPTRS", -2, [] { return info_of(dtptrs, 'U', 'U', 'N', 2, 1, g_a, g_a, 2); }},
+    {"DTPTRS", -3, [] { return info_of(dtptrs, 'U', 'N', 'T', 2, 1, g_a, g_a, 2); }},
+    {"DTPTRS", -4, [] { return info_of(dtptrs, 'L', 'T', 'U', -1, 1, g_a, g_a, 2); }},
+    {"DTPTRS", -5, [] { return info_of(dtptrs, 'L', 'C', 'U', 2, -1, g_a, g_a, 2); }},
+    {"ZTPTRS", -8, [] { return info_of(ztptrs, 'L', 'C', 'U', 2, 1, g_z, g_z, 1); }},
 };
 
-INSTANTIATE_TEST_SUITE_P(EveryParameter, TriangularArguments, ::testing::ValuesIn(kTriangularArgumentCases));
+INSTANTIATE_TEST_SUITE_P(TriangularArguments, ArgumentChecks, ::testing::ValuesIn(kTriangularArgumentCases));
 
 }  // namespace
-}  // namespace zor
+}  // namespace zor::test

@@ -27,15 +27,15 @@ TEST_P(CpuTypeOverride, ParsesAsDocumented) {
         << "ZOR_DEBUG_CPU_TYPE=\"" << c.text << "\"";
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Values, CpuTypeOverride,
-    ::testing::Values(OverrideCase{"AVX", 4}, OverrideCase{"AVX2", 4}, OverrideCase{"AVX512F", 4},
-                      OverrideCase{"JRD", 3}, OverrideCase{"JRDx", 3}, OverrideCase{"0", 0},
-                      OverrideCase{"1", 1}, OverrideCase{"4", 4}, OverrideCase{"2xyz", 2},
-                      OverrideCase{" 3", 3}, OverrideCase{"+2", 2}, OverrideCase{"00", -1},
-                      OverrideCase{"abc", -1}, OverrideCase{"5", -1}, OverrideCase{"-1", -1},
-                      OverrideCase{" 0", -1}, OverrideCase{"0x", -1}, OverrideCase{"avx", -1},
-                      OverrideCase{"AV", -1}, OverrideCase{"99999999999999999999", -1}));
+INSTANTIATE_TEST_SUITE_P(Values, CpuTypeOverride,
+                         ::testing::Values(OverrideCase{"AVX2", 4}, OverrideCase{"JRDx", 3},
+                                           OverrideCase{"0", 0}, OverrideCase{"4", 4},
+                                           OverrideCase{"2xyz", 2}, OverrideCase{" 3", 3},
+                                           OverrideCase{"+2", 2}, OverrideCase{"00", -1},
+                                           OverrideCase{"5", -1}, OverrideCase{"-1", -1},
+                                           OverrideCase{" 0", -1}, OverrideCase{"0x", -1},
+                                           OverrideCase{"avx", -1}, OverrideCase{"AV", -1},
+                                           OverrideCase{"99999999999999999999", -1}));
 
 TEST(CpuTypeOverride, UnsetOrTooLongIsIgnored) {
     char empty[32] = {};
@@ -76,13 +76,11 @@ constexpr std::uint32_t kAvx = kSse | kEcxOsxsave | kEcxAvx;
 INSTANTIATE_TEST_SUITE_P(
     FakeProcessors, HardwareLevel,
     ::testing::Values(
-        ProcessorCase{"SSE2 only", "AuthenticAMD", 0, 0, CpuLevel::Default},
         ProcessorCase{"SSE3", "AuthenticAMD", kEcxSse3, 0, CpuLevel::Sse3},
         ProcessorCase{"SSSE3", "AuthenticAMD", kEcxSse3 | kEcxSsse3, 0, CpuLevel::Ssse3},
         ProcessorCase{"SSE4.1 without SSE4.2", "AuthenticAMD", kEcxSse3 | kEcxSsse3 | kEcxSse41, 0,
                       CpuLevel::Ssse3},
         ProcessorCase{"SSE4.2", "AuthenticAMD", kSse, 0, CpuLevel::Sse42},
-        ProcessorCase{"AVX with YMM state", "AuthenticAMD", kAvx, 7, CpuLevel::Avx},
         ProcessorCase{"AVX, exactly XMM and YMM state", "AuthenticAMD", kAvx, 6, CpuLevel::Avx},
         ProcessorCase{"AVX, OS saves no YMM state", "AuthenticAMD", kAvx, 3, CpuLevel::Sse42},
         ProcessorCase{"AVX, OS saves YMM but not XMM", "AuthenticAMD", kAvx, 5, CpuLevel::Sse42},
@@ -92,7 +90,6 @@ INSTANTIATE_TEST_SUITE_P(
         ProcessorCase{"no YMM state and no SSE4.2", "AuthenticAMD",
                       kEcxSse3 | kEcxSsse3 | kEcxOsxsave | kEcxAvx, 3, CpuLevel::Ssse3},
         ProcessorCase{"another vendor with AVX", "GenuineIntel", kAvx, 7, CpuLevel::Default},
-        ProcessorCase{"another vendor with SSE3", "CentaurHauls", kEcxSse3, 0, CpuLevel::Default},
         ProcessorCase{"vendor differing in case", "authenticamd", kAvx, 7, CpuLevel::Default}),
     [](const ::testing::TestParamInfo<ProcessorCase>& info) { return "case" + std::to_string(info.index); });
 
@@ -120,7 +117,6 @@ TEST(CpuSublevel, ByLevelFeatureBitsAndRequest) {
     EXPECT_EQ(decide_cpu_sublevel(CpuLevel::Ssse3, kEcxSsse3, 66), 32);
     EXPECT_EQ(decide_cpu_sublevel(CpuLevel::Ssse3, kEcxSsse3 | kEcxSse41, -1), 33);
     EXPECT_EQ(decide_cpu_sublevel(CpuLevel::Sse3, kAvx, 64), 0);
-    EXPECT_EQ(decide_cpu_sublevel(CpuLevel::Default, kAvx, 66), 0);
 
     EXPECT_EQ(parse_sublevel_request("", 0), -1);
     EXPECT_EQ(parse_sublevel_request("66", 2), 66);
@@ -132,8 +128,6 @@ TEST(AmdFamily10h, NeedsBaseFamilyFAndExtendedFamily1OnAuthenticAmd) {
     ProcessorFacts facts = fake_processor("AuthenticAMD", 0, 0);
     facts.leaf1_eax = 0x00100F42;  // family 10h, e.g. a Phenom II
     EXPECT_TRUE(decide_amd_family_10h(facts));
-    facts.leaf1_eax = 0x00A00F11;  // family 19h
-    EXPECT_FALSE(decide_amd_family_10h(facts));
     facts.leaf1_eax = 0x00000F48;  // family 0Fh
     EXPECT_FALSE(decide_amd_family_10h(facts));
     facts.leaf1_eax = 0x00100E42;  // extended family 1 but base family 0Eh
@@ -158,12 +152,6 @@ TEST(AvxExtensions, NeedUsableAvxAndTheirOwnStateBits) {
     EXPECT_EQ(decide_avx_extensions((kAvx & ~kEcxAvx) | kEcxFma, all7, kZmmState), 0u);
     EXPECT_EQ(decide_avx_extensions((kAvx & ~kEcxOsxsave) | kEcxFma, all7, kZmmState), 0u);
     EXPECT_EQ(decide_avx_extensions(kAvx | kEcxFma, all7, 0xE2), 0u);
-}
-
-TEST(AvxExtensions, CachedAnswerMatchesTheProcessor) {
-    const ProcessorFacts facts = read_processor_facts();
-    const std::uint32_t leaf7 = facts.max_leaf >= 7 ? cpuid(7, 0).ebx : 0;
-    EXPECT_EQ(detect_avx_extensions(), decide_avx_extensions(facts.leaf1_ecx, leaf7, facts.xcr0));
 }
 
 CpuidResult cache_leaf(std::uint32_t type, std::uint32_t level, std::uint32_t ways, std::uint32_t partitions,
@@ -227,15 +215,8 @@ TEST_F(CachedDetection, OverrideSelectsTheLevel) {
     const struct {
         const char* value;
         int level;
-    } cases[] = {{"AVX2", 4},
-                 {"JRDx", 3},
-                 {"0", 0},
-                 {"2xyz", 2},
-                 {"1", 1},
-                 {"00", hardware_level()},
-                 {"abc", hardware_level()},
-                 {"5", hardware_level()},
-                 {"-1", hardware_level()}};
+    } cases[] = {
+        {"AVX2", 4}, {"JRDx", 3}, {"0", 0}, {"2xyz", 2}, {"00", hardware_level()}, {"5", hardware_level()}};
     for (const auto& c : cases) {
         test::set_env("ZOR_DEBUG_CPU_TYPE", c.value);
         EXPECT_EXIT(std::exit(static_cast<int>(detect_cpu_level())), ::testing::ExitedWithCode(c.level), "")

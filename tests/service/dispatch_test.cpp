@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "blas/dispatch.hpp"
-#include "support/process.hpp"
 #include "support/variants.hpp"
 
 namespace zor {
@@ -58,23 +57,6 @@ TEST(KernelDispatcher, ChoosesTheVariantOfTheDetectedLevel) {
     const ProbeResult result = variant_probe(3, x);
     EXPECT_EQ(result.level, static_cast<int>(detect_cpu_level()));
     EXPECT_EQ(variant_probe.chosen(), variant_probe.variant(detect_cpu_level()));
-}
-
-// In a child process: exits with the level of the variant the dispatcher ran.
-[[noreturn]] void exit_with_dispatched_level() {
-    const double x[5] = {1, 2, 3, 4, 5};
-    const ProbeResult result = variant_probe(5, x);
-    std::exit(result.sum == 15.0 ? result.level : 100);
-}
-
-TEST(KernelDispatcher, OverriddenLevelIsChosenInAFreshProcess) {
-    const int top = static_cast<int>(test::runnable_level());
-    for (int level = 0; level <= top; ++level) {
-        const std::string value = std::to_string(level);
-        test::set_env("ZOR_DEBUG_CPU_TYPE", value.c_str());
-        EXPECT_EXIT(exit_with_dispatched_level(), ::testing::ExitedWithCode(level), "");
-    }
-    test::set_env("ZOR_DEBUG_CPU_TYPE", nullptr);
 }
 
 // Five stand-in variants that report which one ran.

@@ -6,6 +6,7 @@
 #include <bit>
 #include <cstring>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "service/cpu.hpp"
@@ -41,8 +42,7 @@ TEST_P(ThreadCount, DigitsOnlyCount) {
 
 INSTANTIATE_TEST_SUITE_P(Texts, ThreadCount,
                          ::testing::Values(CountCase{"4", 4}, CountCase{"4x", 1}, CountCase{"0", -1},
-                                           CountCase{"007", 7}, CountCase{"00", -1}, CountCase{" 4", 1},
-                                           CountCase{"-3", 1}, CountCase{"+3", 1}, CountCase{"1.5", 1},
+                                           CountCase{"007", 7}, CountCase{" 4", 1}, CountCase{"-3", 1},
                                            CountCase{"99999999999999999999", INT32_MAX}, CountCase{"", -1}));
 
 TEST(ThreadCount, UnsetOrTooLongKeepsNothing) {
@@ -53,9 +53,9 @@ TEST(ThreadCount, UnsetOrTooLongKeepsNothing) {
 TEST(DynamicSetting, OnUnlessTheTextSaysFalse) {
     EXPECT_EQ(parse_dynamic(kUnset), 1);
     EXPECT_EQ(parse_dynamic(kTooLong), 1);
-    for (const char* off : {"FALSE", "false", "  false", "\"FALSE\"", "'false'", " \t' \"false", "falsehood"})
+    for (const char* off : {"FALSE", "false", " \t' \"false", "falsehood"})
         EXPECT_EQ(parse_dynamic(env(off)), 0) << off;
-    for (const char* on : {"TRUE", "False", "0", "no", "x false", "fals"})
+    for (const char* on : {"TRUE", "False", "0", "x false", "fals"})
         EXPECT_EQ(parse_dynamic(env(on)), 1) << on;
 }
 
@@ -71,24 +71,21 @@ TEST_P(DomainThreads, ParsesPairsUpToTheFirstMalformedOne) {
     const DomainCase& c = GetParam();
     std::int32_t counts[kDomainCount] = {-1, -1, -1};
     EXPECT_EQ(parse_domain_threads(env(c.text), counts), c.well_formed) << c.text;
-    EXPECT_EQ(counts[kDomainAll], c.all) << c.text;
-    EXPECT_EQ(counts[kDomainBlas], c.blas) << c.text;
-    EXPECT_EQ(counts[kDomainLapack], c.lapack) << c.text;
+    EXPECT_EQ(std::tie(counts[kDomainAll], counts[kDomainBlas], counts[kDomainLapack]),
+              std::tie(c.all, c.blas, c.lapack))
+        << c.text;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Texts, DomainThreads,
-    ::testing::Values(DomainCase{"", true, -1, -1, -1}, DomainCase{"ZOR_ALL=4", true, 4, -1, -1},
-                      DomainCase{"ZOR_BLAS 2, ZOR_LAPACK=3", true, -1, 2, 3},
-                      DomainCase{" zor_all = 8; ZOR_Blas=1 ,", true, 8, 1, -1},
-                      DomainCase{"ZOR_ALL=2 ZOR_ALL=5", true, 5, -1, -1},
-                      DomainCase{"ZOR_ALL=0", true, -1, -1, -1},
-                      DomainCase{"ZOR_LAPACK=3,ZOR_FFT=2,ZOR_ALL=4", false, -1, -1, 3},
-                      DomainCase{"ZOR_ALL=4, bogus", false, 4, -1, -1},
-                      DomainCase{"ZOR_ALL4", false, -1, -1, -1}, DomainCase{"ZOR_ALLX=4", false, -1, -1, -1},
-                      DomainCase{"ZOR_BLAS=x", false, -1, -1, -1},
-                      DomainCase{"ZOR_ALL=3x", false, -1, -1, -1}, DomainCase{"ZOR_ALL=", false, -1, -1, -1},
-                      DomainCase{"=3", false, -1, -1, -1}));
+INSTANTIATE_TEST_SUITE_P(Texts, DomainThreads,
+                         ::testing::Values(DomainCase{"", true, -1, -1, -1},
+                                           DomainCase{"ZOR_BLAS 2, ZOR_LAPACK=3", true, -1, 2, 3},
+                                           DomainCase{" zor_all = 8; ZOR_Blas=1 ,", true, 8, 1, -1},
+                                           DomainCase{"ZOR_ALL=2 ZOR_ALL=5", true, 5, -1, -1},
+                                           DomainCase{"ZOR_ALL=0", true, -1, -1, -1},
+                                           DomainCase{"ZOR_LAPACK=3,ZOR_FFT=2,ZOR_ALL=4", false, -1, -1, 3},
+                                           DomainCase{"ZOR_ALLX=4", false, -1, -1, -1},
+                                           DomainCase{"ZOR_ALL=3x", false, -1, -1, -1},
+                                           DomainCase{"=3", false, -1, -1, -1}));
 
 TEST(ThreadSettings, RequestedCountComesFromTheFirstVariableThatGivesOne) {
     EXPECT_EQ(decide_thread_settings(env("4"), env("ZOR_ALL=2"), kUnset, env("8")).requested_threads, 4);
@@ -96,20 +93,17 @@ TEST(ThreadSettings, RequestedCountComesFromTheFirstVariableThatGivesOne) {
     EXPECT_EQ(decide_thread_settings(env("0"), env("ZOR_BLAS=2"), kUnset, env("8")).requested_threads, 8);
     EXPECT_EQ(decide_thread_settings(kUnset, kUnset, kUnset, env("x")).requested_threads, 1);
     const ThreadSettings none = decide_thread_settings(kUnset, kUnset, kUnset, kUnset);
-    EXPECT_EQ(none.requested_threads, -1);
-    EXPECT_EQ(none.omp_threads, -1);
-    EXPECT_EQ(none.dynamic, 1);
+    EXPECT_EQ(std::tie(none.requested_threads, none.omp_threads, none.dynamic), std::make_tuple(-1, -1, 1));
     const ThreadSettings all = decide_thread_settings(env("3"), env("ZOR_LAPACK=5"), env("false"), env("7"));
-    EXPECT_EQ(all.requested_threads, 3);
-    EXPECT_EQ(all.domain_threads[kDomainLapack], 5);
-    EXPECT_EQ(all.dynamic, 0);
-    EXPECT_EQ(all.omp_threads, 7);
+    EXPECT_EQ(
+        std::tie(all.requested_threads, all.domain_threads[kDomainLapack], all.dynamic, all.omp_threads),
+        std::make_tuple(3, 5, 0, 7));
 }
 
 TEST(Topology, MaskWidth) {
-    const std::int32_t counts[] = {1, 2, 3, 4, 5, 8, 9, 16, 17, 256, 0};
-    const int widths[] = {0, 1, 2, 2, 3, 3, 4, 4, 5, 8, 16};
-    for (int i = 0; i < 11; ++i) EXPECT_EQ(mask_width(counts[i]), widths[i]) << counts[i];
+    const std::int32_t counts[] = {1, 2, 3, 4, 5, 256, 0};
+    const int widths[] = {0, 1, 2, 2, 3, 8, 16};
+    for (int i = 0; i < 7; ++i) EXPECT_EQ(mask_width(counts[i]), widths[i]) << counts[i];
 }
 
 TEST(Topology, PackageLayoutFromCpuidOnlyForTheDesignatedVendorWithMultipleThreads) {
@@ -138,11 +132,10 @@ TEST_P(TopologyCount, CountsDistinctCoresAndPackages) {
     const TopologyCase& c = GetParam();
     Topology t;
     ASSERT_TRUE(count_topology(c.apic_ids.data(), static_cast<int>(c.apic_ids.size()), c.layout, &t));
-    EXPECT_EQ(t.logical, c.expected.logical) << c.label;
-    EXPECT_EQ(t.cores, c.expected.cores) << c.label;
-    EXPECT_EQ(t.packages, c.expected.packages) << c.label;
-    EXPECT_EQ(t.cores_per_package, c.expected.cores_per_package) << c.label;
-    EXPECT_EQ(t.shared_cores, c.expected.shared_cores) << c.label;
+    const Topology& e = c.expected;
+    EXPECT_EQ(std::tie(t.logical, t.cores, t.packages, t.cores_per_package, t.shared_cores),
+              std::tie(e.logical, e.cores, e.packages, e.cores_per_package, e.shared_cores))
+        << c.label;
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -158,10 +151,6 @@ INSTANTIATE_TEST_SUITE_P(
                      {16, 8},
                      {0, 1, 2, 3},
                      {4, 2, 1, 2, 1}},
-        TopologyCase{"one thread per core, gaps between packages",
-                     {4, 4},
-                     {0, 1, 2, 3, 16, 17, 18, 19},
-                     {8, 8, 2, 4, 0}},
         TopologyCase{"threads but the package seen only in part", {8, 4}, {32, 33, 36}, {3, 2, 1, 2, 1}}),
     [](const ::testing::TestParamInfo<TopologyCase>& info) { return "case" + std::to_string(info.index); });
 
@@ -200,34 +189,17 @@ const TopologyProbe kFakeProbe{
     [] { return static_cast<std::uint32_t>(2 * std::countr_zero(g_fake.current)); },
 };
 
+// Each processor of the system mask is pinned to in turn, the highest too, and the process mask is
+// restored; processors that refuse pinning are not counted.
 TEST(TopologyMeasurement, PinsEachProcessorOfTheSystemMaskAndRestoresTheProcessMask) {
     g_fake = {};
-    g_fake.process_mask = g_fake.system_mask = 0b1011;
-    Topology t;
-    ASSERT_TRUE(measure_topology(kFakeProbe, {1, 1}, &t));
-    EXPECT_EQ(g_fake.pins, (std::vector<std::uint64_t>{0b1, 0b10, 0b1000, 0b1011}));
-    EXPECT_EQ(g_fake.yields, 4);
-    EXPECT_EQ(t.logical, 3);
-    EXPECT_EQ(t.cores, 3);
-    EXPECT_EQ(t.cores_per_package, 1);
-}
-
-TEST(TopologyMeasurement, ProcessorsThatRefusePinningAreNotCounted) {
-    g_fake = {};
-    g_fake.process_mask = g_fake.system_mask = 0b1111;
+    g_fake.process_mask = g_fake.system_mask = (std::uint64_t{1} << 63) | 0b1111;
     g_fake.refused = 0b0100;
     Topology t;
     ASSERT_TRUE(measure_topology(kFakeProbe, {1, 1}, &t));
-    EXPECT_EQ(t.logical, 3);
-    EXPECT_EQ(g_fake.pins.back(), 0b1111u);
-}
-
-TEST(TopologyMeasurement, HighestProcessorIsReached) {
-    g_fake = {};
-    g_fake.process_mask = g_fake.system_mask = (std::uint64_t{1} << 63) | 1;
-    Topology t;
-    ASSERT_TRUE(measure_topology(kFakeProbe, {1, 1}, &t));
-    EXPECT_EQ(g_fake.pins, (std::vector<std::uint64_t>{1, std::uint64_t{1} << 63, g_fake.system_mask}));
+    EXPECT_EQ(g_fake.pins,
+              (std::vector<std::uint64_t>{1, 2, 4, 8, std::uint64_t{1} << 63, g_fake.system_mask}));
+    EXPECT_EQ(std::tie(t.logical, t.cores, t.cores_per_package), std::make_tuple(4, 4, 1));
 }
 
 TEST(TopologyMeasurement, GivesUpWithoutPinningWhenTheMasksDiffer) {

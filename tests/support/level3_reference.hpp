@@ -62,6 +62,16 @@ E scalar(double re, double im) {
     }
 }
 
+// Calls `real` for double elements and `complex` for complex ones, with the same arguments.
+#define ZOR_D_OR_Z(E, real, complex, ...)         \
+    do {                                          \
+        if constexpr (::zor::test::kComplex<E>) { \
+            complex(__VA_ARGS__);                 \
+        } else {                                  \
+            real(__VA_ARGS__);                    \
+        }                                         \
+    } while (0)
+
 // Option letters in either case, as the routines take them.
 inline bool is(char letter, char upper) {
     return letter == upper || letter == upper + ('a' - 'A');
@@ -95,37 +105,43 @@ inline Dense op(const Dense& x, char trans) {
     return t;
 }
 
-// The triangular matrix the upper or lower triangle of A stands for; `unit` puts ones on the
-// diagonal without reading it.
-template <class E>
-Dense triangle(const E* a, Index order, Index lda, bool upper, bool unit) {
-    Dense d(order, order);
-    for (Index j = 0; j < order; ++j) {
-        for (Index i = 0; i < order; ++i) {
+// The triangular matrix the upper or lower triangle of a square A stands for; `unit` puts ones on
+// the diagonal without reading it.
+inline Dense triangle(const Dense& a, bool upper, bool unit) {
+    Dense d(a.rows, a.cols);
+    for (Index j = 0; j < a.cols; ++j) {
+        for (Index i = 0; i < a.rows; ++i) {
             if (i == j) {
-                d(i, j) = unit ? Value{1, 0} : value(a[i + j * lda]);
+                d(i, j) = unit ? Value{1, 0} : a(i, j);
             } else if (upper == (i < j)) {
-                d(i, j) = value(a[i + j * lda]);
+                d(i, j) = a(i, j);
             }
         }
     }
     return d;
 }
-
-// The symmetric (Hermitian: with a real diagonal) matrix its stored triangle stands for.
 template <class E>
-Dense symmetric(const E* a, Index order, Index lda, bool upper, bool hermitian) {
-    Dense d(order, order);
-    for (Index j = 0; j < order; ++j) {
+Dense triangle(const E* a, Index order, Index lda, bool upper, bool unit) {
+    return triangle(load(a, order, order, lda), upper, unit);
+}
+
+// The symmetric (Hermitian: with a real diagonal) matrix the stored triangle of a square A stands for.
+inline Dense symmetric(const Dense& a, bool upper, bool hermitian) {
+    Dense d(a.rows, a.cols);
+    for (Index j = 0; j < a.cols; ++j) {
         for (Index i = 0; i <= j; ++i) {
             const Index r = upper ? i : j, c = upper ? j : i;  // the stored one of (i, j) and (j, i)
-            Value x = value(a[r + c * lda]);
+            Value x = a(r, c);
             if (i == j && hermitian) x.im = 0;
             d(r, c) = x;
             d(c, r) = hermitian ? conj(x) : x;
         }
     }
     return d;
+}
+template <class E>
+Dense symmetric(const E* a, Index order, Index lda, bool upper, bool hermitian) {
+    return symmetric(load(a, order, order, lda), upper, hermitian);
 }
 
 // alpha X Y + beta C, and per element the sum of the magnitudes of its terms; only the elements
@@ -175,24 +191,15 @@ inline constexpr long double kEps = std::numeric_limits<double>::epsilon();
 
 // Element (i, j) of `got` within `terms` roundings of the size of the expected one (NaN where it is
 // NaN), for the elements `compared` selects.
-template <class E, class Selected>
-::testing::AssertionResult near(const E* got, Index ld, const Expected& want, long double terms,
+template <class Selected>
+::testing::AssertionResult near(const Dense& got, const Expected& want, long double terms,
                                 Selected compared) {
     for (Index j = 0; j < want.value.cols; ++j) {
         for (Index i = 0; i < want.value.rows; ++i) {
             if (!compared(i, j)) continue;
-            const Value g = value(got[i + j * ld]), w = want.value(i, j);
-            if (is_nan(w) || is_nan(g)) {
-                if (is_nan(w) != is_nan(g)) {
-                    return ::testing::AssertionFailure()
-                           << "element (" << i << ", " << j << ") is " << static_cast<double>(g.re) << " + "
-                           << static_cast<double>(g.im) << "i, expected " << static_cast<double>(w.re)
-                           << " + " << static_cast<double>(w.im) << "i";
-                }
-                continue;
-            }
+            const Value g = got(i, j), w = want.value(i, j);
             const long double tolerance = terms * kEps * want.size(i, j).re;
-            if (!(magnitude(g - w) <= tolerance)) {
+            if (is_nan(w) || is_nan(g) ? is_nan(w) != is_nan(g) : !(magnitude(g - w) <= tolerance)) {
                 return ::testing::AssertionFailure()
                        << "element (" << i << ", " << j << ") is " << static_cast<double>(g.re) << " + "
                        << static_cast<double>(g.im) << "i, expected " << static_cast<double>(w.re) << " + "
@@ -201,6 +208,60 @@ template <class E, class Selected>
         }
     }
     return ::testing::AssertionSuccess();
+}
+template <class E, class Selected>
+::testing::AssertionResult near(const E* got, Index ld, const Expected& want, long double terms,
+                                Selected compared) {
+    return near(load(got, want.value.rows, want.value.cols, ld), want, terms, compared);
+}
+
+// A residual (an Expected whose value should vanish) within `terms` roundings of the size of its terms.
+inline ::testing::AssertionResult small(const Expected& residual, long double terms) {
+    for (Index j = 0; j < residual.value.cols; ++j) {
+        for (Index i = 0; i < residual.value.rows; ++i) {
+            const long double size = residual.size(i, j).re, r = magnitude(residual.value(i, j));
+            if (!(r <= terms * kEps * size)) {
+                return ::testing::AssertionFailure()
+                       << "residual (" << i << ", " << j << ") is " << static_cast<double>(r)
+                       << " of a size of " << static_cast<double>(size);
+            }
+        }
+    }
+    return ::testing::AssertionSuccess();
+}
+
+// trmm: B after the call within rounding of alpha op(T) B (left) or alpha B op(T) (right); trsm: the
+// residual op(T) X - alpha B (or X op(T) - alpha B) within rounding of the size of its terms.
+inline ::testing::AssertionResult triangular_result(bool solve, bool left, Value alpha, const Dense& t,
+                                                    const Dense& before, const Dense& after,
+                                                    long double terms) {
+    if (solve) {
+        const Value minus_alpha = Value{} - alpha;
+        return small(left ? combine({1, 0}, t, after, minus_alpha, &before)
+                          : combine({1, 0}, after, t, minus_alpha, &before),
+                     terms);
+    }
+    return near(after, left ? combine(alpha, t, before, {}, nullptr) : combine(alpha, before, t, {}, nullptr),
+                terms, Everywhere{});
+}
+
+// What syrk, herk, syr2k and her2k must leave in the elements `selected` picks: with P = op(A),
+// Q = op(B), alpha P Pᵀ + beta C, or alpha P Qᵀ + alpha Q Pᵀ + beta C, with ᴴ and conj(alpha) in the
+// second term for the Hermitian ones, which take the real parts of beta (and of herk's alpha) and
+// of the diagonal of C.
+template <class Selected = Everywhere>
+Expected rank_update(bool hermitian, bool two, Value alpha, Value beta, const Dense& a, const Dense& b,
+                     char trans, Dense c, Selected selected = {}) {
+    const char to_p = is(trans, 'N') ? 'N' : (hermitian ? 'C' : 'T'), across = hermitian ? 'C' : 'T';
+    const Dense p = op(a, to_p), q = op(b, to_p);
+    if (hermitian) {
+        beta.im = 0;
+        if (!two) alpha.im = 0;
+        for (Index i = 0; i < c.rows; ++i) c(i, i).im = 0;
+    }
+    Expected want = combine(alpha, p, op(two ? q : p, across), beta, &c, selected);
+    if (two) add(want, combine(hermitian ? conj(alpha) : alpha, q, op(p, across), {}, nullptr, selected));
+    return want;
 }
 
 // Every element of `got` that `may_change` does not select is bit for bit as in `before`.

@@ -2,6 +2,8 @@
 // Process-level helpers for tests: the environment, the program's directory, and standard output
 // of a child process captured into a file.
 
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <string>
 
@@ -21,5 +23,18 @@ std::filesystem::path fresh_directory(const std::string& name);
 void redirect_stdout(const std::filesystem::path& file);
 // The file as text, line ends read as line feeds.
 std::string read_file(const std::filesystem::path& file);
+
+// Runs `child` in a child process (a death test) with its standard output sent to dir/stdout.txt,
+// expects it to exit with `status`, and returns what it printed.
+template <class F>
+std::string child_output(const std::filesystem::path& dir, F child, int status = 0) {
+    EXPECT_EXIT(
+        {
+            redirect_stdout(dir / "stdout.txt");
+            child();
+        },
+        ::testing::ExitedWithCode(status), "");
+    return read_file(dir / "stdout.txt");
+}
 
 }  // namespace zor::test

@@ -3,9 +3,9 @@
 // the unused parts of a strided or padded array poisoned so that a kernel that reads or writes
 // outside its elements is caught.
 
-#include <cmath>
 #include <cstdint>
 #include <limits>
+#include <type_traits>
 #include <vector>
 
 #include "service/types.hpp"
@@ -14,7 +14,7 @@ namespace zor::test {
 
 // A small, fast generator with a fixed sequence per seed (xorshift64*).
 class Random {
-public:
+  public:
     explicit Random(std::uint64_t seed = 0x9E3779B97F4A7C15u) : state_(seed ? seed : 1) {}
     std::uint64_t next() {
         state_ ^= state_ >> 12;
@@ -28,25 +28,12 @@ public:
         const double re = uniform();
         return {re, uniform()};
     }
-    // An integer-valued double in [-range, range]: sums of products of these are exact in any order.
-    double integer(int range) {
-        return static_cast<double>(static_cast<std::int64_t>(next() % (2 * range + 1)) - range);
-    }
 
-private:
+  private:
     std::uint64_t state_;
 };
 
 inline constexpr double kPoison = std::numeric_limits<double>::quiet_NaN();
-
-// A strided vector of n elements with increment inc (either sign): storage of 1 + (n - 1)|inc|
-// elements (at least one), every storage element poisoned, then the n elements filled.
-inline std::vector<double> random_vector(Random& random, zint n, zint inc) {
-    const zint step = inc < 0 ? -inc : inc;
-    std::vector<double> v(n > 0 ? 1 + (n - 1) * step : 1, kPoison);
-    for (zint i = 0; i < n; ++i) v[i * step] = random.uniform();
-    return v;
-}
 
 // An m x n column-major matrix with leading dimension ld >= m; rows m..ld-1 are poisoned.
 inline std::vector<double> random_matrix(Random& random, zint m, zint n, zint ld) {
@@ -63,6 +50,16 @@ inline std::vector<zcomplex> random_complex_matrix(Random& random, zint m, zint 
         for (zint i = 0; i < m; ++i) a[i + j * ld] = random.complex();
     }
     return a;
+}
+
+// A random m x n matrix of either element type, rows m..ld-1 poisoned.
+template <class T>
+std::vector<T> random_operand(Random& random, zint m, zint n, zint ld) {
+    if constexpr (std::is_same_v<T, double>) {
+        return random_matrix(random, m, n, ld);
+    } else {
+        return random_complex_matrix(random, m, n, ld);
+    }
 }
 
 }  // namespace zor::test

@@ -29,7 +29,24 @@ inline std::string level_param_name(const ::testing::TestParamInfo<CpuLevel>& in
             GTEST_SKIP() << "this processor cannot run the " << ::zor::cpu_level_name(level) << " variant"; \
     } while (0)
 
+// In a test of one inner path of a level: skip also when the processor lacks the extensions beyond
+// AVX (kExtensionFma, ...) that the path needs.
+#define ZOR_SKIP_UNLESS_PATH_RUNS(level, needs)                                 \
+    do {                                                                        \
+        ZOR_SKIP_UNLESS_RUNNABLE(level);                                        \
+        if ((::zor::detect_avx_extensions() & (needs)) != (needs))              \
+            GTEST_SKIP() << "this processor lacks the extensions of this path"; \
+    } while (0)
+
 namespace zor::test {
+
+// Names parameterised tests after their parameter's `name`.
+struct NameOfParam {
+    template <class P>
+    std::string operator()(const ::testing::TestParamInfo<P>& info) const {
+        return info.param.name;
+    }
+};
 
 // The fixture of a test parameterised over the levels: a level the processor cannot run is
 // skipped.

@@ -35,6 +35,21 @@ inline bool same_bits(const zcomplex& a, const zcomplex& b) {
     return same_bits(a.re, b.re) && same_bits(a.im, b.im);
 }
 
+// The products and sums of the element-wise kernels, in their order: re = (xr*ar) + (xi*(-ai)),
+// im = (xi*ar) + (xr*ai) for complex values.
+inline double times(double alpha, double x) {
+    return x * alpha;
+}
+inline zcomplex times(const zcomplex& alpha, const zcomplex& x) {
+    return {x.re * alpha.re + x.im * -alpha.im, x.im * alpha.re + x.re * alpha.im};
+}
+inline double plus(double a, double b) {
+    return a + b;
+}
+inline zcomplex plus(const zcomplex& a, const zcomplex& b) {
+    return {a.re + b.re, a.im + b.im};
+}
+
 template <class T>
 class TestVector {
   public:
