@@ -51,7 +51,8 @@ bool catalog_text(int number, const char* built_in, char* buffer, std::size_t si
     return usable;
 }
 
-// Skips one conversion specification starting after '%'; returns its conversion character.
+// Skips one printf conversion (flags, width, precision, length) starting after '%'; returns its
+// conversion character.
 char conversion_at(const char*& p) {
     while (*p != '\0' && std::strchr("-+ #0123456789.*hlLqjzt", *p) != nullptr) {
         if (*p == '*') return '*';  // a width taken from the arguments counts as a conversion
