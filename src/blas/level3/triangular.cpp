@@ -67,6 +67,30 @@ bool unblocked(const Triangular<T>& t) {
     return t.nv < kFewColumns || t.order < kSmallOrder;
 }
 
+// What trsm and trmm share: the quick returns, alpha = 0 (zeros without reading A or B), the
+// canonical form, and the unblocked path for small problems or when the work area is refused.
+template <class T, class Unblocked, class Blocked>
+void triangular_routine(const BlockKernels<T>& kernels, const char* routine, char side, char uplo,
+                        char transa, char diag, zint m, zint n, const T& alpha, const T* a, zint lda, T* b,
+                        zint ldb, const Unblocked& unblocked_path, const Blocked& blocked_path) {
+    if (m <= 0 || n <= 0) return;
+    if (Arith<T>::is_zero(alpha)) {
+        fill_zero(m, n, b, ldb);
+        return;
+    }
+    const Triangular<T> t = canonical(side, uplo, transa, diag, m, n, a, lda, b, ldb);
+    if (unblocked(t)) {
+        unblocked_path(t.order, t.nv, t.m, t.unit, alpha, t.y);
+        return;
+    }
+    const WorkArea<T> work(static_cast<std::size_t>(kernels.work_elements));
+    if (check_allocation(work.get(), routine) != 0) {
+        unblocked_path(t.order, t.nv, t.m, t.unit, alpha, t.y);
+        return;
+    }
+    blocked_path(t, work.get());
+}
+
 // op(A) X = alpha B or X op(A) = alpha B. Block after block in canonical order: solve the diagonal
 // block, then take the solved rows out of all the rows after it (GEMM, k = block order). alpha goes
 // in with the first block and, as beta, with the first update.
@@ -74,37 +98,27 @@ template <class T>
 void trsm(const BlockKernels<T>& kernels, const char* routine, char side, char uplo, char transa, char diag,
           zint m, zint n, const T& alpha, const T* a, zint lda, T* b, zint ldb) {
     using A = Arith<T>;
-    if (m <= 0 || n <= 0) return;
-    if (A::is_zero(alpha)) {
-        fill_zero(m, n, b, ldb);
-        return;
-    }
-    const Triangular<T> t = canonical(side, uplo, transa, diag, m, n, a, lda, b, ldb);
-    if (unblocked(t)) {
-        solve_unblocked(t.order, t.nv, t.m, t.unit, alpha, t.y);
-        return;
-    }
-    const WorkArea<T> work(static_cast<std::size_t>(kernels.work_elements));
-    if (check_allocation(work.get(), routine) != 0) {
-        solve_unblocked(t.order, t.nv, t.m, t.unit, alpha, t.y);
-        return;
-    }
-    const T one = A::one();
-    for (zint s = 0; s < t.order; s += kernels.triangular_block) {
-        const zint count = t.order - s < kernels.triangular_block ? t.order - s : kernels.triangular_block;
-        const T& scale = s == 0 ? alpha : one;
-        kernels.solve(count, t.nv, shifted(t.m, s, s), t.unit, scale, shifted(t.y, s, 0), work.get());
-        const zint rest = t.order - s - count;
-        if (rest == 0) break;
-        const zint solved = t.original(s, count), later = t.forward ? s + count : 0;
-        if (t.left) {
-            A::gemm(transa, 'N', rest, n, count, A::minus_one(), op_block(a, lda, transa, later, solved), lda,
-                    b + solved, ldb, scale, b + later, ldb);
-        } else {
-            A::gemm('N', transa, m, rest, count, A::minus_one(), b + solved * ldb, ldb,
-                    op_block(a, lda, transa, solved, later), lda, scale, b + later * ldb, ldb);
+    const auto blocked = [&](const Triangular<T>& t, T* work) {
+        const T one = A::one();
+        for (zint s = 0; s < t.order; s += kernels.triangular_block) {
+            const zint count =
+                t.order - s < kernels.triangular_block ? t.order - s : kernels.triangular_block;
+            const T& scale = s == 0 ? alpha : one;
+            kernels.solve(count, t.nv, shifted(t.m, s, s), t.unit, scale, shifted(t.y, s, 0), work);
+            const zint rest = t.order - s - count;
+            if (rest == 0) break;
+            const zint solved = t.original(s, count), later = t.forward ? s + count : 0;
+            if (t.left) {
+                A::gemm(transa, 'N', rest, n, count, A::minus_one(), op_block(a, lda, transa, later, solved),
+                        lda, b + solved, ldb, scale, b + later, ldb);
+            } else {
+                A::gemm('N', transa, m, rest, count, A::minus_one(), b + solved * ldb, ldb,
+                        op_block(a, lda, transa, solved, later), lda, scale, b + later * ldb, ldb);
+            }
         }
-    }
+    };
+    triangular_routine<T>(kernels, routine, side, uplo, transa, diag, m, n, alpha, a, lda, b, ldb,
+                          solve_unblocked<T>, blocked);
 }
 
 // B := alpha op(A) B or alpha B op(A). Canonical row block i depends on the original rows up to it,
@@ -115,37 +129,26 @@ template <class T>
 void trmm(const BlockKernels<T>& kernels, const char* routine, char side, char uplo, char transa, char diag,
           zint m, zint n, const T& alpha, const T* a, zint lda, T* b, zint ldb) {
     using A = Arith<T>;
-    if (m <= 0 || n <= 0) return;
-    if (A::is_zero(alpha)) {
-        fill_zero(m, n, b, ldb);
-        return;
-    }
-    const Triangular<T> t = canonical(side, uplo, transa, diag, m, n, a, lda, b, ldb);
-    if (unblocked(t)) {
-        multiply_unblocked(t.order, t.nv, t.m, t.unit, alpha, t.y);
-        return;
-    }
-    const WorkArea<T> work(static_cast<std::size_t>(kernels.work_elements));
-    if (check_allocation(work.get(), routine) != 0) {
-        multiply_unblocked(t.order, t.nv, t.m, t.unit, alpha, t.y);
-        return;
-    }
-    const zint block = kernels.triangular_block;
-    for (zint s = (t.order - 1) / block * block; s >= 0; s -= block) {
-        const zint count = t.order - s < block ? t.order - s : block;
-        const zint rest = t.order - s - count;
-        if (rest > 0) {
-            const zint source = t.original(s, count), later = t.forward ? s + count : 0;
-            if (t.left) {
-                A::gemm(transa, 'N', rest, n, count, alpha, op_block(a, lda, transa, later, source), lda,
-                        b + source, ldb, A::one(), b + later, ldb);
-            } else {
-                A::gemm('N', transa, m, rest, count, alpha, b + source * ldb, ldb,
-                        op_block(a, lda, transa, source, later), lda, A::one(), b + later * ldb, ldb);
+    const auto blocked = [&](const Triangular<T>& t, T* work) {
+        const zint block = kernels.triangular_block;
+        for (zint s = (t.order - 1) / block * block; s >= 0; s -= block) {
+            const zint count = t.order - s < block ? t.order - s : block;
+            const zint rest = t.order - s - count;
+            if (rest > 0) {
+                const zint source = t.original(s, count), later = t.forward ? s + count : 0;
+                if (t.left) {
+                    A::gemm(transa, 'N', rest, n, count, alpha, op_block(a, lda, transa, later, source), lda,
+                            b + source, ldb, A::one(), b + later, ldb);
+                } else {
+                    A::gemm('N', transa, m, rest, count, alpha, b + source * ldb, ldb,
+                            op_block(a, lda, transa, source, later), lda, A::one(), b + later * ldb, ldb);
+                }
             }
+            kernels.multiply(count, t.nv, shifted(t.m, s, s), t.unit, alpha, shifted(t.y, s, 0), work);
         }
-        kernels.multiply(count, t.nv, shifted(t.m, s, s), t.unit, alpha, shifted(t.y, s, 0), work.get());
-    }
+    };
+    triangular_routine<T>(kernels, routine, side, uplo, transa, diag, m, n, alpha, a, lda, b, ldb,
+                          multiply_unblocked<T>, blocked);
 }
 
 }  // namespace
