@@ -15,6 +15,9 @@ typedef struct zor_complex_double {
     double imag;
 } zor_complex_double;
 
+/* ZOR_API marks an exported function. ZOR_FORTRAN_API marks an exported Fortran-style routine,
+ * which ELF builds also export with a trailing underscore (dgesv_), the Fortran linkage convention
+ * there. The build takes the list of exports from these declarations in the public headers. */
 #if defined(_WIN32)
 #define ZOR_API
 #elif defined(__GNUC__)
@@ -22,6 +25,7 @@ typedef struct zor_complex_double {
 #else
 #define ZOR_API
 #endif
+#define ZOR_FORTRAN_API ZOR_API
 
 #ifdef __cplusplus
 #define ZOR_EXTERN_C_BEGIN extern "C" {

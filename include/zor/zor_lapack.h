@@ -14,11 +14,11 @@
 ZOR_EXTERN_C_BEGIN
 
 /* sqrt(x^2 + y^2), avoiding unnecessary overflow and underflow; NaN when either argument is NaN. */
-ZOR_API double dlapy2(const double* x, const double* y);
+ZOR_FORTRAN_API double dlapy2(const double* x, const double* y);
 
 /* Applies the real plane rotation (c, s) to complex vectors: x := c*x + s*y, y := c*y - s*x. */
-ZOR_API void zdrot(const zor_int* n, zor_complex_double* x, const zor_int* incx, zor_complex_double* y,
-                   const zor_int* incy, const double* c, const double* s);
+ZOR_FORTRAN_API void zdrot(const zor_int* n, zor_complex_double* x, const zor_int* incx,
+                           zor_complex_double* y, const zor_int* incy, const double* c, const double* s);
 /* Builds the complex Givens rotation that zeroes cb: c real, s complex, ca := r. Its name carries
  * the trailing underscore on every platform. */
 ZOR_API void zrotg_(zor_complex_double* ca, const zor_complex_double* cb, double* c, zor_complex_double* s);
@@ -27,89 +27,94 @@ ZOR_API void zrotg_(zor_complex_double* ca, const zor_complex_double* cb, double
 
 /* A = P L U of an m by n matrix; info = k > 0: U(k, k) is exactly zero (the factorisation is
  * complete). */
-ZOR_API void dgetrf(const zor_int* m, const zor_int* n, double* a, const zor_int* lda, zor_int* ipiv,
-                    zor_int* info);
-ZOR_API void zgetrf(const zor_int* m, const zor_int* n, zor_complex_double* a, const zor_int* lda,
-                    zor_int* ipiv, zor_int* info);
+ZOR_FORTRAN_API void dgetrf(const zor_int* m, const zor_int* n, double* a, const zor_int* lda, zor_int* ipiv,
+                            zor_int* info);
+ZOR_FORTRAN_API void zgetrf(const zor_int* m, const zor_int* n, zor_complex_double* a, const zor_int* lda,
+                            zor_int* ipiv, zor_int* info);
 /* Solves A X = B by dgetrf and the solve with its factors; the solve is skipped when info > 0. */
-ZOR_API void dgesv(const zor_int* n, const zor_int* nrhs, double* a, const zor_int* lda, zor_int* ipiv,
-                   double* b, const zor_int* ldb, zor_int* info);
-ZOR_API void zgesv(const zor_int* n, const zor_int* nrhs, zor_complex_double* a, const zor_int* lda,
-                   zor_int* ipiv, zor_complex_double* b, const zor_int* ldb, zor_int* info);
+ZOR_FORTRAN_API void dgesv(const zor_int* n, const zor_int* nrhs, double* a, const zor_int* lda,
+                           zor_int* ipiv, double* b, const zor_int* ldb, zor_int* info);
+ZOR_FORTRAN_API void zgesv(const zor_int* n, const zor_int* nrhs, zor_complex_double* a, const zor_int* lda,
+                           zor_int* ipiv, zor_complex_double* b, const zor_int* ldb, zor_int* info);
 /* inv(A) from the factors of dgetrf. lwork >= max(1, n); lwork = -1 asks for the optimal size in
  * work[0] (ipiv is then not read). */
-ZOR_API void dgetri(const zor_int* n, double* a, const zor_int* lda, const zor_int* ipiv, double* work,
-                    const zor_int* lwork, zor_int* info);
-ZOR_API void zgetri(const zor_int* n, zor_complex_double* a, const zor_int* lda, const zor_int* ipiv,
-                    zor_complex_double* work, const zor_int* lwork, zor_int* info);
+ZOR_FORTRAN_API void dgetri(const zor_int* n, double* a, const zor_int* lda, const zor_int* ipiv,
+                            double* work, const zor_int* lwork, zor_int* info);
+ZOR_FORTRAN_API void zgetri(const zor_int* n, zor_complex_double* a, const zor_int* lda, const zor_int* ipiv,
+                            zor_complex_double* work, const zor_int* lwork, zor_int* info);
 /* Solves A X = B for a band matrix with kl subdiagonals and ku superdiagonals in band storage
  * (ldab >= 2 kl + ku + 1; A(i, j) in row kl + ku + 1 + i - j of column j, the first kl rows free
  * for the fill-in of the factorisation). */
-ZOR_API void dgbsv(const zor_int* n, const zor_int* kl, const zor_int* ku, const zor_int* nrhs, double* ab,
-                   const zor_int* ldab, zor_int* ipiv, double* b, const zor_int* ldb, zor_int* info);
-ZOR_API void zgbsv(const zor_int* n, const zor_int* kl, const zor_int* ku, const zor_int* nrhs,
-                   zor_complex_double* ab, const zor_int* ldab, zor_int* ipiv, zor_complex_double* b,
-                   const zor_int* ldb, zor_int* info);
+ZOR_FORTRAN_API void dgbsv(const zor_int* n, const zor_int* kl, const zor_int* ku, const zor_int* nrhs,
+                           double* ab, const zor_int* ldab, zor_int* ipiv, double* b, const zor_int* ldb,
+                           zor_int* info);
+ZOR_FORTRAN_API void zgbsv(const zor_int* n, const zor_int* kl, const zor_int* ku, const zor_int* nrhs,
+                           zor_complex_double* ab, const zor_int* ldab, zor_int* ipiv, zor_complex_double* b,
+                           const zor_int* ldb, zor_int* info);
 /* A = L U of a tridiagonal matrix (subdiagonal dl, diagonal d, superdiagonal du); du2 receives the
  * second superdiagonal of U. */
-ZOR_API void dgttrf(const zor_int* n, double* dl, double* d, double* du, double* du2, zor_int* ipiv,
-                    zor_int* info);
+ZOR_FORTRAN_API void dgttrf(const zor_int* n, double* dl, double* d, double* du, double* du2, zor_int* ipiv,
+                            zor_int* info);
 /* Solves A X = B ("N") or Aᵀ X = B ("T", "C") with the factors of dgttrf. */
-ZOR_API void dgttrs(const char* trans, const zor_int* n, const zor_int* nrhs, const double* dl,
-                    const double* d, const double* du, const double* du2, const zor_int* ipiv, double* b,
-                    const zor_int* ldb, zor_int* info, size_t trans_length);
+ZOR_FORTRAN_API void dgttrs(const char* trans, const zor_int* n, const zor_int* nrhs, const double* dl,
+                            const double* d, const double* du, const double* du2, const zor_int* ipiv,
+                            double* b, const zor_int* ldb, zor_int* info, size_t trans_length);
 
 /* ---- Cholesky ----------------------------------------------------------------------------------- */
 
 /* A = Uᵀ U ("U") or L Lᵀ ("L") (Uᴴ U, L Lᴴ for complex); info = k > 0: the leading minor of order
  * k is not positive definite, its failed value left in A(k, k). */
-ZOR_API void dpotrf(const char* uplo, const zor_int* n, double* a, const zor_int* lda, zor_int* info,
-                    size_t uplo_length);
-ZOR_API void zpotrf(const char* uplo, const zor_int* n, zor_complex_double* a, const zor_int* lda,
-                    zor_int* info, size_t uplo_length);
+ZOR_FORTRAN_API void dpotrf(const char* uplo, const zor_int* n, double* a, const zor_int* lda, zor_int* info,
+                            size_t uplo_length);
+ZOR_FORTRAN_API void zpotrf(const char* uplo, const zor_int* n, zor_complex_double* a, const zor_int* lda,
+                            zor_int* info, size_t uplo_length);
 /* Solves A X = B by dpotrf and the solve with its factor. */
-ZOR_API void dposv(const char* uplo, const zor_int* n, const zor_int* nrhs, double* a, const zor_int* lda,
-                   double* b, const zor_int* ldb, zor_int* info, size_t uplo_length);
-ZOR_API void zposv(const char* uplo, const zor_int* n, const zor_int* nrhs, zor_complex_double* a,
-                   const zor_int* lda, zor_complex_double* b, const zor_int* ldb, zor_int* info,
-                   size_t uplo_length);
+ZOR_FORTRAN_API void dposv(const char* uplo, const zor_int* n, const zor_int* nrhs, double* a,
+                           const zor_int* lda, double* b, const zor_int* ldb, zor_int* info,
+                           size_t uplo_length);
+ZOR_FORTRAN_API void zposv(const char* uplo, const zor_int* n, const zor_int* nrhs, zor_complex_double* a,
+                           const zor_int* lda, zor_complex_double* b, const zor_int* ldb, zor_int* info,
+                           size_t uplo_length);
 /* inv(A) from the factor of dpotrf, in the same triangle. */
-ZOR_API void dpotri(const char* uplo, const zor_int* n, double* a, const zor_int* lda, zor_int* info,
-                    size_t uplo_length);
-ZOR_API void zpotri(const char* uplo, const zor_int* n, zor_complex_double* a, const zor_int* lda,
-                    zor_int* info, size_t uplo_length);
+ZOR_FORTRAN_API void dpotri(const char* uplo, const zor_int* n, double* a, const zor_int* lda, zor_int* info,
+                            size_t uplo_length);
+ZOR_FORTRAN_API void zpotri(const char* uplo, const zor_int* n, zor_complex_double* a, const zor_int* lda,
+                            zor_int* info, size_t uplo_length);
 /* The same in packed storage: the triangle column after column in n (n + 1) / 2 elements. */
-ZOR_API void dpptrf(const char* uplo, const zor_int* n, double* ap, zor_int* info, size_t uplo_length);
-ZOR_API void zpptrf(const char* uplo, const zor_int* n, zor_complex_double* ap, zor_int* info,
-                    size_t uplo_length);
-ZOR_API void dpptrs(const char* uplo, const zor_int* n, const zor_int* nrhs, const double* ap, double* b,
-                    const zor_int* ldb, zor_int* info, size_t uplo_length);
-ZOR_API void zpptrs(const char* uplo, const zor_int* n, const zor_int* nrhs, const zor_complex_double* ap,
-                    zor_complex_double* b, const zor_int* ldb, zor_int* info, size_t uplo_length);
-ZOR_API void dpptri(const char* uplo, const zor_int* n, double* ap, zor_int* info, size_t uplo_length);
-ZOR_API void zpptri(const char* uplo, const zor_int* n, zor_complex_double* ap, zor_int* info,
-                    size_t uplo_length);
+ZOR_FORTRAN_API void dpptrf(const char* uplo, const zor_int* n, double* ap, zor_int* info,
+                            size_t uplo_length);
+ZOR_FORTRAN_API void zpptrf(const char* uplo, const zor_int* n, zor_complex_double* ap, zor_int* info,
+                            size_t uplo_length);
+ZOR_FORTRAN_API void dpptrs(const char* uplo, const zor_int* n, const zor_int* nrhs, const double* ap,
+                            double* b, const zor_int* ldb, zor_int* info, size_t uplo_length);
+ZOR_FORTRAN_API void zpptrs(const char* uplo, const zor_int* n, const zor_int* nrhs,
+                            const zor_complex_double* ap, zor_complex_double* b, const zor_int* ldb,
+                            zor_int* info, size_t uplo_length);
+ZOR_FORTRAN_API void dpptri(const char* uplo, const zor_int* n, double* ap, zor_int* info,
+                            size_t uplo_length);
+ZOR_FORTRAN_API void zpptri(const char* uplo, const zor_int* n, zor_complex_double* ap, zor_int* info,
+                            size_t uplo_length);
 
 /* ---- Triangular --------------------------------------------------------------------------------- */
 
 /* inv(A) in place for a triangular A (diag "U": unit diagonal, not read); info = k > 0: A(k, k) is
  * exactly zero. */
-ZOR_API void dtrtri(const char* uplo, const char* diag, const zor_int* n, double* a, const zor_int* lda,
-                    zor_int* info, size_t uplo_length, size_t diag_length);
-ZOR_API void ztrtri(const char* uplo, const char* diag, const zor_int* n, zor_complex_double* a,
-                    const zor_int* lda, zor_int* info, size_t uplo_length, size_t diag_length);
+ZOR_FORTRAN_API void dtrtri(const char* uplo, const char* diag, const zor_int* n, double* a,
+                            const zor_int* lda, zor_int* info, size_t uplo_length, size_t diag_length);
+ZOR_FORTRAN_API void ztrtri(const char* uplo, const char* diag, const zor_int* n, zor_complex_double* a,
+                            const zor_int* lda, zor_int* info, size_t uplo_length, size_t diag_length);
 /* The same in packed storage, and the solve op(A) X = B with a packed triangle. */
-ZOR_API void dtptri(const char* uplo, const char* diag, const zor_int* n, double* ap, zor_int* info,
-                    size_t uplo_length, size_t diag_length);
-ZOR_API void ztptri(const char* uplo, const char* diag, const zor_int* n, zor_complex_double* ap,
-                    zor_int* info, size_t uplo_length, size_t diag_length);
-ZOR_API void dtptrs(const char* uplo, const char* trans, const char* diag, const zor_int* n,
-                    const zor_int* nrhs, const double* ap, double* b, const zor_int* ldb, zor_int* info,
-                    size_t uplo_length, size_t trans_length, size_t diag_length);
-ZOR_API void ztptrs(const char* uplo, const char* trans, const char* diag, const zor_int* n,
-                    const zor_int* nrhs, const zor_complex_double* ap, zor_complex_double* b,
-                    const zor_int* ldb, zor_int* info, size_t uplo_length, size_t trans_length,
-                    size_t diag_length);
+ZOR_FORTRAN_API void dtptri(const char* uplo, const char* diag, const zor_int* n, double* ap, zor_int* info,
+                            size_t uplo_length, size_t diag_length);
+ZOR_FORTRAN_API void ztptri(const char* uplo, const char* diag, const zor_int* n, zor_complex_double* ap,
+                            zor_int* info, size_t uplo_length, size_t diag_length);
+ZOR_FORTRAN_API void dtptrs(const char* uplo, const char* trans, const char* diag, const zor_int* n,
+                            const zor_int* nrhs, const double* ap, double* b, const zor_int* ldb,
+                            zor_int* info, size_t uplo_length, size_t trans_length, size_t diag_length);
+ZOR_FORTRAN_API void ztptrs(const char* uplo, const char* trans, const char* diag, const zor_int* n,
+                            const zor_int* nrhs, const zor_complex_double* ap, zor_complex_double* b,
+                            const zor_int* ldb, zor_int* info, size_t uplo_length, size_t trans_length,
+                            size_t diag_length);
 
 ZOR_EXTERN_C_END
 

@@ -1,5 +1,6 @@
 #pragma once
-// Helpers of the vector and matrix-vector kernels, compiled into each level's namespace.
+// Helpers of the vector and matrix-vector kernels, compiled into each level's namespace. The
+// element arithmetic and the option letters they use are service/element.hpp and letters.hpp.
 //
 // Code that uses AVX intrinsics sits under #if ZOR_LEVEL == 4: a function holding one cannot be
 // compiled at the other levels even when nothing calls it (unoptimised builds still emit it).
@@ -10,24 +11,10 @@
 #include <cstdint>
 
 #include "blas/kernel.hpp"
+#include "service/element.hpp"
+#include "service/letters.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
-
-// The option letters as the kernels read them: only 'N'/'n' selects the plain form of a transpose
-// letter and 'C'/'c' the conjugate one; 'U'/'u' the upper triangle or the unit diagonal. The
-// entry layer has rejected anything else.
-inline bool is_plain(char trans) {
-    return trans == 'N' || trans == 'n';
-}
-inline bool is_conjugate(char trans) {
-    return trans == 'C' || trans == 'c';
-}
-inline bool is_upper(char uplo) {
-    return uplo == 'U' || uplo == 'u';
-}
-inline bool is_unit(char diag) {
-    return diag == 'U' || diag == 'u';
-}
 
 // The offset of the first logical element of a vector of n elements: with a negative increment
 // the vector is walked backwards from its far end.
@@ -62,10 +49,6 @@ inline double square_root(double v) {
     return _mm_cvtsd_f64(_mm_sqrt_sd(_mm_setzero_pd(), _mm_set_sd(v)));
 }
 
-inline double magnitude(double v) {
-    return __builtin_fabs(v);
-}
-
 // The low lane plus the high lane.
 inline double lane_sum(__m128d v) {
     return _mm_cvtsd_f64(_mm_add_sd(v, _mm_unpackhi_pd(v, v)));
@@ -75,75 +58,18 @@ inline __m128d clear_sign(__m128d v) {
     return _mm_andnot_pd(_mm_set1_pd(-0.0), v);
 }
 
-// Complex products in the form every kernel uses, two rounded products and one sum per part:
-// re = (xr*ar) + (xi*(-ai)), im = (xi*ar) + (xr*ai). `ar` holds re(alpha) in both lanes and
-// `ai_signed` holds (-im(alpha), im(alpha)), the sign flipped once by its sign bit.
+// Complex products of vectors in the form every kernel uses (element.hpp's, lane by lane): two
+// rounded products and one sum per part, re = (xr*ar) + (xi*(-ai)), im = (xi*ar) + (xr*ai). `ar` holds
+// re(alpha) in both lanes and `ai_signed` holds (-im(alpha), im(alpha)), the sign flipped once by its sign
+// bit.
 struct ComplexFactor {
     __m128d ar, ai_signed;
 };
 inline ComplexFactor complex_factor(const zcomplex& alpha) {
     return {_mm_set1_pd(alpha.re), _mm_xor_pd(_mm_set1_pd(alpha.im), _mm_set_pd(0.0, -0.0))};
 }
-inline __m128d complex_times(__m128d x, const ComplexFactor& f) {
+inline __m128d operator*(__m128d x, const ComplexFactor& f) {
     return _mm_add_pd(_mm_mul_pd(x, f.ar), _mm_mul_pd(_mm_shuffle_pd(x, x, 1), f.ai_signed));
-}
-
-// Scalar complex arithmetic for the kernels' scalar paths, in the same product form.
-inline zcomplex complex_times(const zcomplex& x, const zcomplex& alpha) {
-    return {x.re * alpha.re + x.im * -alpha.im, x.im * alpha.re + x.re * alpha.im};
-}
-inline zcomplex complex_plus(const zcomplex& a, const zcomplex& b) {
-    return {a.re + b.re, a.im + b.im};
-}
-inline zcomplex complex_minus(const zcomplex& a, const zcomplex& b) {
-    return {a.re - b.re, a.im - b.im};
-}
-inline zcomplex conjugate(const zcomplex& v) {
-    return {v.re, -v.im};
-}
-inline bool is_zero(const zcomplex& v) {
-    return v.re == 0.0 && v.im == 0.0;
-}
-// a / b by Smith's scaling, which keeps the intermediate products in range.
-inline zcomplex complex_divide(const zcomplex& a, const zcomplex& b) {
-    if (magnitude(b.re) >= magnitude(b.im)) {
-        const double r = b.im / b.re, d = b.re + b.im * r;
-        return {(a.re + a.im * r) / d, (a.im - a.re * r) / d};
-    }
-    const double r = b.re / b.im, d = b.im + b.re * r;
-    return {(a.re * r + a.im) / d, (a.im * r - a.re) / d};
-}
-
-// Element arithmetic shared by real and complex template code.
-inline double times(double a, double b) {
-    return a * b;
-}
-inline zcomplex times(const zcomplex& a, const zcomplex& b) {
-    return complex_times(a, b);
-}
-inline double plus(double a, double b) {
-    return a + b;
-}
-inline zcomplex plus(const zcomplex& a, const zcomplex& b) {
-    return complex_plus(a, b);
-}
-inline double minus(double a, double b) {
-    return a - b;
-}
-inline zcomplex minus(const zcomplex& a, const zcomplex& b) {
-    return complex_minus(a, b);
-}
-inline double divide(double a, double b) {
-    return a / b;
-}
-inline zcomplex divide(const zcomplex& a, const zcomplex& b) {
-    return complex_divide(a, b);
-}
-inline double conjugate_if(bool conjugated, double a) {
-    return conjugated ? a : a;
-}
-inline zcomplex conjugate_if(bool conjugated, const zcomplex& a) {
-    return conjugated ? conjugate(a) : a;
 }
 
 // The logical sub-vector of `count` elements starting at logical index `from` of a vector whose
@@ -171,7 +97,7 @@ inline void scale_vector(zint len, double beta, double* y, zint inc) {
 inline void scale_vector(zint len, const zcomplex& beta, zcomplex* y, zint inc) {
     zcomplex* ys = y + first_element(len, inc);
     const bool zero = is_zero(beta);
-    for (zint i = 0; i < len; ++i) ys[i * inc] = zero ? zcomplex{0.0, 0.0} : complex_times(ys[i * inc], beta);
+    for (zint i = 0; i < len; ++i) ys[i * inc] = zero ? zcomplex{0.0, 0.0} : ys[i * inc] * beta;
 }
 
 #if ZOR_LEVEL == 4
@@ -183,7 +109,7 @@ inline ComplexFactor4 complex_factor4(const zcomplex& alpha) {
     const ComplexFactor f = complex_factor(alpha);
     return {_mm256_set_m128d(f.ar, f.ar), _mm256_set_m128d(f.ai_signed, f.ai_signed)};
 }
-inline __m256d complex_times(__m256d x, const ComplexFactor4& f) {
+inline __m256d operator*(__m256d x, const ComplexFactor4& f) {
     return _mm256_add_pd(_mm256_mul_pd(x, f.ar), _mm256_mul_pd(_mm256_permute_pd(x, 5), f.ai_signed));
 }
 #endif

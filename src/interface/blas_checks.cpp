@@ -5,7 +5,8 @@
 
 #include <initializer_list>
 
-#include "service/lsame.hpp"
+#include "service/checks.hpp"
+#include "service/letters.hpp"
 #include "service/messages.hpp"
 
 namespace zor::fortran {
@@ -36,114 +37,105 @@ zint at_least_one(zint value) {
     return value > 1 ? value : 1;
 }
 
-// One reference check: the argument number and whether that argument is bad.
-struct Check {
-    zint number;
-    bool bad;
-};
-
-// The number of the first bad argument, reported; 0 when all are good.
-zint first_bad(const char* name, std::initializer_list<Check> checks) {
-    for (const Check& check : checks) {
-        if (check.bad) {
-            zint info = check.number;
-            xerbla(name, &info, 6);
-            return info;
-        }
-    }
-    return 0;
+// The number of the first bad argument, reported through xerbla with the six-character name; 0
+// when all are good.
+zint first_bad(const char* name, std::initializer_list<ArgumentCheck> checks) {
+    return first_failed_check(checks, [name](int parameter) {
+        const std::int32_t info = parameter;
+        xerbla(name, &info, 6);
+    });
 }
 
 zint gemm(const char* name, const char& transa, const char& transb, zint m, zint n, zint k, zint lda,
           zint ldb, zint ldc) {
     const zint rows_a = lsame(transa, 'N') ? m : k;
     const zint rows_b = lsame(transb, 'N') ? k : n;
-    return first_bad(name, {{1, !valid_transpose(transa, Transposes::TransposeOrConjugate)},
-                            {2, !valid_transpose(transb, Transposes::TransposeOrConjugate)},
-                            {3, m < 0},
-                            {4, n < 0},
-                            {5, k < 0},
-                            {8, lda < at_least_one(rows_a)},
-                            {10, ldb < at_least_one(rows_b)},
-                            {13, ldc < at_least_one(m)}});
+    return first_bad(name, {{!valid_transpose(transa, Transposes::TransposeOrConjugate), 1},
+                            {!valid_transpose(transb, Transposes::TransposeOrConjugate), 2},
+                            {m < 0, 3},
+                            {n < 0, 4},
+                            {k < 0, 5},
+                            {lda < at_least_one(rows_a), 8},
+                            {ldb < at_least_one(rows_b), 10},
+                            {ldc < at_least_one(m), 13}});
 }
 
 zint symm(const char* name, const char& side, const char& uplo, zint m, zint n, zint lda, zint ldb,
           zint ldc) {
     const zint rows_a = lsame(side, 'L') ? m : n;
-    return first_bad(name, {{1, !valid_side(side)},
-                            {2, !valid_uplo(uplo)},
-                            {3, m < 0},
-                            {4, n < 0},
-                            {7, lda < at_least_one(rows_a)},
-                            {9, ldb < at_least_one(m)},
-                            {12, ldc < at_least_one(m)}});
+    return first_bad(name, {{!valid_side(side), 1},
+                            {!valid_uplo(uplo), 2},
+                            {m < 0, 3},
+                            {n < 0, 4},
+                            {lda < at_least_one(rows_a), 7},
+                            {ldb < at_least_one(m), 9},
+                            {ldc < at_least_one(m), 12}});
 }
 
 // SYRK and HERK (no B: ldb null) and SYR2K and HER2K.
 zint rank_k(const char* name, Transposes accepted, const char& uplo, const char& trans, zint n, zint k,
             zint lda, const zint* ldb, zint ldc) {
     const zint rows_a = lsame(trans, 'N') ? n : k;
-    return first_bad(name, {{1, !valid_uplo(uplo)},
-                            {2, !valid_transpose(trans, accepted)},
-                            {3, n < 0},
-                            {4, k < 0},
-                            {7, lda < at_least_one(rows_a)},
-                            {9, ldb != nullptr && *ldb < at_least_one(rows_a)},
-                            {ldb != nullptr ? 12 : 10, ldc < at_least_one(n)}});
+    return first_bad(name, {{!valid_uplo(uplo), 1},
+                            {!valid_transpose(trans, accepted), 2},
+                            {n < 0, 3},
+                            {k < 0, 4},
+                            {lda < at_least_one(rows_a), 7},
+                            {ldb != nullptr && *ldb < at_least_one(rows_a), 9},
+                            {ldc < at_least_one(n), ldb != nullptr ? 12 : 10}});
 }
 
 zint trmm(const char* name, const char& side, const char& uplo, const char& transa, const char& diag, zint m,
           zint n, zint lda, zint ldb) {
     const zint rows_a = lsame(side, 'L') ? m : n;
-    return first_bad(name, {{1, !valid_side(side)},
-                            {2, !valid_uplo(uplo)},
-                            {3, !valid_transpose(transa, Transposes::TransposeOrConjugate)},
-                            {4, !valid_diag(diag)},
-                            {5, m < 0},
-                            {6, n < 0},
-                            {9, lda < at_least_one(rows_a)},
-                            {11, ldb < at_least_one(m)}});
+    return first_bad(name, {{!valid_side(side), 1},
+                            {!valid_uplo(uplo), 2},
+                            {!valid_transpose(transa, Transposes::TransposeOrConjugate), 3},
+                            {!valid_diag(diag), 4},
+                            {m < 0, 5},
+                            {n < 0, 6},
+                            {lda < at_least_one(rows_a), 9},
+                            {ldb < at_least_one(m), 11}});
 }
 
 zint gemv(const char* name, const char& trans, zint m, zint n, zint lda, zint incx, zint incy) {
-    return first_bad(name, {{1, !valid_transpose(trans, Transposes::TransposeOrConjugate)},
-                            {2, m < 0},
-                            {3, n < 0},
-                            {6, lda < at_least_one(m)},
-                            {8, incx == 0},
-                            {11, incy == 0}});
+    return first_bad(name, {{!valid_transpose(trans, Transposes::TransposeOrConjugate), 1},
+                            {m < 0, 2},
+                            {n < 0, 3},
+                            {lda < at_least_one(m), 6},
+                            {incx == 0, 8},
+                            {incy == 0, 11}});
 }
 
 zint ger(const char* name, zint m, zint n, zint incx, zint incy, zint lda) {
     return first_bad(name,
-                     {{1, m < 0}, {2, n < 0}, {5, incx == 0}, {7, incy == 0}, {9, lda < at_least_one(m)}});
+                     {{m < 0, 1}, {n < 0, 2}, {incx == 0, 5}, {incy == 0, 7}, {lda < at_least_one(m), 9}});
 }
 
 zint symv(const char* name, const char& uplo, zint n, zint lda, zint incx, zint incy) {
     return first_bad(
         name,
-        {{1, !valid_uplo(uplo)}, {2, n < 0}, {5, lda < at_least_one(n)}, {7, incx == 0}, {10, incy == 0}});
+        {{!valid_uplo(uplo), 1}, {n < 0, 2}, {lda < at_least_one(n), 5}, {incx == 0, 7}, {incy == 0, 10}});
 }
 
 zint syr(const char* name, const char& uplo, zint n, zint incx, zint lda) {
-    return first_bad(name, {{1, !valid_uplo(uplo)}, {2, n < 0}, {5, incx == 0}, {7, lda < at_least_one(n)}});
+    return first_bad(name, {{!valid_uplo(uplo), 1}, {n < 0, 2}, {incx == 0, 5}, {lda < at_least_one(n), 7}});
 }
 
 zint syr2(const char* name, const char& uplo, zint n, zint incx, zint incy, zint lda) {
     return first_bad(
         name,
-        {{1, !valid_uplo(uplo)}, {2, n < 0}, {5, incx == 0}, {7, incy == 0}, {9, lda < at_least_one(n)}});
+        {{!valid_uplo(uplo), 1}, {n < 0, 2}, {incx == 0, 5}, {incy == 0, 7}, {lda < at_least_one(n), 9}});
 }
 
 zint trmv(const char* name, const char& uplo, const char& trans, const char& diag, zint n, zint lda,
           zint incx) {
-    return first_bad(name, {{1, !valid_uplo(uplo)},
-                            {2, !valid_transpose(trans, Transposes::TransposeOrConjugate)},
-                            {3, !valid_diag(diag)},
-                            {4, n < 0},
-                            {6, lda < at_least_one(n)},
-                            {8, incx == 0}});
+    return first_bad(name, {{!valid_uplo(uplo), 1},
+                            {!valid_transpose(trans, Transposes::TransposeOrConjugate), 2},
+                            {!valid_diag(diag), 3},
+                            {n < 0, 4},
+                            {lda < at_least_one(n), 6},
+                            {incx == 0, 8}});
 }
 
 }  // namespace

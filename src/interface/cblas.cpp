@@ -4,13 +4,8 @@
 
 namespace zor::cblas {
 
-bool check_arguments(const char* routine, std::initializer_list<Check> checks) {
-    for (const Check& check : checks) {
-        if (!check.failed) continue;
-        cblas_xerbla(routine, check.parameter);
-        if (check.ends_call) return false;
-    }
-    return true;
+bool check_arguments(const char* routine, std::initializer_list<ArgumentCheck> checks) {
+    return first_failed_check(checks, [routine](int parameter) { cblas_xerbla(routine, parameter); }) == 0;
 }
 
 }  // namespace zor::cblas

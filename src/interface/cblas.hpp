@@ -5,6 +5,7 @@
 
 #include <initializer_list>
 
+#include "service/checks.hpp"
 #include "zor/zor_cblas.h"
 
 namespace zor::cblas {
@@ -69,18 +70,8 @@ inline bool leading_dimension_too_small(zor_int ld, zor_int rows) {
     return ld < (rows > 1 ? rows : 1);
 }
 
-// One argument check: `failed` reports `parameter` (counting Layout as 1). A check that does not
-// end the call is reported and the checks go on, as some level-2 entry points do for a bad letter
-// enumeration.
-struct Check {
-    bool failed;
-    int parameter;
-    bool ends_call = true;
-};
-
-// Runs the checks in the given order, reporting each failure through cblas_xerbla(routine, ...),
-// up to the first failure that ends the call. True when the call may compute: nothing that ends
-// the call failed.
-bool check_arguments(const char* routine, std::initializer_list<Check> checks);
+// Runs the checks in their published order, reporting each failure through cblas_xerbla(routine,
+// parameter) up to the first that ends the call. True when the call may compute.
+bool check_arguments(const char* routine, std::initializer_list<ArgumentCheck> checks);
 
 }  // namespace zor::cblas

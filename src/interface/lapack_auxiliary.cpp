@@ -10,7 +10,7 @@ extern "C" {
 
 ZOR_API double dlapy2(const double* x, const double* y) {
     zor::register_default_handlers();
-    return zor::dlapy2(*x, *y);
+    return zor::lapy2(*x, *y);
 }
 
 ZOR_API void zdrot(const zor_int* n, zor_complex_double* x, const zor_int* incx, zor_complex_double* y,

@@ -1,21 +1,19 @@
 #pragma once
 // The frame of every Fortran-style LAPACK export. An export widens its integer scalars, asks the
-// call for 64-bit copies of its integer and logical arrays, starts the call (which reports a
-// failed copy and registers the default handlers), runs the internal routine and finishes with
-// its info (in a file that says `using namespace zor::fortran;`):
+// call for 64-bit copies of its integer and logical arrays, and runs the internal routine through
+// the call, which reports a failed copy, registers the default handlers, hands the routine a 64-bit
+// info and narrows the results back (in a file that says `using namespace zor::fortran;`):
 //
-//     ZOR_API void dgetrf(const zor_int* m, const zor_int* n, double* a, const zor_int* lda,
-//                         zor_int* ipiv, zor_int* info) {
-//         LapackCall call("DGETRF", info);
-//         const zint m_ = widen(m), n_ = widen(n), lda_ = widen(lda);
-//         const zint k = m_ < n_ ? m_ : n_;
-//         zint* ipiv_ = call.array(ipiv, k, Transfer::Out, k);
-//         if (!call.start()) return;
-//         zint info_ = 0;
-//         zor::dgetrf(m_, n_, a, lda_, ipiv_, info_);
-//         call.finish(info_);
+//     template <class T>
+//     void getrf_export(const char* name, const zor_int* m, const zor_int* n, T* a, const zor_int* lda,
+//                       zor_int* ipiv, zor_int* info) {
+//         LapackCall call(name, info);
+//         const zint m_ = widen(m), n_ = widen(n), k = min_of(m_, n_);
+//         zint* ipiv_ = call.array(ipiv, k, Transfer::InOut, k);
+//         call.run([&](zint& i) { zor::getrf(m_, n_, a, widen(lda), ipiv_, i); });
 //     }
 //
+// and the named exports are one line each: getrf_export("DGETRF", m, n, a, lda, ipiv, info).
 // Copies wanted only on some paths (not in a workspace query, say) are simply not asked for; the
 // internal routine then gets null.
 
@@ -60,19 +58,26 @@ class LapackCall {
 
     // A 64-bit copy of the caller's array: max(entries, 1) entries from the memory manager, of
     // which the first `count` (at most `entries`) are transferred as `transfer` says. Null when no
-    // memory was left (start() then reports it).
+    // memory was left (run() then reports it).
     zint* array(zor_int* caller, zint entries, Transfer transfer, zint count);
 
-    // False when a copy could not be had: message 1089 has been printed with the routine's name and
-    // the caller's info is -1023. Otherwise the default error and progress handlers are registered
-    // (unless handlers are registered already) and the internal routine may run.
-    bool start();
-
-    // Narrows the arrays back (not after an argument error, info < 0, which leaves the caller's
-    // arrays as they were) and stores the low 32 bits of info.
-    void finish(zint info);
+    // Runs `routine(info)` with a 64-bit info, unless a copy could not be had: then message 1089 is
+    // printed with the routine's name and the caller's info is -1023. Before the routine the default
+    // error and progress handlers are registered (unless handlers are registered already); after it
+    // the arrays are narrowed back (not after an argument error, info < 0, which leaves the caller's
+    // arrays as they were) and the low 32 bits of info are stored.
+    template <class Routine>
+    void run(Routine&& routine) {
+        if (!start()) return;
+        zint info = 0;
+        routine(info);
+        finish(info);
+    }
 
   private:
+    bool start();
+    void finish(zint info);
+
     struct Copy {
         zor_int* caller;
         zint* wide;
@@ -86,6 +91,14 @@ class LapackCall {
     int count_ = 0;
     bool failed_ = false;
 };
+
+// The caller's complex arrays as the library's complex type (the same two doubles).
+inline zcomplex* as_complex(zor_complex_double* x) {
+    return reinterpret_cast<zcomplex*>(x);
+}
+inline const zcomplex* as_complex(const zor_complex_double* x) {
+    return reinterpret_cast<const zcomplex*>(x);
+}
 
 // The integer workspace dgelsd sizes for itself (the caller's iwork is only told its size):
 // (3 nlvl + 14) min(m, n) entries, at least 1, where nlvl counts the levels of the

@@ -56,14 +56,13 @@ class KernelDispatcher<R(Args...)> {
 #define ZOR_VARIANTS(name) \
     &::zor::default_::name, &::zor::sse3::name, &::zor::ssse3::name, &::zor::sse42::name, &::zor::avx::name
 
-// The dispatcher of a family declared with ZOR_DECLARE_VARIANTS: its declaration in a dispatcher
-// table's header, and its definition in the table.
+// The dispatcher of a family declared with ZOR_DECLARE_VARIANTS: its declaration in a layer's
+// dispatcher header and its definition in the layer's table. Each layer lists its families once,
+// as an X-macro over the family names, and expands it with these two.
 #define ZOR_DECLARE_DISPATCHER(name) \
-    extern const ::zor::KernelDispatcher<decltype(::zor::default_::name)> name
-#define ZOR_DEFINE_DISPATCHER(name)                                                 \
-    constinit const ::zor::KernelDispatcher<decltype(::zor::default_::name)> name { \
-        ZOR_VARIANTS(name)                                                          \
-    }
+    extern const ::zor::KernelDispatcher<decltype(::zor::default_::name)> name;
+#define ZOR_DEFINE_DISPATCHER(name) \
+    constinit const ::zor::KernelDispatcher<decltype(::zor::default_::name)> name{ZOR_VARIANTS(name)};
 
 // Declares the same functions in every level namespace, for the headers of kernel families.
 #define ZOR_DECLARE_VARIANTS(...) \

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <initializer_list>
 
-#include "blas/level3/gemm_blocking.hpp"
+#include "blas/gemm/blocking.hpp"
 
 namespace zor {
 namespace {

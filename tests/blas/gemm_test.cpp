@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "blas/dispatch.hpp"
-#include "blas/level3/gemm.hpp"
-#include "blas/level3/gemm_blocking.hpp"
+#include "blas/gemm/blocking.hpp"
+#include "blas/gemm/gemm.hpp"
 #include "service/cpu.hpp"
 #include "support/counting_allocator.hpp"
 #include "support/level3_reference.hpp"

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "interface/blas_checks.hpp"
-#include "service/lsame.hpp"
+#include "service/letters.hpp"
 #include "support/arguments.hpp"
 
 namespace zor::test {

@@ -41,13 +41,14 @@ void fake_export(FakeRoutine& routine, const zor_int* n, zor_int* array, Transfe
     LapackCall call("DFAKE", info);
     const zint n_ = widen(n);
     zint* wide = call.array(array, n_, transfer, n_);
-    if (!call.start()) return;
-    routine.ran = true;
-    if (wide != nullptr) {
-        routine.seen.assign(wide, wide + (n_ > 0 ? n_ : 0));
-        for (zint i = 0; i < (n_ > 0 ? n_ : 1); ++i) wide[i] = routine.value(i);
-    }
-    call.finish(routine.info);
+    call.run([&](zint& info_) {
+        routine.ran = true;
+        if (wide != nullptr) {
+            routine.seen.assign(wide, wide + (n_ > 0 ? n_ : 0));
+            for (zint i = 0; i < (n_ > 0 ? n_ : 1); ++i) wide[i] = routine.value(i);
+        }
+        info_ = routine.info;
+    });
 }
 
 // The caller's array: n entries and two more that must never change.
@@ -152,7 +153,7 @@ TEST(LapackFrameFailure, ACopyTooLargeToAddressFailsTheSameWay) {
         LapackCall call("ZGESDD", &info);
         zor_int dummy = 0;
         if (call.array(&dummy, INT64_MAX, Transfer::None, 0) != nullptr) std::exit(1);
-        if (call.start()) std::exit(2);
+        call.run([](zint&) { std::exit(2); });
         std::exit(info == -1023 ? 0 : 3);
     });
     EXPECT_EQ(out, "\nZOR INTERNAL ERROR: Not enough work memory in function ZGESDD\n");
@@ -168,7 +169,7 @@ TEST(LapackFrameFailure, AFailedSecondCopyReleasesTheFirst) {
             zor_int second[4] = {};
             if (call.array(first, 4, Transfer::In, 4) == nullptr) std::exit(1);
             if (call.array(second, INT64_MAX / 2, Transfer::Out, 4) != nullptr) std::exit(2);
-            if (call.start()) std::exit(3);
+            call.run([](zint&) { std::exit(3); });
         }
         std::exit(memory_manager_state().blocks_in_use);
     });

@@ -55,7 +55,7 @@ void check_potrf_and_potri(zint n, char uplo) {
     const Matrix<T> a = random_positive_definite<T>(random, n);
     Matrix<T> f = a;
     zint info = -1;
-    ZOR_D_OR_Z(T, dpotrf, zpotrf, uplo, n, f.data(), f.ld, info);
+    potrf<T>(uplo, n, f.data(), f.ld, info);
     ASSERT_EQ(info, 0);
     EXPECT_LT(cholesky_residual(a, widen_matrix(f), uplo), kResidualThreshold) << n << uplo;
     // The other triangle is never touched.
@@ -68,7 +68,7 @@ void check_potrf_and_potri(zint n, char uplo) {
     }
     EXPECT_TRUE(padding_untouched(f));
     if (n % 3 != 0 && n < 200) return;  // the inverse on a sample of the orders
-    ZOR_D_OR_Z(T, dpotri, zpotri, uplo, n, f.data(), f.ld, info);
+    potri<T>(uplo, n, f.data(), f.ld, info);
     ASSERT_EQ(info, 0);
     EXPECT_LT(potri_residual(a, widen_matrix(f), uplo), kResidualThreshold) << n << uplo;
 }
@@ -106,16 +106,16 @@ TEST(PotrfInfo, TheFailedDiagonalValueStaysInPlace) {
         for (char uplo : {'U', 'L'}) {
             Matrix<double> a = indefinite_at<double>(n, k, 1.0);
             zint info = 0;
-            dpotrf(uplo, n, a.data(), a.ld, info);
+            potrf<double>(uplo, n, a.data(), a.ld, info);
             EXPECT_EQ(info, k) << n << uplo;
             EXPECT_EQ(a(k - 1, k - 1), -1.0) << n << uplo;
             Matrix<zcomplex> z = indefinite_at<zcomplex>(n, k, 1.0);
-            zpotrf(uplo, n, z.data(), z.ld, info);
+            potrf<zcomplex>(uplo, n, z.data(), z.ld, info);
             EXPECT_EQ(info, k) << n << uplo;
             EXPECT_EQ(z(k - 1, k - 1).re, -1.0);
             Matrix<double> nan = indefinite_at<double>(n, k, std::numeric_limits<double>::quiet_NaN());
             nan(0, k - 1) = nan(k - 1, 0) = nan(k - 2, k - 1) = nan(k - 1, k - 2) = 0.0;
-            dpotrf(uplo, n, nan.data(), nan.ld, info);
+            potrf<double>(uplo, n, nan.data(), nan.ld, info);
             EXPECT_EQ(info, k) << n << uplo;
         }
     }
@@ -164,7 +164,7 @@ void check_posv(zint n, zint nrhs, char uplo) {
     const Matrix<T> b = random_matrix<T>(random, n, nrhs, 2);
     Matrix<T> f = a, x = b;
     zint info = 0;
-    ZOR_D_OR_Z(T, dposv, zposv, uplo, n, nrhs, f.data(), f.ld, x.data(), x.ld, info);
+    posv<T>(uplo, n, nrhs, f.data(), f.ld, x.data(), x.ld, info);
     ASSERT_EQ(info, 0);
     EXPECT_LT(solve_residual(widen_matrix(a), 'N', x, b), kResidualThreshold) << n << " " << nrhs << uplo;
 }
@@ -202,8 +202,7 @@ void check_packed(zint n, char uplo, bool starve) {
     std::vector<T> ap = pack(a, uplo);
     zint info = -1;
     ::testing::internal::CaptureStdout();
-    const int asked =
-        with_allocations(starve, [&] { ZOR_D_OR_Z(T, dpptrf, zpptrf, uplo, n, ap.data(), info); });
+    const int asked = with_allocations(starve, [&] { pptrf<T>(uplo, n, ap.data(), info); });
     EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");  // the fallback is silent
     EXPECT_TRUE(!starve || n <= ilaenv(3, "DPPTRF", " ", n, -1, -1, -1) || asked > 0)
         << "the work block was not asked for";
@@ -213,13 +212,12 @@ void check_packed(zint n, char uplo, bool starve) {
     for (zint nrhs : {zint{1}, zint{12}}) {
         const Matrix<T> b = random_matrix<T>(random, n, nrhs, 1);
         Matrix<T> x = b;
-        with_allocations(
-            starve, [&] { ZOR_D_OR_Z(T, dpptrs, zpptrs, uplo, n, nrhs, ap.data(), x.data(), x.ld, info); });
+        with_allocations(starve, [&] { pptrs<T>(uplo, n, nrhs, ap.data(), x.data(), x.ld, info); });
         ASSERT_EQ(info, 0);
         EXPECT_LT(solve_residual(widen_matrix(a), 'N', x, b), kResidualThreshold)
             << n << uplo << nrhs << starve;
     }
-    ZOR_D_OR_Z(T, dpptri, zpptri, uplo, n, ap.data(), info);
+    pptri<T>(uplo, n, ap.data(), info);
     ASSERT_EQ(info, 0);
     EXPECT_LT(potri_residual(a, unpack(ap, n, uplo), uplo), kResidualThreshold) << n << uplo;
 }
@@ -245,7 +243,7 @@ TEST(Packed, NotPositiveDefiniteOnEveryPath) {
                 const zint k = n - 2;
                 std::vector<double> ap = pack(indefinite_at<double>(n, k, 1.0), uplo);
                 zint info = 0;
-                with_allocations(starve, [&] { dpptrf(uplo, n, ap.data(), info); });
+                with_allocations(starve, [&] { pptrf<double>(uplo, n, ap.data(), info); });
                 EXPECT_EQ(info, k) << n << uplo << starve;
                 EXPECT_EQ(unpack(ap, n, uplo)(k - 1, k - 1).re, -1) << n << uplo << starve;
             }
@@ -287,45 +285,42 @@ double g_a[16];
 zcomplex g_z[16];
 
 const ArgumentCase kCholeskyArgumentCases[] = {
-    {"DPOTRF", -1, [] { return info_of(dpotrf, 'X', 2, g_a, 2); }},
-    {"DPOTRF", -2, [] { return info_of(dpotrf, 'U', -1, g_a, 2); }},
-    {"DPOTRF", -4, [] { return info_of(dpotrf, 'L', 3, g_a, 2); }},
-    {"ZPOTRF", -4, [] { return info_of(zpotrf, 'l', 3, g_z, 2); }},
-    {"DPOTF2", -1, [] { return info_of(dpotf2, 'N', 2, g_a, 2); }},
-    {"DPOTF2", -2, [] { return info_of(dpotf2, 'U', -2, g_a, 2); }},
-    {"ZPOTF2", -4, [] { return info_of(zpotf2, 'U', 2, g_z, 1); }},
-    {"DPOTRS", -1, [] { return info_of(dpotrs, 'x', 2, 1, g_a, 2, g_a, 2); }},
-    {"DPOTRS", -2, [] { return info_of(dpotrs, 'U', -1, 1, g_a, 2, g_a, 2); }},
-    {"DPOTRS", -3, [] { return info_of(dpotrs, 'U', 2, -1, g_a, 2, g_a, 2); }},
-    {"DPOTRS", -5, [] { return info_of(dpotrs, 'U', 2, 1, g_a, 1, g_a, 2); }},
-    {"DPOTRS", -7, [] { return info_of(dpotrs, 'U', 2, 1, g_a, 2, g_a, 1); }},
-    {"DPOSV ", -1, [] { return info_of(dposv, 'A', 2, 1, g_a, 2, g_a, 2); }},
-    {"DPOSV ", -2, [] { return info_of(dposv, 'U', -1, 1, g_a, 2, g_a, 2); }},
-    {"DPOSV ", -3, [] { return info_of(dposv, 'U', 2, -1, g_a, 2, g_a, 2); }},
-    {"DPOSV ", -5, [] { return info_of(dposv, 'L', 2, 1, g_a, 1, g_a, 2); }},
-    {"ZPOSV ", -7, [] { return info_of(zposv, 'L', 2, 1, g_z, 2, g_z, 1); }},
-    {"DPOTRI", -1, [] { return info_of(dpotri, 'B', 2, g_a, 2); }},
-    {"DPOTRI", -2, [] { return info_of(dpotri, 'U', -1, g_a, 2); }},
-    {"ZPOTRI", -4, [] { return info_of(zpotri, 'U', 2, g_z, 1); }},
-    {"DPPTRF", -1, [] { return info_of(dpptrf, 'Q', 2, g_a); }},
-    {"ZPPTRF", -2, [] { return info_of(zpptrf, 'U', -1, g_z); }},
-    {"DPPTRS", -1, [] { return info_of(dpptrs, 'Q', 2, 1, g_a, g_a, 2); }},
-    {"DPPTRS", -2, [] { return info_of(dpptrs, 'U', -2, 1, g_a, g_a, 2); }},
-    {"DPPTRS", -3, [] { return info_of(dpptrs, 'U', 2, -1, g_a, g_a, 2); }},
-    {"ZPPTRS", -6, [] { return info_of(zpptrs, 'L', 2, 1, g_z, g_z, 1); }},
-    {"DPPTRI", -1, [] { return info_of(dpptri, '0', 2, g_a); }},
-    {"ZPPTRI", -2, [] { return info_of(zpptri, 'L', -5, g_z); }},
+    {"DPOTRF", -1, [] { return info_of(potrf<double>, 'X', 2, g_a, 2); }},
+    {"DPOTRF", -2, [] { return info_of(potrf<double>, 'U', -1, g_a, 2); }},
+    {"DPOTRF", -4, [] { return info_of(potrf<double>, 'L', 3, g_a, 2); }},
+    {"ZPOTRF", -4, [] { return info_of(potrf<zcomplex>, 'l', 3, g_z, 2); }},
+    {"DPOTRS", -1, [] { return info_of(potrs<double>, 'x', 2, 1, g_a, 2, g_a, 2); }},
+    {"DPOTRS", -2, [] { return info_of(potrs<double>, 'U', -1, 1, g_a, 2, g_a, 2); }},
+    {"DPOTRS", -3, [] { return info_of(potrs<double>, 'U', 2, -1, g_a, 2, g_a, 2); }},
+    {"DPOTRS", -5, [] { return info_of(potrs<double>, 'U', 2, 1, g_a, 1, g_a, 2); }},
+    {"DPOTRS", -7, [] { return info_of(potrs<double>, 'U', 2, 1, g_a, 2, g_a, 1); }},
+    {"DPOSV ", -1, [] { return info_of(posv<double>, 'A', 2, 1, g_a, 2, g_a, 2); }},
+    {"DPOSV ", -2, [] { return info_of(posv<double>, 'U', -1, 1, g_a, 2, g_a, 2); }},
+    {"DPOSV ", -3, [] { return info_of(posv<double>, 'U', 2, -1, g_a, 2, g_a, 2); }},
+    {"DPOSV ", -5, [] { return info_of(posv<double>, 'L', 2, 1, g_a, 1, g_a, 2); }},
+    {"ZPOSV ", -7, [] { return info_of(posv<zcomplex>, 'L', 2, 1, g_z, 2, g_z, 1); }},
+    {"DPOTRI", -1, [] { return info_of(potri<double>, 'B', 2, g_a, 2); }},
+    {"DPOTRI", -2, [] { return info_of(potri<double>, 'U', -1, g_a, 2); }},
+    {"ZPOTRI", -4, [] { return info_of(potri<zcomplex>, 'U', 2, g_z, 1); }},
+    {"DPPTRF", -1, [] { return info_of(pptrf<double>, 'Q', 2, g_a); }},
+    {"ZPPTRF", -2, [] { return info_of(pptrf<zcomplex>, 'U', -1, g_z); }},
+    {"DPPTRS", -1, [] { return info_of(pptrs<double>, 'Q', 2, 1, g_a, g_a, 2); }},
+    {"DPPTRS", -2, [] { return info_of(pptrs<double>, 'U', -2, 1, g_a, g_a, 2); }},
+    {"DPPTRS", -3, [] { return info_of(pptrs<double>, 'U', 2, -1, g_a, g_a, 2); }},
+    {"ZPPTRS", -6, [] { return info_of(pptrs<zcomplex>, 'L', 2, 1, g_z, g_z, 1); }},
+    {"DPPTRI", -1, [] { return info_of(pptri<double>, '0', 2, g_a); }},
+    {"ZPPTRI", -2, [] { return info_of(pptri<zcomplex>, 'L', -5, g_z); }},
 };
 
 INSTANTIATE_TEST_SUITE_P(CholeskyArguments, ArgumentChecks, ::testing::ValuesIn(kCholeskyArgumentCases));
 
 TEST(CholeskyQuickReturns, EmptyMatricesTouchNothing) {
     zint info = 3;
-    dpotrf('U', 0, nullptr, 1, info);
+    potrf<double>('U', 0, nullptr, 1, info);
     EXPECT_EQ(info, 0);
-    zpptrf('L', 0, nullptr, info);
-    dpptrs('U', 4, 0, nullptr, nullptr, 4, info);
-    dpotri('L', 0, nullptr, 1, info);
+    pptrf<zcomplex>('L', 0, nullptr, info);
+    pptrs<double>('U', 4, 0, nullptr, nullptr, 4, info);
+    potri<double>('L', 0, nullptr, 1, info);
     EXPECT_EQ(info, 0);
 }
 
@@ -338,7 +333,7 @@ void progress_child() {
     Matrix<double> a = random_positive_definite<double>(random, n);
     Matrix<double> f = a;
     zint info = 0;
-    dpotrf('L', n, f.data(), f.ld, info);
+    potrf<double>('L', n, f.data(), f.ld, info);
     const auto& steps = ProgressLog::steps;
     if (info != 0 || steps.empty() || steps.back() != n) std::exit(1);
     for (std::size_t i = 1; i < steps.size(); ++i) {
@@ -349,7 +344,7 @@ void progress_child() {
     ProgressLog::reset(1);
     Matrix<zcomplex> z = random_positive_definite<zcomplex>(random, n);
     const Matrix<zcomplex> z0 = z;
-    zpotrf('U', n, z.data(), z.ld, info);
+    potrf<zcomplex>('U', n, z.data(), z.ld, info);
     if (ProgressLog::calls != 1 || ProgressLog::stages[0] != "ZPOTRF") std::exit(4);
     if (std::memcmp(&z(n - 1, n - 1), &z0(n - 1, n - 1), sizeof(zcomplex)) != 0) std::exit(5);
     // dposv skips the solve after a stop.
@@ -357,22 +352,22 @@ void progress_child() {
     Matrix<double> b = random_matrix<double>(random, n, 1);
     const Matrix<double> b0 = b;
     f = a;
-    dposv('U', n, 1, f.data(), f.ld, b.data(), b.ld, info);
+    posv<double>('U', n, 1, f.data(), f.ld, b.data(), b.ld, info);
     if (!same_contents(b, b0)) std::exit(6);
     // Below the crossover the kernel runs without a report.
     ProgressLog::reset();
     const zint small = ilaenv(3, "DPOTRF", "U", 10, -1, -1, -1) - 1;
     if (small > 0) {
         Matrix<double> s = random_positive_definite<double>(random, small);
-        dpotrf('U', small, s.data(), s.ld, info);
+        potrf<double>('U', small, s.data(), s.ld, info);
         if (ProgressLog::calls != 0) std::exit(7);
     }
     // The packed factorisation reports its diagonal blocks as "DPPTRF".
     std::vector<double> ap = pack(a, 'U');
-    dpptrf('U', n, ap.data(), info);
+    pptrf<double>('U', n, ap.data(), info);
     if (ProgressLog::stages.empty() || ProgressLog::stages.back() != "DPPTRF") std::exit(8);
     if (ProgressLog::steps.back() != n) std::exit(9);
-    dpotrf('U', 0, f.data(), 1, info);
+    potrf<double>('U', 0, f.data(), 1, info);
     std::exit(ProgressLog::steps.back() == n ? 0 : 10);
 }
 

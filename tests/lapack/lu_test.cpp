@@ -67,7 +67,7 @@ void check_getrf(Shape s) {
     Matrix<T> f = a;
     std::vector<zint> ipiv(static_cast<std::size_t>(std::min(s.m, s.n)));
     zint info = -7;
-    ZOR_D_OR_Z(T, dgetrf, zgetrf, s.m, s.n, f.data(), f.ld, ipiv.data(), info);
+    getrf<T>(s.m, s.n, f.data(), f.ld, ipiv.data(), info);
     EXPECT_EQ(info, 0);
     EXPECT_LT(lu_residual(a, f, ipiv), kResidualThreshold);
     EXPECT_TRUE(padding_untouched(f));
@@ -97,7 +97,7 @@ TEST(GetrfInfo, FirstExactZeroPivotWinsAndTheFactorisationCompletes) {
         Matrix<double> f = a;
         std::vector<zint> ipiv(static_cast<std::size_t>(n));
         zint info = 0;
-        dgetrf(n, n, f.data(), f.ld, ipiv.data(), info);
+        getrf<double>(n, n, f.data(), f.ld, ipiv.data(), info);
         EXPECT_EQ(info, first) << n;
         EXPECT_EQ(f(first - 1, first - 1), 0.0);
         EXPECT_LT(lu_residual(a, f, ipiv), kResidualThreshold) << n;
@@ -109,7 +109,7 @@ TEST(GetrfInfo, FirstExactZeroPivotWinsAndTheFactorisationCompletes) {
     const zint ipiv[4] = {1, 2, 3, 4};
     double work[4];
     zint info = 0;
-    dgetri(4, u.data(), 4, ipiv, work, 4, info);
+    getri<double>(4, u.data(), 4, ipiv, work, 4, info);
     EXPECT_EQ(info, 3);
 }
 
@@ -118,11 +118,11 @@ TEST(GetrfPivots, TheUpperOfTwoEqualMagnitudesIsChosen) {
     a.v = {2, -2, 1, 1, 3, 1, 1, 1, 4};
     zint ipiv[3];
     zint info = 0;
-    dgetrf(3, 3, a.data(), 3, ipiv, info);
+    getrf<double>(3, 3, a.data(), 3, ipiv, info);
     EXPECT_EQ(ipiv[0], 1);
     Matrix<double> b(3, 1, 3);
     b.v = {1, -2, 2};
-    dgetrf(3, 1, b.data(), 3, ipiv, info);
+    getrf<double>(3, 1, b.data(), 3, ipiv, info);
     EXPECT_EQ(ipiv[0], 2);
     EXPECT_EQ(b(1, 0), -0.5);
 }
@@ -139,7 +139,7 @@ TEST(GetrfPivots, APivotBelowTheSafeMinimumGivesFiniteMultipliers) {
     }
     zint ipiv[2];
     zint info = 0;
-    dgetrf(19, 2, a.data(), 19, ipiv, info);
+    getrf<double>(19, 2, a.data(), 19, ipiv, info);
     EXPECT_EQ(info, 0);
     EXPECT_EQ(ipiv[0], 1);
     for (zint i = 1; i < 19; ++i) EXPECT_NEAR(a(i, 0), i % 2 ? 0.5 : -0.25, 1e-4) << i;
@@ -150,7 +150,7 @@ TEST(GetrfPivots, APivotBelowTheSafeMinimumGivesFiniteMultipliers) {
     for (zint i = 0; i < 19; ++i) ab[static_cast<std::size_t>(kl + ku + i)] = entry(i);
     for (zint j = 1; j < 19; ++j) ab[static_cast<std::size_t>(kl + ku + j * ldab)] = 1.0;
     std::vector<zint> band_pivots(19);
-    dgbtrf(19, 19, kl, ku, ab.data(), ldab, band_pivots.data(), info);
+    gbtrf<double>(19, 19, kl, ku, ab.data(), ldab, band_pivots.data(), info);
     EXPECT_EQ(band_pivots[0], 1);
     for (zint i = 1; i < 19; ++i)
         EXPECT_NEAR(ab[static_cast<std::size_t>(kl + ku + i)], i % 2 ? 0.5 : -0.25, 1e-4) << i;
@@ -165,9 +165,9 @@ void check_getrs(zint n, zint nrhs, char trans) {
     Matrix<T> f = a, x = b;
     std::vector<zint> ipiv(static_cast<std::size_t>(n));
     zint info = 0;
-    ZOR_D_OR_Z(T, dgetrf, zgetrf, n, n, f.data(), f.ld, ipiv.data(), info);
+    getrf<T>(n, n, f.data(), f.ld, ipiv.data(), info);
     ASSERT_EQ(info, 0);
-    ZOR_D_OR_Z(T, dgetrs, zgetrs, trans, n, nrhs, f.data(), f.ld, ipiv.data(), x.data(), x.ld, info);
+    getrs<T>(trans, n, nrhs, f.data(), f.ld, ipiv.data(), x.data(), x.ld, info);
     ASSERT_EQ(info, 0);
     EXPECT_LT(solve_residual(widen_matrix(a), trans, x, b), kResidualThreshold)
         << n << " " << nrhs << " " << trans;
@@ -193,16 +193,16 @@ void check_getri(zint n, zint lwork_kind) {
     Matrix<T> f = a;
     std::vector<zint> ipiv(static_cast<std::size_t>(n));
     zint info = 0;
-    ZOR_D_OR_Z(T, dgetrf, zgetrf, n, n, f.data(), f.ld, ipiv.data(), info);
+    getrf<T>(n, n, f.data(), f.ld, ipiv.data(), info);
     ASSERT_EQ(info, 0);
     T query{};
-    ZOR_D_OR_Z(T, dgetri, zgetri, n, f.data(), f.ld, nullptr, &query, zint{-1}, info);
+    getri<T>(n, f.data(), f.ld, nullptr, &query, zint{-1}, info);
     const zint optimal = static_cast<zint>(value(query).re);
     EXPECT_EQ(optimal,
               std::max<zint>(1, n * ilaenv(1, kIsComplex<T> ? "ZGETRI" : "DGETRI", " ", n, -1, -1, -1)));
     const zint lwork = lwork_kind == 0 ? optimal : std::max<zint>(1, n * (lwork_kind == 1 ? 1 : 5));
     std::vector<T> work(static_cast<std::size_t>(lwork));
-    ZOR_D_OR_Z(T, dgetri, zgetri, n, f.data(), f.ld, ipiv.data(), work.data(), lwork, info);
+    getri<T>(n, f.data(), f.ld, ipiv.data(), work.data(), lwork, info);
     ASSERT_EQ(info, 0);
     EXPECT_LT(inverse_residual(widen_matrix(a), widen_matrix(f)), kResidualThreshold)
         << n << " lwork " << lwork;
@@ -222,13 +222,13 @@ TEST(Laswp, BackwardUndoesForwardAndStridesReadEveryOtherPivot) {
     Matrix<double> a = random_matrix<double>(random, 8, 5, 0);
     const Matrix<double> original = a;
     const zint ipiv[8] = {3, 3, 8, 4, 6, 6, 8, 8};
-    dlaswp(5, a.data(), 8, 2, 7, ipiv, 1);
+    laswp<double>(5, a.data(), 8, 2, 7, ipiv, 1);
     EXPECT_EQ(a(1, 0), original(2, 0));  // row 2 with row 3 first
-    dlaswp(5, a.data(), 8, 2, 7, ipiv, -1);
+    laswp<double>(5, a.data(), 8, 2, 7, ipiv, -1);
     EXPECT_EQ(a.v, original.v);
     // incx = 2: rows 1, 2, 3 take ipiv(1), ipiv(3), ipiv(5).
     const zint strided[5] = {2, 99, 3, 99, 3};
-    dlaswp(5, a.data(), 8, 1, 3, strided, 2);
+    laswp<double>(5, a.data(), 8, 1, 3, strided, 2);
     for (zint j = 0; j < 5; ++j) {
         EXPECT_EQ(a(0, j), original(1, j));
         EXPECT_EQ(a(1, j), original(2, j));
@@ -293,7 +293,7 @@ void check_gbtrf(const BandCase& c) {
     }
     std::vector<zint> ipiv(static_cast<std::size_t>(std::max<zint>(1, std::min(c.m, c.n))));
     zint info = 0;
-    ZOR_D_OR_Z(T, dgbtrf, zgbtrf, c.m, c.n, c.kl, c.ku, f.data(), ldab, ipiv.data(), info);
+    gbtrf<T>(c.m, c.n, c.kl, c.ku, f.data(), ldab, ipiv.data(), info);
     ASSERT_EQ(info, 0);
     EXPECT_LT(gb_residual(c.m, c.n, c.kl, c.ku, band, f, ldab, ipiv), kResidualThreshold)
         << c.m << "x" << c.n << " kl " << c.kl << " ku " << c.ku;
@@ -331,11 +331,10 @@ void check_gbsv(zint n, zint kl, zint ku, zint nrhs, char trans) {
     std::vector<zint> ipiv(static_cast<std::size_t>(n));
     zint info = 0;
     if (trans == 'N') {
-        ZOR_D_OR_Z(T, dgbsv, zgbsv, n, kl, ku, nrhs, band.data(), ldab, ipiv.data(), x.data(), x.ld, info);
+        gbsv<T>(n, kl, ku, nrhs, band.data(), ldab, ipiv.data(), x.data(), x.ld, info);
     } else {
-        ZOR_D_OR_Z(T, dgbtrf, zgbtrf, n, n, kl, ku, band.data(), ldab, ipiv.data(), info);
-        ZOR_D_OR_Z(T, dgbtrs, zgbtrs, trans, n, kl, ku, nrhs, band.data(), ldab, ipiv.data(), x.data(), x.ld,
-                   info);
+        gbtrf<T>(n, n, kl, ku, band.data(), ldab, ipiv.data(), info);
+        gbtrs<T>(trans, n, kl, ku, nrhs, band.data(), ldab, ipiv.data(), x.data(), x.ld, info);
     }
     ASSERT_EQ(info, 0);
     EXPECT_LT(solve_residual(a, trans, x, b), kResidualThreshold)
@@ -369,7 +368,7 @@ TEST(Gbtrf, ZeroPivotsAreReportedAndTheFactorisationCompletes) {
     std::vector<double> f = band;
     std::vector<zint> ipiv(static_cast<std::size_t>(n));
     zint info = 0;
-    dgbtrf(n, n, kl, ku, f.data(), ldab, ipiv.data(), info);
+    gbtrf<double>(n, n, kl, ku, f.data(), ldab, ipiv.data(), info);
     EXPECT_EQ(info, 70);
     EXPECT_LT(gb_residual(n, n, kl, ku, band, f, ldab, ipiv), kResidualThreshold);
 }
@@ -403,12 +402,12 @@ TEST(Gttrs, EveryOptionAndBlockOfRightHandSidesSolves) {
                 std::vector<double> du2(static_cast<std::size_t>(std::max<zint>(n - 2, 1)));
                 std::vector<zint> ipiv(static_cast<std::size_t>(n));
                 zint info = 0;
-                dgttrf(n, f.dl.data(), f.d.data(), f.du.data(), du2.data(), ipiv.data(), info);
+                gttrf(n, f.dl.data(), f.d.data(), f.du.data(), du2.data(), ipiv.data(), info);
                 ASSERT_EQ(info, 0);
                 const Matrix<double> b = random_matrix<double>(random, n, nrhs, 2);
                 Matrix<double> x = b;
-                dgttrs(trans, n, nrhs, f.dl.data(), f.d.data(), f.du.data(), du2.data(), ipiv.data(),
-                       x.data(), x.ld, info);
+                gttrs(trans, n, nrhs, f.dl.data(), f.d.data(), f.du.data(), du2.data(), ipiv.data(), x.data(),
+                      x.ld, info);
                 ASSERT_EQ(info, 0);
                 Wide a(n, n);
                 for (zint i = 0; i < n; ++i) {
@@ -431,7 +430,7 @@ TEST(Gttrf, AnExactZeroOnTheDiagonalOfUIsReported) {
     std::vector<double> dl = {1, 0}, d = {0, 0, 1}, du = {0, 1}, du2(1);
     std::vector<zint> ipiv(3);
     zint info = 0;
-    dgttrf(3, dl.data(), d.data(), du.data(), du2.data(), ipiv.data(), info);
+    gttrf(3, dl.data(), d.data(), du.data(), du2.data(), ipiv.data(), info);
     EXPECT_EQ(ipiv[0], 2);
     EXPECT_EQ(info, 2);
 }
@@ -446,7 +445,7 @@ TEST_P(Gtts2Levels, EveryVariantGivesTheDefaultBits) {
     std::vector<double> du2(n - 2);
     std::vector<zint> ipiv(n);
     zint info = 0;
-    dgttrf(n, f.dl.data(), f.d.data(), f.du.data(), du2.data(), ipiv.data(), info);
+    gttrf(n, f.dl.data(), f.d.data(), f.du.data(), du2.data(), ipiv.data(), info);
     const Matrix<double> b = random_matrix<double>(random, n, nrhs, 1);
     for (zint itrans : {0, 1}) {
         Matrix<double> expected = b, got = b;
@@ -467,44 +466,44 @@ zcomplex g_z[64];
 zint g_pivots[8] = {1, 2, 3, 4, 5, 6, 7, 8};
 
 const ArgumentCase kLuArgumentCases[] = {
-    {"DGETRF", -1, [] { return info_of(dgetrf, -1, 2, g_a, 2, g_pivots); }},
-    {"DGETRF", -2, [] { return info_of(dgetrf, 2, -1, g_a, 2, g_pivots); }},
-    {"ZGETRF", -4, [] { return info_of(zgetrf, 3, 2, g_z, 2, g_pivots); }},
-    {"DGETRS", -1, [] { return info_of(dgetrs, 'X', 2, 1, g_a, 2, g_pivots, g_a, 2); }},
-    {"DGETRS", -2, [] { return info_of(dgetrs, 'N', -1, 1, g_a, 2, g_pivots, g_a, 2); }},
-    {"DGETRS", -3, [] { return info_of(dgetrs, 'T', 2, -1, g_a, 2, g_pivots, g_a, 2); }},
-    {"DGETRS", -5, [] { return info_of(dgetrs, 'C', 2, 1, g_a, 1, g_pivots, g_a, 2); }},
-    {"ZGETRS", -8, [] { return info_of(zgetrs, 'n', 2, 1, g_z, 2, g_pivots, g_z, 1); }},
-    {"DGESV ", -1, [] { return info_of(dgesv, -1, 1, g_a, 1, g_pivots, g_a, 1); }},
-    {"DGESV ", -2, [] { return info_of(dgesv, 2, -1, g_a, 2, g_pivots, g_a, 2); }},
-    {"DGESV ", -4, [] { return info_of(dgesv, 2, 1, g_a, 1, g_pivots, g_a, 2); }},
-    {"ZGESV ", -7, [] { return info_of(zgesv, 2, 1, g_z, 2, g_pivots, g_z, 1); }},
-    {"DGETRI", -1, [] { return info_of(dgetri, -1, g_a, 1, g_pivots, g_a, 1); }},
-    {"DGETRI", -3, [] { return info_of(dgetri, 3, g_a, 2, g_pivots, g_a, 9); }},
-    {"ZGETRI", -6, [] { return info_of(zgetri, 3, g_z, 3, g_pivots, g_z, 0); }},
-    {"DGBTRF", -1, [] { return info_of(dgbtrf, -1, 2, 1, 1, g_a, 4, g_pivots); }},
-    {"DGBTRF", -2, [] { return info_of(dgbtrf, 2, -1, 1, 1, g_a, 4, g_pivots); }},
-    {"DGBTRF", -3, [] { return info_of(dgbtrf, 2, 2, -1, 1, g_a, 4, g_pivots); }},
-    {"DGBTRF", -4, [] { return info_of(dgbtrf, 2, 2, 1, -1, g_a, 4, g_pivots); }},
-    {"DGBTRF", -6, [] { return info_of(dgbtrf, 2, 2, 1, 1, g_a, 3, g_pivots); }},
-    {"DGBTRS", -1, [] { return info_of(dgbtrs, '/', 2, 1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
-    {"DGBTRS", -2, [] { return info_of(dgbtrs, 'N', -2, 1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
-    {"DGBTRS", -3, [] { return info_of(dgbtrs, 'N', 2, -1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
-    {"DGBTRS", -4, [] { return info_of(dgbtrs, 'N', 2, 1, -1, 1, g_a, 4, g_pivots, g_a, 2); }},
-    {"DGBTRS", -5, [] { return info_of(dgbtrs, 'T', 2, 1, 1, -1, g_a, 4, g_pivots, g_a, 2); }},
-    {"DGBTRS", -7, [] { return info_of(dgbtrs, 'C', 2, 1, 1, 1, g_a, 3, g_pivots, g_a, 2); }},
-    {"ZGBTRS", -10, [] { return info_of(zgbtrs, 'N', 2, 1, 1, 1, g_z, 4, g_pivots, g_z, 1); }},
-    {"DGBSV ", -1, [] { return info_of(dgbsv, -1, 1, 1, 1, g_a, 4, g_pivots, g_a, 1); }},
-    {"DGBSV ", -2, [] { return info_of(dgbsv, 2, -1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
-    {"DGBSV ", -3, [] { return info_of(dgbsv, 2, 1, -1, 1, g_a, 4, g_pivots, g_a, 2); }},
-    {"DGBSV ", -4, [] { return info_of(dgbsv, 2, 1, 1, -1, g_a, 4, g_pivots, g_a, 2); }},
-    {"DGBSV ", -6, [] { return info_of(dgbsv, 2, 1, 1, 1, g_a, 3, g_pivots, g_a, 2); }},
-    {"ZGBSV ", -9, [] { return info_of(zgbsv, 2, 1, 1, 1, g_z, 4, g_pivots, g_z, 1); }},
-    {"DGTTRF", -1, [] { return info_of(dgttrf, -1, g_a, g_a, g_a, g_a, g_pivots); }},
-    {"DGTTRS", -1, [] { return info_of(dgttrs, 'x', 2, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2); }},
-    {"DGTTRS", -2, [] { return info_of(dgttrs, 'N', -1, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2); }},
-    {"DGTTRS", -3, [] { return info_of(dgttrs, 't', 2, -1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2); }},
-    {"DGTTRS", -10, [] { return info_of(dgttrs, 'c', 2, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 1); }},
+    {"DGETRF", -1, [] { return info_of(getrf<double>, -1, 2, g_a, 2, g_pivots); }},
+    {"DGETRF", -2, [] { return info_of(getrf<double>, 2, -1, g_a, 2, g_pivots); }},
+    {"ZGETRF", -4, [] { return info_of(getrf<zcomplex>, 3, 2, g_z, 2, g_pivots); }},
+    {"DGETRS", -1, [] { return info_of(getrs<double>, 'X', 2, 1, g_a, 2, g_pivots, g_a, 2); }},
+    {"DGETRS", -2, [] { return info_of(getrs<double>, 'N', -1, 1, g_a, 2, g_pivots, g_a, 2); }},
+    {"DGETRS", -3, [] { return info_of(getrs<double>, 'T', 2, -1, g_a, 2, g_pivots, g_a, 2); }},
+    {"DGETRS", -5, [] { return info_of(getrs<double>, 'C', 2, 1, g_a, 1, g_pivots, g_a, 2); }},
+    {"ZGETRS", -8, [] { return info_of(getrs<zcomplex>, 'n', 2, 1, g_z, 2, g_pivots, g_z, 1); }},
+    {"DGESV ", -1, [] { return info_of(gesv<double>, -1, 1, g_a, 1, g_pivots, g_a, 1); }},
+    {"DGESV ", -2, [] { return info_of(gesv<double>, 2, -1, g_a, 2, g_pivots, g_a, 2); }},
+    {"DGESV ", -4, [] { return info_of(gesv<double>, 2, 1, g_a, 1, g_pivots, g_a, 2); }},
+    {"ZGESV ", -7, [] { return info_of(gesv<zcomplex>, 2, 1, g_z, 2, g_pivots, g_z, 1); }},
+    {"DGETRI", -1, [] { return info_of(getri<double>, -1, g_a, 1, g_pivots, g_a, 1); }},
+    {"DGETRI", -3, [] { return info_of(getri<double>, 3, g_a, 2, g_pivots, g_a, 9); }},
+    {"ZGETRI", -6, [] { return info_of(getri<zcomplex>, 3, g_z, 3, g_pivots, g_z, 0); }},
+    {"DGBTRF", -1, [] { return info_of(gbtrf<double>, -1, 2, 1, 1, g_a, 4, g_pivots); }},
+    {"DGBTRF", -2, [] { return info_of(gbtrf<double>, 2, -1, 1, 1, g_a, 4, g_pivots); }},
+    {"DGBTRF", -3, [] { return info_of(gbtrf<double>, 2, 2, -1, 1, g_a, 4, g_pivots); }},
+    {"DGBTRF", -4, [] { return info_of(gbtrf<double>, 2, 2, 1, -1, g_a, 4, g_pivots); }},
+    {"DGBTRF", -6, [] { return info_of(gbtrf<double>, 2, 2, 1, 1, g_a, 3, g_pivots); }},
+    {"DGBTRS", -1, [] { return info_of(gbtrs<double>, '/', 2, 1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBTRS", -2, [] { return info_of(gbtrs<double>, 'N', -2, 1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBTRS", -3, [] { return info_of(gbtrs<double>, 'N', 2, -1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBTRS", -4, [] { return info_of(gbtrs<double>, 'N', 2, 1, -1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBTRS", -5, [] { return info_of(gbtrs<double>, 'T', 2, 1, 1, -1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBTRS", -7, [] { return info_of(gbtrs<double>, 'C', 2, 1, 1, 1, g_a, 3, g_pivots, g_a, 2); }},
+    {"ZGBTRS", -10, [] { return info_of(gbtrs<zcomplex>, 'N', 2, 1, 1, 1, g_z, 4, g_pivots, g_z, 1); }},
+    {"DGBSV ", -1, [] { return info_of(gbsv<double>, -1, 1, 1, 1, g_a, 4, g_pivots, g_a, 1); }},
+    {"DGBSV ", -2, [] { return info_of(gbsv<double>, 2, -1, 1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBSV ", -3, [] { return info_of(gbsv<double>, 2, 1, -1, 1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBSV ", -4, [] { return info_of(gbsv<double>, 2, 1, 1, -1, g_a, 4, g_pivots, g_a, 2); }},
+    {"DGBSV ", -6, [] { return info_of(gbsv<double>, 2, 1, 1, 1, g_a, 3, g_pivots, g_a, 2); }},
+    {"ZGBSV ", -9, [] { return info_of(gbsv<zcomplex>, 2, 1, 1, 1, g_z, 4, g_pivots, g_z, 1); }},
+    {"DGTTRF", -1, [] { return info_of(gttrf, -1, g_a, g_a, g_a, g_a, g_pivots); }},
+    {"DGTTRS", -1, [] { return info_of(gttrs, 'x', 2, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2); }},
+    {"DGTTRS", -2, [] { return info_of(gttrs, 'N', -1, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2); }},
+    {"DGTTRS", -3, [] { return info_of(gttrs, 't', 2, -1, g_a, g_a, g_a, g_a, g_pivots, g_a, 2); }},
+    {"DGTTRS", -10, [] { return info_of(gttrs, 'c', 2, 1, g_a, g_a, g_a, g_a, g_pivots, g_a, 1); }},
 };
 
 INSTANTIATE_TEST_SUITE_P(LuArguments, ArgumentChecks, ::testing::ValuesIn(kLuArgumentCases));
@@ -512,14 +511,14 @@ INSTANTIATE_TEST_SUITE_P(LuArguments, ArgumentChecks, ::testing::ValuesIn(kLuArg
 // Quick returns: nothing is read or written and no progress is reported.
 TEST(LuQuickReturns, EmptyMatricesTouchNothing) {
     zint info = 5;
-    dgetrf(0, 3, nullptr, 1, nullptr, info);
+    getrf<double>(0, 3, nullptr, 1, nullptr, info);
     EXPECT_EQ(info, 0);
-    zgetrf(4, 0, nullptr, 4, nullptr, info);
+    getrf<zcomplex>(4, 0, nullptr, 4, nullptr, info);
     EXPECT_EQ(info, 0);
-    dgetrs('N', 0, 3, nullptr, 1, nullptr, nullptr, 1, info);
-    dgetrs('N', 3, 0, nullptr, 3, nullptr, nullptr, 3, info);
-    dgbtrf(0, 0, 1, 1, nullptr, 4, nullptr, info);
-    dgttrs('N', 3, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, 3, info);
+    getrs<double>('N', 0, 3, nullptr, 1, nullptr, nullptr, 1, info);
+    getrs<double>('N', 3, 0, nullptr, 3, nullptr, nullptr, 3, info);
+    gbtrf<double>(0, 0, 1, 1, nullptr, 4, nullptr, info);
+    gttrs('N', 3, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, 3, info);
     EXPECT_EQ(info, 0);
 }
 
@@ -534,7 +533,7 @@ void progress_child() {
     Matrix<double> a = random_matrix<double>(random, n, n);
     std::vector<zint> ipiv(n);
     zint info = 0;
-    dgetrf(n, n, a.data(), a.ld, ipiv.data(), info);
+    getrf<double>(n, n, a.data(), a.ld, ipiv.data(), info);
     // Steps rise to n, one report per unblocked leaf, every one named "DGETRF".
     const auto& steps = ProgressLog::steps;
     if (steps.empty() || steps.back() != n) std::exit(1);
@@ -549,7 +548,7 @@ void progress_child() {
     Matrix<zcomplex> z = random_matrix<zcomplex>(random, n, n);
     const Matrix<zcomplex> original = z;
     std::vector<zint> zipiv(n, -1);
-    zgetrf(n, n, z.data(), z.ld, zipiv.data(), info);
+    getrf<zcomplex>(n, n, z.data(), z.ld, zipiv.data(), info);
     if (ProgressLog::calls != 1 || ProgressLog::stages[0] != "ZGETRF") std::exit(4);
     const zint leaf = ProgressLog::steps[0];
     if (leaf <= 0 || leaf >= n) std::exit(5);
@@ -559,19 +558,19 @@ void progress_child() {
     ProgressLog::reset(1);
     Matrix<double> b = random_matrix<double>(random, n, 1);
     const Matrix<double> b0 = b;
-    dgesv(n, 1, a.data(), a.ld, ipiv.data(), b.data(), b.ld, info);
+    gesv<double>(n, 1, a.data(), a.ld, ipiv.data(), b.data(), b.ld, info);
     if (info != 0 || !same_contents(b, b0)) std::exit(8);
     // The band factorisation reports its block columns as "XDGBTRF".
     ProgressLog::reset();
     const zint kl = 40, ku = 80, ldab = 2 * kl + ku + 1;
     std::vector<double> band(ldab * n, 1.0);
     for (zint j = 0; j < n; ++j) band[kl + ku + j * ldab] = 1000.0;
-    dgbtrf(n, n, kl, ku, band.data(), ldab, ipiv.data(), info);
+    gbtrf<double>(n, n, kl, ku, band.data(), ldab, ipiv.data(), info);
     if (ProgressLog::stages.empty() || ProgressLog::stages[0] != "XDGBTRF") std::exit(9);
     if (ProgressLog::steps.back() != n) std::exit(10);
     // Empty matrices report nothing.
     ProgressLog::reset();
-    dgetrf(0, 5, a.data(), 1, ipiv.data(), info);
+    getrf<double>(0, 5, a.data(), 1, ipiv.data(), info);
     std::exit(ProgressLog::calls == 0 ? 0 : 11);
 }
 

@@ -47,9 +47,9 @@ void check_inverses(zint n, Options o) {
     Matrix<T> full = a;
     std::vector<T> ap = pack(a, o.uplo);
     zint info = -1;
-    ZOR_D_OR_Z(T, dtrtri, ztrtri, o.uplo, o.diag, n, full.data(), full.ld, info);
+    trtri<T>(o.uplo, o.diag, n, full.data(), full.ld, info);
     ASSERT_EQ(info, 0);
-    ZOR_D_OR_Z(T, dtptri, ztptri, o.uplo, o.diag, n, ap.data(), info);
+    tptri<T>(o.uplo, o.diag, n, ap.data(), info);
     ASSERT_EQ(info, 0);
     EXPECT_LT(inverse_residual(t, dense_triangle(widen_matrix(full), o)), kResidualThreshold)
         << n << o.uplo << o.diag;
@@ -78,7 +78,7 @@ void check_tptrs(zint n, zint nrhs, Options o, char trans) {
     const Matrix<T> b = random_matrix<T>(random, n, nrhs, 2);
     Matrix<T> x = b;
     zint info = -1;
-    ZOR_D_OR_Z(T, dtptrs, ztptrs, o.uplo, trans, o.diag, n, nrhs, ap.data(), x.data(), x.ld, info);
+    tptrs<T>(o.uplo, trans, o.diag, n, nrhs, ap.data(), x.data(), x.ld, info);
     ASSERT_EQ(info, 0);
     EXPECT_LT(solve_residual(dense_triangle(widen_matrix(a), o), trans, x, b), kResidualThreshold)
         << n << nrhs << o.uplo << o.diag << trans;
@@ -108,16 +108,16 @@ TEST(TriangularInfo, TheFirstZeroOnANonUnitDiagonalIsReported) {
         std::vector<double> ap = pack(a, uplo);
         const std::vector<double> ap0 = ap;
         zint info = 0;
-        dtrtri(uplo, 'N', 90, a.data(), a.ld, info);
+        trtri<double>(uplo, 'N', 90, a.data(), a.ld, info);
         EXPECT_EQ(info, 41);
-        dtptri(uplo, 'N', 90, ap.data(), info);
+        tptri<double>(uplo, 'N', 90, ap.data(), info);
         EXPECT_EQ(info, 41);
         EXPECT_EQ(ap, ap0);  // nothing inverted
         std::vector<double> b(90, 1.0);
-        dtptrs(uplo, 'N', 'N', 90, 1, ap.data(), b.data(), 90, info);
+        tptrs<double>(uplo, 'N', 'N', 90, 1, ap.data(), b.data(), 90, info);
         EXPECT_EQ(info, 41);
         // With a unit diagonal the zeros are not read.
-        dtptri(uplo, 'U', 90, ap.data(), info);
+        tptri<double>(uplo, 'U', 90, ap.data(), info);
         EXPECT_EQ(info, 0);
     }
 }
@@ -126,19 +126,19 @@ double g_a[16];
 zcomplex g_z[16];
 
 const ArgumentCase kTriangularArgumentCases[] = {
-    {"DTRTRI", -1, [] { return info_of(dtrtri, 'X', 'N', 2, g_a, 2); }},
-    {"DTRTRI", -2, [] { return info_of(dtrtri, 'U', 'X', 2, g_a, 2); }},
-    {"DTRTRI", -3, [] { return info_of(dtrtri, 'L', 'U', -1, g_a, 2); }},
-    {"ZTRTRI", -5, [] { return info_of(ztrtri, 'L', 'N', 3, g_z, 2); }},
-    {"DTPTRI", -1, [] { return info_of(dtptri, 'X', 'N', 2, g_a); }},
-    {"DTPTRI", -2, [] { return info_of(dtptri, 'U', 'T', 2, g_a); }},
-    {"ZTPTRI", -3, [] { return info_of(ztptri, 'u', 'n', -3, g_z); }},
-    {"DTPTRS", -1, [] { return info_of(dtptrs, 'N', 'N', 'N', 2, 1, g_a, g_a, 2); }},
-    {"DTPTRS", -2, [] { return info_of(dtptrs, 'U', 'U', 'N', 2, 1, g_a, g_a, 2); }},
-    {"DTPTRS", -3, [] { return info_of(dtptrs, 'U', 'N', 'T', 2, 1, g_a, g_a, 2); }},
-    {"DTPTRS", -4, [] { return info_of(dtptrs, 'L', 'T', 'U', -1, 1, g_a, g_a, 2); }},
-    {"DTPTRS", -5, [] { return info_of(dtptrs, 'L', 'C', 'U', 2, -1, g_a, g_a, 2); }},
-    {"ZTPTRS", -8, [] { return info_of(ztptrs, 'L', 'C', 'U', 2, 1, g_z, g_z, 1); }},
+    {"DTRTRI", -1, [] { return info_of(trtri<double>, 'X', 'N', 2, g_a, 2); }},
+    {"DTRTRI", -2, [] { return info_of(trtri<double>, 'U', 'X', 2, g_a, 2); }},
+    {"DTRTRI", -3, [] { return info_of(trtri<double>, 'L', 'U', -1, g_a, 2); }},
+    {"ZTRTRI", -5, [] { return info_of(trtri<zcomplex>, 'L', 'N', 3, g_z, 2); }},
+    {"DTPTRI", -1, [] { return info_of(tptri<double>, 'X', 'N', 2, g_a); }},
+    {"DTPTRI", -2, [] { return info_of(tptri<double>, 'U', 'T', 2, g_a); }},
+    {"ZTPTRI", -3, [] { return info_of(tptri<zcomplex>, 'u', 'n', -3, g_z); }},
+    {"DTPTRS", -1, [] { return info_of(tptrs<double>, 'N', 'N', 'N', 2, 1, g_a, g_a, 2); }},
+    {"DTPTRS", -2, [] { return info_of(tptrs<double>, 'U', 'U', 'N', 2, 1, g_a, g_a, 2); }},
+    {"DTPTRS", -3, [] { return info_of(tptrs<double>, 'U', 'N', 'T', 2, 1, g_a, g_a, 2); }},
+    {"DTPTRS", -4, [] { return info_of(tptrs<double>, 'L', 'T', 'U', -1, 1, g_a, g_a, 2); }},
+    {"DTPTRS", -5, [] { return info_of(tptrs<double>, 'L', 'C', 'U', 2, -1, g_a, g_a, 2); }},
+    {"ZTPTRS", -8, [] { return info_of(tptrs<zcomplex>, 'L', 'C', 'U', 2, 1, g_z, g_z, 1); }},
 };
 
 INSTANTIATE_TEST_SUITE_P(TriangularArguments, ArgumentChecks, ::testing::ValuesIn(kTriangularArgumentCases));

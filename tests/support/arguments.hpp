@@ -24,8 +24,8 @@ inline void PrintTo(const ArgumentCase& c, std::ostream* out) {
 }
 
 // The info a routine of the Fortran calling form (info its last parameter) returns for `arguments`.
-template <class... Parameters, class... Arguments>
-zint info_of(void (*routine)(Parameters...), Arguments... arguments) {
+template <class Result, class... Parameters, class... Arguments>
+zint info_of(Result (*routine)(Parameters...), Arguments... arguments) {
     zint info = 0;
     routine(arguments..., info);
     return info;

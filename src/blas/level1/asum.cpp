@@ -91,7 +91,7 @@ double dasum_four_lane(zint n, const double* x) {
     }
     for (; n - i >= 4; i += 4) a[0] = _mm256_add_pd(a[0], _mm256_andnot_pd(sign, _mm256_loadu_pd(x + i)));
     double sum = quad_total(a);
-    for (; i < n; ++i) sum += magnitude(x[i]);
+    for (; i < n; ++i) sum += abs(x[i]);
     return sum;
 }
 #endif

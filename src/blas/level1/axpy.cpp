@@ -68,8 +68,7 @@ void zaxpy_four_lane(zint n, const zcomplex& alpha, const zcomplex* x, zcomplex*
     const ComplexFactor4 f = complex_factor4(alpha);
     auto step = [&](zint at) {
         double* yp = &y[at].re;
-        _mm256_storeu_pd(yp,
-                         _mm256_add_pd(_mm256_loadu_pd(yp), complex_times(_mm256_loadu_pd(&x[at].re), f)));
+        _mm256_storeu_pd(yp, _mm256_add_pd(_mm256_loadu_pd(yp), _mm256_loadu_pd(&x[at].re) * f));
     };
     zint i = 0;
     for (; n - i >= 8; i += 8) {
@@ -81,8 +80,7 @@ void zaxpy_four_lane(zint n, const zcomplex& alpha, const zcomplex* x, zcomplex*
     for (; n - i >= 2; i += 2) step(i);
     if (i < n) {
         const ComplexFactor f2 = complex_factor(alpha);
-        _mm_storeu_pd(&y[i].re,
-                      _mm_add_pd(_mm_loadu_pd(&y[i].re), complex_times(_mm_loadu_pd(&x[i].re), f2)));
+        _mm_storeu_pd(&y[i].re, _mm_add_pd(_mm_loadu_pd(&y[i].re), _mm_loadu_pd(&x[i].re) * f2));
     }
 }
 #endif
@@ -90,7 +88,7 @@ void zaxpy_four_lane(zint n, const zcomplex& alpha, const zcomplex* x, zcomplex*
 template <bool kAligned>
 void zaxpy_element(const zcomplex* x, zcomplex* y, const ComplexFactor& f) {
     double* yp = &y->re;
-    const __m128d product = complex_times(load_pair<kAligned>(&x->re), f);
+    const __m128d product = (load_pair<kAligned>(&x->re)) * f;
     if constexpr (kAligned) {
         _mm_store_pd(yp, _mm_add_pd(_mm_load_pd(yp), product));
     } else {

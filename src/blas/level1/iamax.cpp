@@ -9,17 +9,17 @@
 
 #include "blas/kernel.hpp"
 #include "blas/level1/level1.hpp"
-#include "blas/vector.hpp"
+#include "blas/simd.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
 
 namespace {
 
 inline double measure(double v) {
-    return magnitude(v);
+    return abs(v);
 }
 inline double measure(const zcomplex& v) {
-    return magnitude(v.re) + magnitude(v.im);
+    return abs(v.re) + abs(v.im);
 }
 
 template <bool kLargest>
@@ -42,62 +42,32 @@ ScanState<kLargest> scan(ScanState<kLargest> state, zint from, zint n, const T* 
     return state;
 }
 
-struct TwoLanes {
-    using V = __m128d;
-    static constexpr int kWidth = 2;
-    static V measures(const double* x) { return clear_sign(_mm_loadu_pd(x)); }
-    static V measures(const zcomplex* x) {
-        const V a = clear_sign(_mm_loadu_pd(&x[0].re)), b = clear_sign(_mm_loadu_pd(&x[1].re));
-        return _mm_add_pd(_mm_unpacklo_pd(a, b), _mm_unpackhi_pd(a, b));
-    }
-    static V zero() { return _mm_setzero_pd(); }
-    static V splat(double v) { return _mm_set1_pd(v); }
-    static V add(V a, V b) { return _mm_add_pd(a, b); }
-    static V larger(V a, V b) { return _mm_max_pd(a, b); }
-    static V smaller(V a, V b) { return _mm_min_pd(a, b); }
-    static bool any_greater(V a, V b) { return _mm_movemask_pd(_mm_cmpgt_pd(a, b)) != 0; }
-    static bool any_less(V a, V b) { return _mm_movemask_pd(_mm_cmplt_pd(a, b)) != 0; }
-    static bool any_nan(V a) { return _mm_movemask_pd(_mm_cmpunord_pd(a, a)) != 0; }
-};
-
-#if ZOR_LEVEL == 4
-struct FourLanes {
-    using V = __m256d;
-    static constexpr int kWidth = 4;
-    static V measures(const double* x) { return _mm256_andnot_pd(_mm256_set1_pd(-0.0), _mm256_loadu_pd(x)); }
-    // Four complex elements, their measures in some order of lanes (only the block's extreme is
-    // used).
-    static V measures(const zcomplex* x) {
-        const V sign = _mm256_set1_pd(-0.0);
-        const V a = _mm256_andnot_pd(sign, _mm256_loadu_pd(&x[0].re));
-        const V b = _mm256_andnot_pd(sign, _mm256_loadu_pd(&x[2].re));
-        return _mm256_add_pd(_mm256_unpacklo_pd(a, b), _mm256_unpackhi_pd(a, b));
-    }
-    static V zero() { return _mm256_setzero_pd(); }
-    static V splat(double v) { return _mm256_set1_pd(v); }
-    static V add(V a, V b) { return _mm256_add_pd(a, b); }
-    static V larger(V a, V b) { return _mm256_max_pd(a, b); }
-    static V smaller(V a, V b) { return _mm256_min_pd(a, b); }
-    static bool any_greater(V a, V b) { return _mm256_movemask_pd(_mm256_cmp_pd(a, b, _CMP_GT_OQ)) != 0; }
-    static bool any_less(V a, V b) { return _mm256_movemask_pd(_mm256_cmp_pd(a, b, _CMP_LT_OQ)) != 0; }
-    static bool any_nan(V a) { return _mm256_movemask_pd(_mm256_cmp_pd(a, a, _CMP_UNORD_Q)) != 0; }
-};
-#endif
+// The measures of the elements of one vector's width; complex ones in some order of lanes (only a
+// block's extreme is used).
+template <class L>
+typename L::Vec measures(const double* x) {
+    return L::abs(L::loadu(x));
+}
+template <class L>
+typename L::Vec measures(const zcomplex* x) {
+    const typename L::Vec a = L::abs(L::loadu(&x[0].re)), b = L::abs(L::loadu(&x[L::kLanes / 2].re));
+    return L::add(L::unpack_low(a, b), L::unpack_high(a, b));
+}
 
 // Blocks of four vectors: a block in which no measure beats the best so far cannot change the
 // scan's state (without NaN), so only blocks that do are scanned element by element. A running
 // sum of all measures turns NaN if any is, and then the whole vector is scanned.
 template <class L, bool kLargest, class T>
 zint search_blocks(zint n, const T* x) {
-    using V = typename L::V;
-    constexpr zint kBlock = 4 * L::kWidth;
+    using V = typename L::Vec;
+    constexpr zint kBlock = 4 * L::kLanes;
     ScanState<kLargest> state{measure(x[0]), 1};
     V best = L::splat(state.best);
     V probe = L::zero();
     zint i = 0;
     for (; n - i >= kBlock; i += kBlock) {
-        const V m0 = L::measures(x + i), m1 = L::measures(x + i + L::kWidth);
-        const V m2 = L::measures(x + i + 2 * L::kWidth), m3 = L::measures(x + i + 3 * L::kWidth);
+        const V m0 = measures<L>(x + i), m1 = measures<L>(x + i + L::kLanes);
+        const V m2 = measures<L>(x + i + 2 * L::kLanes), m3 = measures<L>(x + i + 3 * L::kLanes);
         probe = L::add(probe, L::add(L::add(m0, m1), L::add(m2, m3)));
         if constexpr (kLargest) {
             if (!L::any_greater(L::larger(L::larger(m0, m1), L::larger(m2, m3)), best)) continue;
@@ -114,12 +84,7 @@ zint search_blocks(zint n, const T* x) {
 template <bool kLargest, class T>
 zint extreme_index(zint n, const T* x, zint incx) {
     if (n <= 0 || incx <= 0) return 0;
-#if ZOR_LEVEL == 4
-    using Lanes = FourLanes;
-#else
-    using Lanes = TwoLanes;
-#endif
-    if (incx == 1 && n >= 4 * Lanes::kWidth) return search_blocks<Lanes, kLargest>(n, x);
+    if (incx == 1 && n >= 4 * WideVec::kLanes) return search_blocks<WideVec, kLargest>(n, x);
     return scan(ScanState<kLargest>{measure(x[0]), 1}, 1, n, x, incx).index;
 }
 

@@ -16,7 +16,7 @@ struct ScaledSum {
 
     void add(double v) {
         if (v == 0.0) return;
-        const double a = magnitude(v);
+        const double a = abs(v);
         if (a > scale) {
             const double r = scale / a;
             ssq = (ssq * r) * r + 1.0;
@@ -34,7 +34,7 @@ struct ScaledSum {
 // Walks with |incx| from x(1) whatever the sign: a negative increment is not reversed here.
 double dnrm2(const zint& n, const double* x, const zint& incx) {
     if (n <= 0) return 0.0;
-    if (n == 1) return magnitude(x[0]);
+    if (n == 1) return abs(x[0]);
     const zint step = incx < 0 ? -incx : incx;
     ScaledSum sum;
     for (zint i = 0; i < n; ++i) sum.add(x[i * step]);

@@ -3,8 +3,8 @@
 // vectors that share memory take the element loop, as in copy.cpp.
 
 #include "blas/kernel.hpp"
-#include "blas/lanes.hpp"
 #include "blas/level1/level1.hpp"
+#include "blas/simd.hpp"
 #include "blas/vector.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
@@ -37,8 +37,8 @@ struct Rotation {
 
 // x := c*x + s*y, y := c*y - s*x over `count` doubles of two vectors that do not overlap.
 void rotate_run(zint count, double* x, double* y, const Rotation& rotation) {
-    using L = WideLanes;
-    using V = L::V;
+    using L = WideVec;
+    using V = L::Vec;
     const V c = L::splat(rotation.c), s = L::splat(rotation.s);
     auto step = [&](zint at) {
         const V xv = L::loadu(x + at), yv = L::loadu(y + at);
@@ -46,11 +46,11 @@ void rotate_run(zint count, double* x, double* y, const Rotation& rotation) {
         L::storeu(y + at, L::sub(L::mul(c, yv), L::mul(s, xv)));
     };
     zint i = 0;
-    for (; count - i >= 2 * L::kWidth; i += 2 * L::kWidth) {
+    for (; count - i >= 2 * L::kLanes; i += 2 * L::kLanes) {
         step(i);
-        step(i + L::kWidth);
+        step(i + L::kLanes);
     }
-    for (; count - i >= L::kWidth; i += L::kWidth) step(i);
+    for (; count - i >= L::kLanes; i += L::kLanes) step(i);
     for (; i < count; ++i) rotation(x[i], y[i]);
 }
 

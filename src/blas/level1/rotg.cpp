@@ -38,7 +38,7 @@ struct ModifiedRotation {
 }  // namespace
 
 void drotg(double& a, double& b, double& c, double& s) {
-    const double anorm = magnitude(a), bnorm = magnitude(b);
+    const double anorm = abs(a), bnorm = abs(b);
     const double scale = anorm + bnorm;
     if (scale == 0.0) {
         c = 1.0;
@@ -94,7 +94,7 @@ void drotmg(double& d1, double& d2, double& x1, const double& y1, double* param)
         const double p1 = dd1 * dx1;
         const double q2 = p2 * dy1;
         const double q1 = p1 * dx1;
-        if (magnitude(q1) > magnitude(q2)) {
+        if (abs(q1) > abs(q2)) {
             h.h21 = -dy1 / dx1;
             h.h12 = p2 / p1;
             const double u = 1.0 - h.h12 * h.h21;
@@ -137,9 +137,9 @@ void drotmg(double& d1, double& d2, double& x1, const double& y1, double* param)
             }
         }
         if (dd2 != 0.0) {
-            while (__builtin_isfinite(dd2) && (magnitude(dd2) <= kRgamSq || magnitude(dd2) >= kGamSq)) {
+            while (__builtin_isfinite(dd2) && (abs(dd2) <= kRgamSq || abs(dd2) >= kGamSq)) {
                 h.make_explicit();
-                if (magnitude(dd2) <= kRgamSq) {
+                if (abs(dd2) <= kRgamSq) {
                     dd2 *= kGamSq;
                     h.h21 *= kInverseGam;
                     h.h22 *= kInverseGam;

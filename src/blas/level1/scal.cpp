@@ -61,20 +61,20 @@ void zscal_four_lane(zint n, const zcomplex& alpha, zcomplex* x) {
     for (; n - i >= 8; i += 8) {
         for (int k = 0; k < 8; k += 2) {
             double* p = &x[i + k].re;
-            _mm256_storeu_pd(p, complex_times(_mm256_loadu_pd(p), f));
+            _mm256_storeu_pd(p, _mm256_loadu_pd(p) * f);
         }
     }
-    for (; n - i >= 2; i += 2) _mm256_storeu_pd(&x[i].re, complex_times(_mm256_loadu_pd(&x[i].re), f));
-    if (i < n) _mm_storeu_pd(&x[i].re, complex_times(_mm_loadu_pd(&x[i].re), complex_factor(alpha)));
+    for (; n - i >= 2; i += 2) _mm256_storeu_pd(&x[i].re, _mm256_loadu_pd(&x[i].re) * f);
+    if (i < n) _mm_storeu_pd(&x[i].re, _mm_loadu_pd(&x[i].re) * complex_factor(alpha));
 }
 #endif
 
 template <bool kAligned>
 void zscal_element(zcomplex* x, const ComplexFactor& f) {
     if constexpr (kAligned) {
-        _mm_store_pd(&x->re, complex_times(_mm_load_pd(&x->re), f));
+        _mm_store_pd(&x->re, _mm_load_pd(&x->re) * f);
     } else {
-        _mm_storeu_pd(&x->re, complex_times(_mm_loadu_pd(&x->re), f));
+        _mm_storeu_pd(&x->re, _mm_loadu_pd(&x->re) * f);
     }
 }
 

@@ -5,8 +5,8 @@
 #include <type_traits>
 
 #include "blas/kernel.hpp"
-#include "blas/lanes.hpp"
 #include "blas/level2/level2.hpp"
+#include "blas/simd.hpp"
 #include "blas/vector.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
@@ -92,23 +92,23 @@ double column_dot_default(zint m, const double* c, const double* xs, zint incx) 
 // One pass of K columns over y(0..m): each row takes y + (the columns' products summed pairwise).
 template <class L, int K>
 void gemv_n_pass(zint m, const double* const* c, const double* t, double* y) {
-    using V = typename L::V;
-    constexpr zint kBytes = 8 * L::kWidth;
+    using V = typename L::Vec;
+    constexpr zint kBytes = 8 * L::kLanes;
     zint i = 0;
     for (; i < m && address(y + i) % kBytes != 0; ++i) y[i] += column_products<K>(c, t, i);
     V factors[K];
     for (int k = 0; k < K; ++k) factors[k] = L::splat(t[k]);
-    for (; m - i >= 2 * L::kWidth; i += 2 * L::kWidth) {
+    for (; m - i >= 2 * L::kLanes; i += 2 * L::kLanes) {
         // One cache line of every column per eight rows.
-        if (m >= kLongColumn && i % 8 < 2 * L::kWidth) {
+        if (m >= kLongColumn && i % 8 < 2 * L::kLanes) {
             for (int k = 0; k < K; ++k)
                 _mm_prefetch(reinterpret_cast<const char*>(c[k] + i + kPrefetchAhead), _MM_HINT_T0);
         }
         L::store(y + i, L::add(L::load(y + i), column_products<L, K>(c, factors, i)));
-        L::store(y + i + L::kWidth,
-                 L::add(L::load(y + i + L::kWidth), column_products<L, K>(c, factors, i + L::kWidth)));
+        L::store(y + i + L::kLanes,
+                 L::add(L::load(y + i + L::kLanes), column_products<L, K>(c, factors, i + L::kLanes)));
     }
-    for (; m - i >= L::kWidth; i += L::kWidth) {
+    for (; m - i >= L::kLanes; i += L::kLanes) {
         L::store(y + i, L::add(L::load(y + i), column_products<L, K>(c, factors, i)));
     }
     for (; i < m; ++i) y[i] += column_products<K>(c, t, i);
@@ -118,7 +118,7 @@ void gemv_n_pass(zint m, const double* const* c, const double* t, double* y) {
 // Avx level (four below), then of four, then single columns.
 template <class L>
 void gemv_n_block(zint m, zint n, double alpha, const double* a, zint lda, const double* x, double* y) {
-    constexpr int kWide = 2 * L::kWidth;
+    constexpr int kWide = 2 * L::kLanes;
     zint j = 0;
     auto pass = [&]<int K>(std::integral_constant<int, K>) {
         for (; n - j >= K; j += K) {
@@ -142,8 +142,8 @@ void gemv_n_block(zint m, zint n, double alpha, const double* a, zint lda, const
 template <class L, bool kPeel>
 void gemv_t_block(zint m, zint n, double alpha, const double* a, zint lda, const double* x, double* ys,
                   zint incy) {
-    using V = typename L::V;
-    constexpr zint kBytes = 8 * L::kWidth;
+    using V = typename L::Vec;
+    constexpr zint kBytes = 8 * L::kLanes;
     zint j = 0;
     for (; n - j >= 4; j += 4) {
         const double* c[4] = {a + j * lda, a + (j + 1) * lda, a + (j + 2) * lda, a + (j + 3) * lda};
@@ -156,15 +156,15 @@ void gemv_t_block(zint m, zint n, double alpha, const double* a, zint lda, const
         }
         V sum0[4] = {L::zero(), L::zero(), L::zero(), L::zero()};
         V sum1[4] = {L::zero(), L::zero(), L::zero(), L::zero()};
-        for (; m - i >= 2 * L::kWidth; i += 2 * L::kWidth) {
-            if (m >= kLongColumn && i % 8 < 2 * L::kWidth) {
+        for (; m - i >= 2 * L::kLanes; i += 2 * L::kLanes) {
+            if (m >= kLongColumn && i % 8 < 2 * L::kLanes) {
                 for (int k = 0; k < 4; ++k)
                     _mm_prefetch(reinterpret_cast<const char*>(c[k] + i + kPrefetchAhead), _MM_HINT_T0);
             }
-            const V x0 = L::loadu(x + i), x1 = L::loadu(x + i + L::kWidth);
+            const V x0 = L::loadu(x + i), x1 = L::loadu(x + i + L::kLanes);
             for (int k = 0; k < 4; ++k) {
                 sum0[k] = L::add(sum0[k], L::mul(L::loadu(c[k] + i), x0));
-                sum1[k] = L::add(sum1[k], L::mul(L::loadu(c[k] + i + L::kWidth), x1));
+                sum1[k] = L::add(sum1[k], L::mul(L::loadu(c[k] + i + L::kLanes), x1));
             }
         }
         for (; i < m; ++i) {
@@ -176,7 +176,7 @@ void gemv_t_block(zint m, zint n, double alpha, const double* a, zint lda, const
         const double* c = a + j * lda;
         V sum = L::zero();
         zint i = 0;
-        for (; m - i >= L::kWidth; i += L::kWidth)
+        for (; m - i >= L::kLanes; i += L::kLanes)
             sum = L::add(sum, L::mul(L::loadu(c + i), L::loadu(x + i)));
         double s = L::sum(sum);
         for (; i < m; ++i) s += c[i] * x[i];
@@ -191,7 +191,7 @@ void gather(zint count, const double* vs, zint inc, double* buffer) {
 
 [[maybe_unused]] void gemv_blocked(bool plain, zint m, zint n, double alpha, const double* a, zint lda,
                                    const double* xs, zint incx, double* ys, zint incy) {
-    using L = WideLanes;
+    using L = WideVec;
     alignas(32) double xbuffer[kGatherBlock];
     alignas(32) double ybuffer[kGatherBlock];
     if (plain) {
@@ -247,7 +247,7 @@ void dgemv(const char& trans, const zint& m, const zint& n, const double& alpha,
            const zint& lda, const double* x, const zint& incx, const double& beta, double* y,
            const zint& incy) {
     if (m <= 0 || n <= 0 || (alpha == 0.0 && beta == 1.0)) return;
-    const bool plain = is_plain(trans);
+    const bool plain = lsame(trans, 'N');
     const zint lenx = plain ? n : m, leny = plain ? m : n;
     if (beta != 1.0) scale_vector(leny, beta, y, incy);
     if (alpha == 0.0) return;

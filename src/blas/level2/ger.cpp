@@ -19,7 +19,7 @@ void zger(zint m, zint n, const zcomplex& alpha, const zcomplex* x, zint incx, c
     for (zint j = 0; j < n; ++j) {
         const zcomplex w = ys[j * incy];
         if (is_zero(w)) continue;
-        const zcomplex t = complex_times(kConjugate ? conjugate(w) : w, alpha);
+        const zcomplex t = (kConjugate ? conj(w) : w) * alpha;
         zaxpy(m, t, x, incx, a + j * lda, 1);
     }
 }

@@ -20,8 +20,8 @@
 // group's products summed pairwise, and t2 alternates between two sets of sums.
 
 #include "blas/kernel.hpp"
-#include "blas/lanes.hpp"
 #include "blas/level2/level2.hpp"
+#include "blas/simd.hpp"
 #include "blas/vector.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
@@ -33,8 +33,8 @@ namespace {
 template <class L, int K, bool kPairwise>
 void symv_sweep(zint r0, zint r1, const double* const* c, const double* t1, const double* x, double* y,
                 double* t2) {
-    using V = typename L::V;
-    constexpr zint kBytes = 8 * L::kWidth;
+    using V = typename L::Vec;
+    constexpr zint kBytes = 8 * L::kLanes;
     double low[K];
     for (int k = 0; k < K; ++k) low[k] = 0.0;
     auto row = [&](zint i, double* sums) {
@@ -67,7 +67,7 @@ void symv_sweep(zint r0, zint r1, const double* const* c, const double* t1, cons
         // Two sets of sums, alternate steps, so that the chains of additions overlap.
         V odd[K];
         for (int k = 0; k < K; ++k) odd[k] = L::zero();
-        for (; r1 - i >= 2 * L::kWidth; i += 2 * L::kWidth) {
+        for (; r1 - i >= 2 * L::kLanes; i += 2 * L::kLanes) {
             // Long sweeps fetch one cache line of every column per eight rows well ahead (as gemv
             // does for long columns).
             if (r1 - r0 >= 2048) {
@@ -75,11 +75,11 @@ void symv_sweep(zint r0, zint r1, const double* const* c, const double* t1, cons
                     _mm_prefetch(reinterpret_cast<const char*>(c[k] + i + 96), _MM_HINT_T0);
             }
             step(i, sums);
-            step(i + L::kWidth, odd);
+            step(i + L::kLanes, odd);
         }
         for (int k = 0; k < K; ++k) sums[k] = L::add(sums[k], odd[k]);
     }
-    for (; r1 - i >= L::kWidth; i += L::kWidth) step(i, sums);
+    for (; r1 - i >= L::kLanes; i += L::kLanes) step(i, sums);
     double last[K];
     for (int k = 0; k < K; ++k) last[k] = L::first(sums[k]);
     for (; i < r1; ++i) row(i, last);
@@ -123,7 +123,7 @@ void symv_diagonal_block(bool upper, zint j0, double alpha, const double* a, zin
 template <class L>
 void dsymv_unit(bool upper, zint n, double alpha, const double* a, zint lda, const double* x, double* y) {
     constexpr int G = 4;
-    constexpr bool kPairwise = L::kWidth == 4;
+    constexpr bool kPairwise = L::kLanes == 4;
     zint j = 0;
     for (; n - j >= G; j += G) {
         symv_diagonal_block<G>(upper, j, alpha, a, lda, x, y);
@@ -165,14 +165,14 @@ void dsymv_strided(bool upper, zint n, double alpha, const double* a, zint lda, 
 void zhemv_column(bool upper, zint n, zint j, const zcomplex& alpha, const zcomplex* a, zint lda,
                   const zcomplex* xs, zint incx, zcomplex* ys, zint incy) {
     const zcomplex* c = a + j * lda;
-    const zcomplex t1 = complex_times(xs[j * incx], alpha);
+    const zcomplex t1 = (xs[j * incx]) * alpha;
     const ComplexFactor f = complex_factor(t1);
     __m128d sum_a = _mm_setzero_pd(), sum_b = _mm_setzero_pd();
     for (zint i = upper ? 0 : j + 1; i < (upper ? j : n); ++i) {
         const __m128d av = _mm_loadu_pd(&c[i].re);
         const __m128d xv = _mm_loadu_pd(&xs[i * incx].re);
         double* yp = &ys[i * incy].re;
-        _mm_storeu_pd(yp, _mm_add_pd(_mm_loadu_pd(yp), complex_times(av, f)));
+        _mm_storeu_pd(yp, _mm_add_pd(_mm_loadu_pd(yp), av * f));
         sum_a = _mm_add_pd(sum_a, _mm_mul_pd(av, xv));
         sum_b = _mm_add_pd(sum_b, _mm_mul_pd(av, _mm_shuffle_pd(xv, xv, 1)));
     }
@@ -183,7 +183,7 @@ void zhemv_column(bool upper, zint n, zint j, const zcomplex& alpha, const zcomp
     const double diagonal = c[j].re;
     zcomplex& yj = ys[j * incy];
     yj = {yj.re + t1.re * diagonal, yj.im + t1.im * diagonal};
-    yj = complex_plus(yj, complex_times(t2, alpha));
+    yj = yj + (t2 * alpha);
 }
 
 }  // namespace
@@ -193,9 +193,9 @@ void dsymv(const char& uplo, const zint& n, const double& alpha, const double* a
     if (n <= 0 || (alpha == 0.0 && beta == 1.0)) return;
     if (beta != 1.0) scale_vector(n, beta, y, incy);
     if (alpha == 0.0) return;
-    const bool upper = is_upper(uplo);
+    const bool upper = lsame(uplo, 'U');
     if (incx == 1 && incy == 1) {
-        dsymv_unit<WideLanes>(upper, n, alpha, a, lda, x, y);
+        dsymv_unit<WideVec>(upper, n, alpha, a, lda, x, y);
     } else {
         dsymv_strided(upper, n, alpha, a, lda, x + first_element(n, incx), incx, y + first_element(n, incy),
                       incy);
@@ -207,7 +207,7 @@ void zhemv(const char& uplo, const zint& n, const zcomplex& alpha, const zcomple
     if (n <= 0 || (is_zero(alpha) && beta.re == 1.0 && beta.im == 0.0)) return;
     if (!(beta.re == 1.0 && beta.im == 0.0)) scale_vector(n, beta, y, incy);
     if (is_zero(alpha)) return;
-    const bool upper = is_upper(uplo);
+    const bool upper = lsame(uplo, 'U');
     const zcomplex* xs = x + first_element(n, incx);
     zcomplex* ys = y + first_element(n, incy);
     for (zint j = 0; j < n; ++j) zhemv_column(upper, n, j, alpha, a, lda, xs, incx, ys, incy);

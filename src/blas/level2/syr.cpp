@@ -28,7 +28,7 @@ void dsyr(const char& uplo, const zint& n_ref, const double& alpha, const double
           double* a, const zint& lda_ref) {
     const zint n = n_ref, incx = incx_ref, lda = lda_ref;  // not re-read after every store
     if (n <= 0 || alpha == 0.0) return;
-    const bool upper = is_upper(uplo);
+    const bool upper = lsame(uplo, 'U');
     const double* xs = x + first_element(n, incx);
     for (zint j = 0; j < n; ++j) {
         const double xj = xs[j * incx];
@@ -50,7 +50,7 @@ void dsyr2(const char& uplo, const zint& n_ref, const double& alpha, const doubl
            const double* y, const zint& incy_ref, double* a, const zint& lda_ref) {
     const zint n = n_ref, incx = incx_ref, incy = incy_ref, lda = lda_ref;  // not re-read after every store
     if (n <= 0 || alpha == 0.0) return;
-    const bool upper = is_upper(uplo);
+    const bool upper = lsame(uplo, 'U');
     const double* xs = x + first_element(n, incx);
     const double* ys = y + first_element(n, incy);
     for (zint j = 0; j < n; ++j) {
@@ -67,7 +67,7 @@ void zher(const char& uplo, const zint& n_ref, const double& alpha, const zcompl
           zcomplex* a, const zint& lda_ref) {
     const zint n = n_ref, incx = incx_ref, lda = lda_ref;  // not re-read after every store
     if (n <= 0 || alpha == 0.0) return;
-    const bool upper = is_upper(uplo);
+    const bool upper = lsame(uplo, 'U');
     const zcomplex* xs = x + first_element(n, incx);
     for (zint j = 0; j < n; ++j) {
         zcomplex* c = a + j * lda;
@@ -80,7 +80,7 @@ void zher(const char& uplo, const zint& n_ref, const double& alpha, const zcompl
         const Rows rows = stored_rows(upper, n, j, false);
         const zint count = rows.last - rows.first;
         if (count > 0) zaxpy(count, temp, subvector(xs, rows.first, count, incx), incx, c + rows.first, 1);
-        c[j] = {c[j].re + complex_times(xj, temp).re, 0.0};
+        c[j] = {c[j].re + (xj * temp).re, 0.0};
     }
 }
 
@@ -88,7 +88,7 @@ void zher2(const char& uplo, const zint& n_ref, const zcomplex& alpha, const zco
            const zint& incx_ref, const zcomplex* y, const zint& incy_ref, zcomplex* a, const zint& lda_ref) {
     const zint n = n_ref, incx = incx_ref, incy = incy_ref, lda = lda_ref;  // not re-read after every store
     if (n <= 0 || is_zero(alpha)) return;
-    const bool upper = is_upper(uplo);
+    const bool upper = lsame(uplo, 'U');
     const zcomplex* xs = x + first_element(n, incx);
     const zcomplex* ys = y + first_element(n, incy);
     for (zint j = 0; j < n; ++j) {
@@ -99,14 +99,13 @@ void zher2(const char& uplo, const zint& n_ref, const zcomplex& alpha, const zco
             continue;
         }
         // t1 = alpha*conj(y(j)), t2 = conj(alpha*x(j)).
-        const zcomplex t1 = complex_times(conjugate(yj), alpha);
-        const zcomplex t2 = conjugate(complex_times(xj, alpha));
+        const zcomplex t1 = conj(yj) * alpha;
+        const zcomplex t2 = conj(xj * alpha);
         const Rows rows = stored_rows(upper, n, j, false);
         for (zint i = rows.first; i < rows.last; ++i) {
-            c[i] = complex_plus(complex_plus(c[i], complex_times(xs[i * incx], t1)),
-                                complex_times(ys[i * incy], t2));
+            c[i] = (c[i] + xs[i * incx] * t1) + ys[i * incy] * t2;
         }
-        c[j] = {c[j].re + (complex_times(xj, t1).re + complex_times(yj, t2).re), 0.0};
+        c[j] = {c[j].re + ((xj * t1).re + (yj * t2).re), 0.0};
     }
 }
 

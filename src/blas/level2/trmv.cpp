@@ -14,30 +14,30 @@ namespace {
 template <class T>
 void trmv_block(bool upper, bool plain, bool conjugated, bool unit, zint nb, const T* a, zint lda, T* xs,
                 zint inc) {
-    auto at = [&](zint i, zint j) { return conjugate_if(conjugated, a[i + j * lda]); };
+    auto at = [&](zint i, zint j) { return conj_if(conjugated, a[i + j * lda]); };
     auto x = [&](zint i) -> T& { return xs[i * inc]; };
     if (plain && upper) {
         for (zint j = 0; j < nb; ++j) {
             const T temp = x(j);
-            for (zint i = 0; i < j; ++i) x(i) = plus(x(i), times(temp, at(i, j)));
-            if (!unit) x(j) = times(x(j), at(j, j));
+            for (zint i = 0; i < j; ++i) x(i) = x(i) + (temp * at(i, j));
+            if (!unit) x(j) = x(j) * at(j, j);
         }
     } else if (plain) {
         for (zint j = nb - 1; j >= 0; --j) {
             const T temp = x(j);
-            for (zint i = nb - 1; i > j; --i) x(i) = plus(x(i), times(temp, at(i, j)));
-            if (!unit) x(j) = times(x(j), at(j, j));
+            for (zint i = nb - 1; i > j; --i) x(i) = x(i) + (temp * at(i, j));
+            if (!unit) x(j) = x(j) * at(j, j);
         }
     } else if (upper) {
         for (zint j = nb - 1; j >= 0; --j) {
-            T temp = unit ? x(j) : times(x(j), at(j, j));
-            for (zint i = j - 1; i >= 0; --i) temp = plus(temp, times(at(i, j), x(i)));
+            T temp = unit ? x(j) : x(j) * at(j, j);
+            for (zint i = j - 1; i >= 0; --i) temp = temp + (at(i, j) * x(i));
             x(j) = temp;
         }
     } else {
         for (zint j = 0; j < nb; ++j) {
-            T temp = unit ? x(j) : times(x(j), at(j, j));
-            for (zint i = j + 1; i < nb; ++i) temp = plus(temp, times(at(i, j), x(i)));
+            T temp = unit ? x(j) : x(j) * at(j, j);
+            for (zint i = j + 1; i < nb; ++i) temp = temp + (at(i, j) * x(i));
             x(j) = temp;
         }
     }
@@ -56,8 +56,8 @@ void gemv_same_level(char trans, zint m, zint n, const zcomplex* a, zint lda, co
 template <class T, zint kBlock>
 void trmv(char uplo, char trans, char diag, zint n, const T* a, zint lda, T* x, zint incx) {
     if (n <= 0) return;
-    const bool upper = is_upper(uplo), plain = is_plain(trans), unit = is_unit(diag);
-    const bool conjugated = is_conjugate(trans);
+    const bool upper = lsame(uplo, 'U'), plain = lsame(trans, 'N'), unit = lsame(diag, 'U');
+    const bool conjugated = lsame(trans, 'C');
     T* xs = x + first_element(n, incx);
     auto part = [&](zint from, zint count) { return subvector(xs, from, count, incx); };
     auto block = [&](zint s, zint b) {

@@ -18,31 +18,31 @@ constexpr zint kBlock = 32;
 // inc is 1 and the compiler may vectorise the inner loops).
 template <class T, bool kUpper, bool kPlain, bool kConjugated, bool kUnit, bool kUnitStride>
 void solve_block(zint nb, const T* a, zint lda, T* xs, zint inc) {
-    auto at = [&](zint i, zint j) { return conjugate_if(kConjugated, a[i + j * lda]); };
+    auto at = [&](zint i, zint j) { return conj_if(kConjugated, a[i + j * lda]); };
     auto x = [&](zint i) -> T& { return kUnitStride ? xs[i] : xs[i * inc]; };
     if constexpr (kPlain && kUpper) {
         for (zint j = nb - 1; j >= 0; --j) {
-            if (!kUnit) x(j) = divide(x(j), at(j, j));
+            if (!kUnit) x(j) = x(j) / at(j, j);
             const T temp = x(j);
-            for (zint i = j - 1; i >= 0; --i) x(i) = minus(x(i), times(temp, at(i, j)));
+            for (zint i = j - 1; i >= 0; --i) x(i) = x(i) - (temp * at(i, j));
         }
     } else if constexpr (kPlain) {
         for (zint j = 0; j < nb; ++j) {
-            if (!kUnit) x(j) = divide(x(j), at(j, j));
+            if (!kUnit) x(j) = x(j) / at(j, j);
             const T temp = x(j);
-            for (zint i = j + 1; i < nb; ++i) x(i) = minus(x(i), times(temp, at(i, j)));
+            for (zint i = j + 1; i < nb; ++i) x(i) = x(i) - (temp * at(i, j));
         }
     } else if constexpr (kUpper) {
         for (zint j = 0; j < nb; ++j) {
             T temp = x(j);
-            for (zint i = 0; i < j; ++i) temp = minus(temp, times(at(i, j), x(i)));
-            x(j) = kUnit ? temp : divide(temp, at(j, j));
+            for (zint i = 0; i < j; ++i) temp = temp - (at(i, j) * x(i));
+            x(j) = kUnit ? temp : temp / at(j, j);
         }
     } else {
         for (zint j = nb - 1; j >= 0; --j) {
             T temp = x(j);
-            for (zint i = nb - 1; i > j; --i) temp = minus(temp, times(at(i, j), x(i)));
-            x(j) = kUnit ? temp : divide(temp, at(j, j));
+            for (zint i = nb - 1; i > j; --i) temp = temp - (at(i, j) * x(i));
+            x(j) = kUnit ? temp : temp / at(j, j);
         }
     }
 }
@@ -81,9 +81,9 @@ void update(char trans, zint m, zint n, const zcomplex* a, zint lda, const zcomp
 template <class T>
 void trsv(char uplo, char trans, char diag, zint n, const T* a, zint lda, T* x, zint incx) {
     if (n <= 0) return;
-    const bool upper = is_upper(uplo), plain = is_plain(trans);
-    const bool unit = is_unit(diag), unit_stride = incx == 1;
-    const BlockSolver<T> solve = is_conjugate(trans)
+    const bool upper = lsame(uplo, 'U'), plain = lsame(trans, 'N');
+    const bool unit = lsame(diag, 'U'), unit_stride = incx == 1;
+    const BlockSolver<T> solve = lsame(trans, 'C')
                                      ? solver_for_transpose<T, true>(upper, plain, unit, unit_stride)
                                      : solver_for_transpose<T, false>(upper, plain, unit, unit_stride);
     T* xs = x + first_element(n, incx);

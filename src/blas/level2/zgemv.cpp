@@ -3,8 +3,8 @@
 // level, four-lane ones (two elements).
 
 #include "blas/kernel.hpp"
-#include "blas/lanes.hpp"
 #include "blas/level2/level2.hpp"
+#include "blas/simd.hpp"
 #include "blas/vector.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
@@ -16,8 +16,8 @@ namespace {
 // swaps the second sum once.
 template <class L, int K>
 void zgemv_n_columns(zint m, const double* const* c, const zcomplex* t, zcomplex* y) {
-    using V = typename L::V;
-    constexpr zint kElements = L::kWidth / 2;
+    using V = typename L::Vec;
+    constexpr zint kElements = L::kLanes / 2;
     V real[K], imaginary[K];
     for (int k = 0; k < K; ++k) {
         real[k] = L::splat(t[k].re);
@@ -53,7 +53,7 @@ void zgemv_n_unit(zint m, zint n, const zcomplex& alpha, const zcomplex* a, zint
         zcomplex t[K];
         for (int k = 0; k < K; ++k) {
             c[k] = &a[(j + k) * lda].re;
-            t[k] = complex_times(xs[(j + k) * incx], alpha);
+            t[k] = (xs[(j + k) * incx]) * alpha;
         }
         zgemv_n_columns<L, K>(m, c, t, y);
     };
@@ -67,8 +67,8 @@ void zgemv_n_unit(zint m, zint n, const zcomplex& alpha, const zcomplex* a, zint
 template <class L, int K, bool kConjugate>
 void zgemv_t_columns(zint m, const double* const* c, const zcomplex& alpha, const zcomplex* x,
                      zcomplex* const* y) {
-    using V = typename L::V;
-    constexpr zint kElements = L::kWidth / 2;
+    using V = typename L::Vec;
+    constexpr zint kElements = L::kLanes / 2;
     V p[K], q[K];
     for (int k = 0; k < K; ++k) p[k] = q[k] = L::zero();
     zint i = 0;
@@ -93,7 +93,7 @@ void zgemv_t_columns(zint m, const double* const* c, const zcomplex& alpha, cons
         _mm_store_pd(qq, qk);
         const zcomplex s =
             kConjugate ? zcomplex{pp[0] + pp[1], qq[0] - qq[1]} : zcomplex{pp[0] - pp[1], qq[0] + qq[1]};
-        *y[k] = complex_plus(*y[k], complex_times(s, alpha));
+        *y[k] = (*y[k]) + (s * alpha);
     }
 }
 
@@ -117,8 +117,7 @@ void zgemv_t_unit(zint m, zint n, const zcomplex& alpha, const zcomplex* a, zint
 template <bool kConjugate>
 zcomplex column_dot_strided(zint m, const zcomplex* c, const zcomplex* xs, zint incx) {
     zcomplex s{0.0, 0.0};
-    for (zint i = 0; i < m; ++i)
-        s = complex_plus(s, complex_times(xs[i * incx], kConjugate ? conjugate(c[i]) : c[i]));
+    for (zint i = 0; i < m; ++i) s = s + ((xs[i * incx]) * (kConjugate ? conj(c[i]) : c[i]));
     return s;
 }
 
@@ -126,12 +125,12 @@ template <bool kConjugate>
 void zgemv_t(zint m, zint n, const zcomplex& alpha, const zcomplex* a, zint lda, const zcomplex* xs,
              zint incx, zcomplex* ys, zint incy) {
     if (incx == 1) {
-        zgemv_t_unit<WideLanes, kConjugate>(m, n, alpha, a, lda, xs, ys, incy);
+        zgemv_t_unit<WideVec, kConjugate>(m, n, alpha, a, lda, xs, ys, incy);
         return;
     }
     for (zint j = 0; j < n; ++j) {
         const zcomplex s = column_dot_strided<kConjugate>(m, a + j * lda, xs, incx);
-        ys[j * incy] = complex_plus(ys[j * incy], complex_times(s, alpha));
+        ys[j * incy] = (ys[j * incy]) + (s * alpha);
     }
 }
 
@@ -144,7 +143,7 @@ void zgemv(const char& trans, const zint& m_ref, const zint& n_ref, const zcompl
                incy = incy_ref;  // not re-read after every store
     const bool beta_is_one = beta.re == 1.0 && beta.im == 0.0;
     if (m <= 0 || n <= 0 || (is_zero(alpha) && beta_is_one)) return;
-    const bool plain = is_plain(trans);
+    const bool plain = lsame(trans, 'N');
     const zint lenx = plain ? n : m, leny = plain ? m : n;
     if (!beta_is_one) scale_vector(leny, beta, y, incy);
     if (is_zero(alpha)) return;
@@ -152,15 +151,15 @@ void zgemv(const char& trans, const zint& m_ref, const zint& n_ref, const zcompl
     zcomplex* ys = y + first_element(leny, incy);
     if (plain) {
         if (incy == 1) {
-            zgemv_n_unit<WideLanes>(m, n, alpha, a, lda, xs, incx, ys);
+            zgemv_n_unit<WideVec>(m, n, alpha, a, lda, xs, incx, ys);
             return;
         }
         for (zint j = 0; j < n; ++j) {
-            const zcomplex t = complex_times(xs[j * incx], alpha);
+            const zcomplex t = (xs[j * incx]) * alpha;
             const zcomplex* c = a + j * lda;
-            for (zint i = 0; i < m; ++i) ys[i * incy] = complex_plus(ys[i * incy], complex_times(c[i], t));
+            for (zint i = 0; i < m; ++i) ys[i * incy] = (ys[i * incy]) + (c[i] * t);
         }
-    } else if (is_conjugate(trans)) {
+    } else if (lsame(trans, 'C')) {
         zgemv_t<true>(m, n, alpha, a, lda, xs, incx, ys, incy);
     } else {
         zgemv_t<false>(m, n, alpha, a, lda, xs, incx, ys, incy);

@@ -2,9 +2,9 @@
 // at Avx; the Avx variant hands over to its FMA or AVX-512 kernels when the processor has them.
 
 #include "blas/kernel.hpp"
-#include "blas/level3/gemm_vector_ops.hpp"
 #include "blas/level3/level3_blocks.hpp"
 #include "blas/level3/level3_tiles.hpp"
+#include "blas/simd.hpp"
 #include "service/cpu.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
@@ -14,9 +14,9 @@ namespace {
 // Tiles that fill the sixteen vector registers: 4 x 3 vectors real, 2 x 2 vectors complex, whose
 // two accumulators per vector make 8.
 #ifdef __AVX__
-using Ops = AvxOps;
+using Ops = Vec4;
 #else
-using Ops = SseOps;
+using Ops = Vec2;
 #endif
 
 constinit const BlockKernels<double> kReal = make_block_kernels<Ops, 4, 3, double>(128, 128);

@@ -20,7 +20,8 @@ namespace zor::avx {
 
 namespace {
 
-struct Avx512Ops {
+// The vector vocabulary of simd.hpp at 512 bits, with fused multiply-adds.
+struct Vec8 {
     using Vec = __m512d;
     static constexpr int kLanes = 8;
     static Vec load(const double* p) { return _mm512_load_pd(p); }
@@ -34,11 +35,7 @@ struct Avx512Ops {
     static Vec swap_pairs(Vec a) { return _mm512_permute_pd(a, 0x55); }
     // Even lanes a - b, odd lanes a + b.
     static Vec add_sub(Vec a, Vec b) { return _mm512_mask_sub_pd(_mm512_add_pd(a, b), 0x55, a, b); }
-};
-
-// 8 x 8 doubles by pairs, then by 128-bit lanes in two rounds; 4 x 4 complex values by lanes.
-template <>
-struct Lanes<8> {
+    // 8 x 8 doubles by pairs, then by 128-bit lanes in two rounds; 4 x 4 complex values by lanes.
     static void transpose(__m512d (&r)[8]) {
         __m512d t[8], u[8];
         for (int k = 0; k < 4; ++k) {
@@ -78,8 +75,8 @@ struct Lanes<8> {
 
 // 8 rows by 3 vectors: 24 accumulators of the 32 registers, as the GEMM tiles of this path;
 // complex 4 rows by 3 vectors, two accumulators each.
-constinit const BlockKernels<double> kReal = make_block_kernels<Avx512Ops, 8, 3, double>(192, 240);
-constinit const BlockKernels<zcomplex> kComplex = make_block_kernels<Avx512Ops, 4, 3, zcomplex>(192, 256);
+constinit const BlockKernels<double> kReal = make_block_kernels<Vec8, 8, 3, double>(192, 240);
+constinit const BlockKernels<zcomplex> kComplex = make_block_kernels<Vec8, 4, 3, zcomplex>(192, 256);
 
 }  // namespace
 

@@ -11,19 +11,15 @@
 
 #include <immintrin.h>
 
-#include "blas/level3/gemm_vector_ops.hpp"
 #include "blas/level3/level3_tiles.hpp"
+#include "blas/simd.hpp"
 
 namespace zor::avx {
 
 namespace {
 
-struct FusedOps : AvxOps {
-    static Vec mul_add(Vec a, Vec b, Vec c) { return _mm256_fmadd_pd(a, b, c); }
-};
-
-constinit const BlockKernels<double> kReal = make_block_kernels<FusedOps, 4, 3, double>(128, 128);
-constinit const BlockKernels<zcomplex> kComplex = make_block_kernels<FusedOps, 2, 2, zcomplex>(128, 128);
+constinit const BlockKernels<double> kReal = make_block_kernels<Vec4Fused, 4, 3, double>(128, 128);
+constinit const BlockKernels<zcomplex> kComplex = make_block_kernels<Vec4Fused, 2, 2, zcomplex>(128, 128);
 
 }  // namespace
 

@@ -1,7 +1,6 @@
 #pragma once
-// The diagonal-block kernels of level3_blocks.hpp in register tiles, written once over a vector-
-// operations type V (gemm_vector_ops.hpp: Vec, kLanes, load, broadcast, zero, mul_add, mul, add,
-// swap_pairs, add_sub) and the element type. Everything has internal linkage: the FMA and AVX-512
+// The diagonal-block kernels of level3_blocks.hpp in register tiles, written once over a vector
+// type V (simd.hpp) and the element type. Everything has internal linkage: the FMA and AVX-512
 // paths include this header under targets of their own.
 //
 // A tile is MR rows by W columns, W = NV vectors (real: NV·kLanes values, complex NV·kLanes/2).
@@ -20,51 +19,11 @@
 
 #include <immintrin.h>
 
-#include "blas/level3/level3_arith.hpp"
+#include "blas/level3/level3_common.hpp"
 #include "blas/level3/level3_unblocked.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
 namespace {
-
-// Square blocks of lanes turned around in registers, for the copies between strips and the columns
-// of a column-major matrix: transpose for doubles, transpose_pairs for complex values (pairs of
-// lanes); reverse and reverse_pairs for columns read backwards. By the doubles in a vector; the
-// one of 8 is defined where AVX-512 is enabled.
-template <int kLanes>
-struct Lanes;
-
-template <>
-struct Lanes<2> {
-    static void transpose(__m128d (&r)[2]) {
-        const __m128d low = _mm_unpacklo_pd(r[0], r[1]);
-        r[1] = _mm_unpackhi_pd(r[0], r[1]);
-        r[0] = low;
-    }
-    static void transpose_pairs(__m128d (&)[1]) {}
-    static __m128d reverse(__m128d v) { return _mm_shuffle_pd(v, v, 1); }
-    static __m128d reverse_pairs(__m128d v) { return v; }
-};
-
-#ifdef __AVX__
-template <>
-struct Lanes<4> {
-    static void transpose(__m256d (&r)[4]) {
-        const __m256d t0 = _mm256_unpacklo_pd(r[0], r[1]), t1 = _mm256_unpackhi_pd(r[0], r[1]);
-        const __m256d t2 = _mm256_unpacklo_pd(r[2], r[3]), t3 = _mm256_unpackhi_pd(r[2], r[3]);
-        r[0] = _mm256_permute2f128_pd(t0, t2, 0x20);
-        r[1] = _mm256_permute2f128_pd(t1, t3, 0x20);
-        r[2] = _mm256_permute2f128_pd(t0, t2, 0x31);
-        r[3] = _mm256_permute2f128_pd(t1, t3, 0x31);
-    }
-    static void transpose_pairs(__m256d (&r)[2]) {
-        const __m256d low = _mm256_permute2f128_pd(r[0], r[1], 0x20);
-        r[1] = _mm256_permute2f128_pd(r[0], r[1], 0x31);
-        r[0] = low;
-    }
-    static __m256d reverse(__m256d v) { return _mm256_permute_pd(_mm256_permute2f128_pd(v, v, 0x01), 0x5); }
-    static __m256d reverse_pairs(__m256d v) { return _mm256_permute2f128_pd(v, v, 0x01); }
-};
-#endif
 
 template <class V, int MR, int NV, bool kComplex>
 struct Tile;
@@ -233,11 +192,10 @@ struct Tile<V, MR, NV, true> {
 
 template <class V, int MR, int NV, class T>
 struct Blocks {
-    using A = Arith<T>;
-    using Kernel = Tile<V, MR, NV, A::kComplex>;
+    using Kernel = Tile<V, MR, NV, kIsComplex<T>>;
     static constexpr zint W = Kernel::kWidth;
     // Depth of the packed blocks of rank_update: a panel of MR rows stays in the level-1 cache.
-    static constexpr zint kDepth = A::kComplex ? 128 : 256;
+    static constexpr zint kDepth = kIsComplex<T> ? 128 : 256;
 
     static const double* doubles(const T* p) { return reinterpret_cast<const double*>(p); }
     static double* doubles(T* p) { return reinterpret_cast<double*>(p); }
@@ -266,22 +224,22 @@ struct Blocks {
             T* panel = out + panel_offset(r);
             for (zint row = 0; row < MR; ++row) {
                 const zint i = r * MR + row;
-                reciprocals[row] = A::one();  // also for the padding rows, which solve to their zeros
+                reciprocals[row] = one<T>();  // also for the padding rows, which solve to their zeros
                 if (i < b && !unit) {
                     const T d = at(m, i, i);
-                    safe = safe && A::reciprocal_safe(d);
-                    reciprocals[row] = A::recip(d);
+                    safe = safe && reciprocal_safe(d);
+                    reciprocals[row] = reciprocal(d);
                 }
             }
             for (zint j = 0; j < (r + 1) * MR; ++j) {
                 for (zint row = 0; row < MR; ++row) {
                     const zint i = r * MR + row;
-                    T value = A::zero();
+                    T value = zero<T>();
                     if (j == i) {
                         value = reciprocals[row];
                     } else if (j < i && i < b) {
-                        value = A::neg(at(m, i, j));
-                        if (j >= r * MR) value = A::mul(value, reciprocals[j - r * MR]);
+                        value = -at(m, i, j);
+                        if (j >= r * MR) value = value * reciprocals[j - r * MR];
                     }
                     panel[j * MR + row] = value;
                 }
@@ -296,8 +254,8 @@ struct Blocks {
             for (zint j = 0; j < (r + 1) * MR; ++j) {
                 for (zint row = 0; row < MR; ++row) {
                     const zint i = r * MR + row;
-                    T value = A::zero();
-                    if (i < b && j <= i) value = (j == i && unit) ? alpha : A::mul(alpha, at(m, i, j));
+                    T value = zero<T>();
+                    if (i < b && j <= i) value = (j == i && unit) ? alpha : alpha * at(m, i, j);
                     panel[j * MR + row] = value;
                 }
             }
@@ -312,24 +270,24 @@ struct Blocks {
     // Square blocks of a column-major Y, read or written a vector per column and turned around in
     // registers: kUnit elements per vector.
     using Vec = typename V::Vec;
-    static constexpr zint kUnit = A::kComplex ? V::kLanes / 2 : V::kLanes;
+    static constexpr zint kUnit = kIsComplex<T> ? V::kLanes / 2 : V::kLanes;
 
     static void turn(Vec (&r)[kUnit]) {
-        if constexpr (A::kComplex) {
-            Lanes<V::kLanes>::transpose_pairs(r);
+        if constexpr (kIsComplex<T>) {
+            V::transpose_pairs(r);
         } else {
-            Lanes<V::kLanes>::transpose(r);
+            V::transpose(r);
         }
     }
     static Vec reverse(Vec v) {
-        if constexpr (A::kComplex) {
-            return Lanes<V::kLanes>::reverse_pairs(v);
+        if constexpr (kIsComplex<T>) {
+            return V::reverse_pairs(v);
         } else {
-            return Lanes<V::kLanes>::reverse(v);
+            return V::reverse(v);
         }
     }
     static Vec scaled(const T& alpha, Vec v) {
-        if constexpr (A::kComplex) {
+        if constexpr (kIsComplex<T>) {
             return Kernel::times(&alpha.re, v);
         } else {
             return V::mul(V::broadcast(&alpha), v);
@@ -365,9 +323,9 @@ struct Blocks {
     // columns run along the caller's columns is turned around in square blocks; one whose rows do is
     // copied row by row, each row one run across all the strips of the group.
     static void pack_group(zint b, zint cols, const MutableView<T>& y, const T& alpha, T* strips) {
-        const bool scale = !A::is_one(alpha);
+        const bool scale = !is_one(alpha);
         const zint count = (cols + W - 1) / W, stride = strip_elements(b);
-        auto value = [&](zint u, zint j) { return scale ? A::mul(alpha, at(y, u, j)) : at(y, u, j); };
+        auto value = [&](zint u, zint j) { return scale ? alpha * at(y, u, j) : at(y, u, j); };
         if (by_columns(y)) {
             for (zint s = 0; s < count; ++s) {
                 const zint first = s * W, width = cols - first < W ? cols - first : W;
@@ -379,7 +337,7 @@ struct Blocks {
                 }
                 for (zint j = 0; j < W; ++j) {
                     for (zint u = j < whole_cols ? whole_rows : 0; u < b; ++u) {
-                        out[u * W + j] = j < width ? value(u, first + j) : A::zero();
+                        out[u * W + j] = j < width ? value(u, first + j) : zero<T>();
                     }
                 }
             }
@@ -390,17 +348,17 @@ struct Blocks {
                     const zint width = cols - s * W < W ? cols - s * W : W;
                     T* out = strips + s * stride + u * W;
                     if (scale) {
-                        for (zint j = 0; j < width; ++j) out[j] = A::mul(alpha, row[s * W + j]);
+                        for (zint j = 0; j < width; ++j) out[j] = alpha * row[s * W + j];
                     } else {
                         for (zint j = 0; j < width; ++j) out[j] = row[s * W + j];
                     }
-                    for (zint j = width; j < W; ++j) out[j] = A::zero();
+                    for (zint j = width; j < W; ++j) out[j] = zero<T>();
                 }
             }
         }
         for (zint s = 0; s < count; ++s) {
             for (zint u = b; u < panels(b) * MR; ++u) {
-                for (zint j = 0; j < W; ++j) strips[s * stride + u * W + j] = A::zero();
+                for (zint j = 0; j < W; ++j) strips[s * stride + u * W + j] = zero<T>();
             }
         }
     }
@@ -438,11 +396,11 @@ struct Blocks {
     // whichever of its directions has unit steps, so that the caller's columns are read once each.
     template <zint width>
     static void pack_blocks(zint b, zint depth, const ConstView<T>& v, const T& alpha, T* out) {
-        const bool scale = !A::is_one(alpha);
+        const bool scale = !is_one(alpha);
         const zint blocks = (b + width - 1) / width;
         auto value = [&](T x) {
-            if (v.conj) x = A::conj(x);
-            return scale ? A::mul(alpha, x) : x;
+            if (v.conj) x = conj(x);
+            return scale ? alpha * x : x;
         };
         auto rows_of = [&](zint block) { return b - block * width < width ? b - block * width : width; };
         if (v.rs == 1) {
@@ -472,7 +430,7 @@ struct Blocks {
         const zint last = blocks - 1;
         for (zint q = 0; q < depth; ++q) {
             for (zint row = rows_of(last); row < width; ++row)
-                out[last * width * depth + q * width + row] = A::zero();
+                out[last * width * depth + q * width + row] = zero<T>();
         }
     }
 
@@ -516,7 +474,7 @@ struct Blocks {
         for (zint v0 = 0; v0 < nv; v0 += kGroup * W) {
             const zint cols = nv - v0 < kGroup * W ? nv - v0 : kGroup * W;
             const MutableView<T> columns = shifted(y, 0, v0);
-            pack_group(b, cols, columns, A::one(), strips);
+            pack_group(b, cols, columns, one<T>(), strips);
             for (zint s = 0; s * W < cols; ++s) {
                 T* strip = strips + s * strip_elements(b);
                 for (zint r = panels(b) - 1; r >= 0; --r) {
@@ -544,7 +502,7 @@ struct Blocks {
             zint last = lower ? i0 + W : (i0 + W < l + 1 ? i0 + W : l + 1);
             if (last > b) last = b;
             const T* from = reinterpret_cast<const T*>(values[row]) - i0;
-            for (zint i = first; i < last; ++i) c[i + l * ldc] = A::add(c[i + l * ldc], from[i]);
+            for (zint i = first; i < last; ++i) c[i + l * ldc] = c[i + l * ldc] + from[i];
         }
     }
 
@@ -555,7 +513,7 @@ struct Blocks {
         for (zint p0 = 0; p0 < k; p0 += kDepth) {
             const zint depth = k - p0 < kDepth ? k - p0 : kDepth;
             pack_blocks<MR>(b, depth, shifted(z, 0, p0), alpha, z_panels);
-            pack_blocks<W>(b, depth, shifted(x, 0, p0), A::one(), x_strips);
+            pack_blocks<W>(b, depth, shifted(x, 0, p0), one<T>(), x_strips);
             for (zint r = 0; r < panels(b); ++r) {
                 for (zint s = 0; s < strips(b); ++s) {
                     const bool touches = lower ? s * W + W - 1 >= r * MR : s * W <= r * MR + MR - 1;
@@ -570,7 +528,7 @@ struct Blocks {
             }
         }
         if (hermitian) {
-            for (zint l = 0; l < b; ++l) c[l + l * ldc] = A::real(c[l + l * ldc]);
+            for (zint l = 0; l < b; ++l) c[l + l * ldc] = real_part(c[l + l * ldc]);
         }
     }
 };

@@ -3,7 +3,7 @@
 // trsm and trmm run when their work area cannot be had, and what the solve kernel runs on a
 // diagonal block whose reciprocals would lose what a division keeps.
 
-#include "blas/level3/level3_arith.hpp"
+#include "blas/level3/level3_common.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
 namespace {
@@ -12,16 +12,15 @@ namespace {
 template <class T>
 void solve_unblocked(zint b, zint nv, const ConstView<T>& m, bool unit, const T& alpha,
                      const MutableView<T>& y) {
-    using A = Arith<T>;
     for (zint v = 0; v < nv; ++v) {
-        if (!A::is_one(alpha)) {
-            for (zint u = 0; u < b; ++u) at(y, u, v) = A::mul(alpha, at(y, u, v));
+        if (!is_one(alpha)) {
+            for (zint u = 0; u < b; ++u) at(y, u, v) = alpha * at(y, u, v);
         }
         for (zint k = 0; k < b; ++k) {
             T& yk = at(y, k, v);
-            if (!unit) yk = A::div(yk, at(m, k, k));
+            if (!unit) yk = yk / at(m, k, k);
             const T xk = yk;
-            for (zint i = k + 1; i < b; ++i) at(y, i, v) = A::sub(at(y, i, v), A::mul(xk, at(m, i, k)));
+            for (zint i = k + 1; i < b; ++i) at(y, i, v) = at(y, i, v) - (xk * at(m, i, k));
         }
     }
 }
@@ -30,12 +29,11 @@ void solve_unblocked(zint b, zint nv, const ConstView<T>& m, bool unit, const T&
 template <class T>
 void multiply_unblocked(zint b, zint nv, const ConstView<T>& m, bool unit, const T& alpha,
                         const MutableView<T>& y) {
-    using A = Arith<T>;
     for (zint v = 0; v < nv; ++v) {
         for (zint i = b - 1; i >= 0; --i) {
-            T sum = unit ? at(y, i, v) : A::mul(at(m, i, i), at(y, i, v));
-            for (zint j = 0; j < i; ++j) sum = A::add(sum, A::mul(at(m, i, j), at(y, j, v)));
-            at(y, i, v) = A::is_one(alpha) ? sum : A::mul(alpha, sum);
+            T sum = unit ? at(y, i, v) : at(m, i, i) * at(y, i, v);
+            for (zint j = 0; j < i; ++j) sum = sum + (at(m, i, j) * at(y, j, v));
+            at(y, i, v) = is_one(alpha) ? sum : alpha * sum;
         }
     }
 }

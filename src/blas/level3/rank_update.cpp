@@ -8,7 +8,7 @@
 
 #include "blas/kernel.hpp"
 #include "blas/level3/level3.hpp"
-#include "blas/level3/level3_arith.hpp"
+#include "blas/level3/level3_common.hpp"
 #include "service/handlers.hpp"
 #include "service/memory.hpp"
 
@@ -20,18 +20,17 @@ namespace {
 // beta is real and multiplies as a real, and the diagonal becomes real, even for beta = 1.
 template <class T>
 void scale_triangle(zint n, const T& beta, bool lower, bool hermitian, T* c, zint ldc) {
-    using A = Arith<T>;
-    const bool zero = A::is_zero(beta), one = A::is_one(beta);
+    const bool zero = is_zero(beta), one = is_one(beta);
     for (zint l = 0; l < n; ++l) {
         const zint first = lower ? l : 0, last = lower ? n : l + 1;
         for (zint i = first; i < last; ++i) {
             T& x = c[i + l * ldc];
             if (zero) {
-                x = A::zero();
+                x = zor::zero<T>();
             } else if (hermitian) {
-                if constexpr (A::kComplex) x = {beta.re * x.re, i == l ? 0.0 : beta.re * x.im};
+                if constexpr (kIsComplex<T>) x = {beta.re * x.re, i == l ? 0.0 : beta.re * x.im};
             } else if (!one) {
-                x = A::mul(beta, x);
+                x = beta * x;
             }
         }
     }
@@ -42,15 +41,14 @@ void scale_triangle(zint n, const T& beta, bool lower, bool hermitian, T* c, zin
 template <class T>
 void rank_update_unblocked(zint b, zint k, const ConstView<T>& x, const ConstView<T>& z, const T& alpha,
                            bool lower, bool hermitian, T* c, zint ldc) {
-    using A = Arith<T>;
     for (zint l = 0; l < b; ++l) {
         const zint first = lower ? l : 0, last = lower ? b : l + 1;
         for (zint i = first; i < last; ++i) {
-            T sum = A::zero();
-            for (zint p = 0; p < k; ++p) sum = A::add(sum, A::mul(at(x, i, p), at(z, l, p)));
-            c[i + l * ldc] = A::add(c[i + l * ldc], A::mul(alpha, sum));
+            T sum = zero<T>();
+            for (zint p = 0; p < k; ++p) sum = sum + (at(x, i, p) * at(z, l, p));
+            c[i + l * ldc] = c[i + l * ldc] + (alpha * sum);
         }
-        if (hermitian) c[l + l * ldc] = A::real(c[l + l * ldc]);
+        if (hermitian) c[l + l * ldc] = real_part(c[l + l * ldc]);
     }
 }
 
@@ -78,7 +76,6 @@ struct Term {
 // full depth k; the diagonal blocks at the bottom of the recursion go to the kernel.
 template <class T>
 struct Update {
-    using A = Arith<T>;
     const BlockKernels<T>& kernels;
     bool lower, hermitian;
     char first, second;  // GEMM's letters for X and for Z
@@ -105,8 +102,8 @@ struct Update {
     void square(zint i0, zint rows, zint l0, zint cols) const {
         for (int t = 0; t < count; ++t) {
             const Term<T>& term = terms[t];
-            A::gemm(first, second, rows, cols, k, term.alpha, term.x.row(i0), term.x.ld, term.z.row(l0),
-                    term.z.ld, t == 0 ? beta : A::one(), c + i0 + l0 * ldc, ldc);
+            Engine<T>::gemm(first, second, rows, cols, k, term.alpha, term.x.row(i0), term.x.ld,
+                            term.z.row(l0), term.z.ld, t == 0 ? beta : one<T>(), c + i0 + l0 * ldc, ldc);
         }
     }
 
@@ -131,14 +128,13 @@ template <class T>
 void rank_update(const BlockKernels<T>& kernels, const char* routine, bool hermitian, char uplo, char trans,
                  zint n, zint k, const T& alpha, const T* a, zint lda, const T* b, zint ldb, const T& beta,
                  T* c, zint ldc) {
-    using A = Arith<T>;
-    if (n <= 0 || ((A::is_zero(alpha) || k <= 0) && A::is_one(beta))) return;
-    const bool lower = letter_is(uplo, 'L');
-    if (A::is_zero(alpha) || k <= 0) {
+    if (n <= 0 || ((is_zero(alpha) || k <= 0) && is_one(beta))) return;
+    const bool lower = lsame(uplo, 'L');
+    if (is_zero(alpha) || k <= 0) {
         scale_triangle(n, beta, lower, hermitian, c, ldc);
         return;
     }
-    const bool untransposed = letter_is(trans, 'N');
+    const bool untransposed = lsame(trans, 'N');
     const Operand<T> p{a, lda, untransposed}, q{b != nullptr ? b : a, b != nullptr ? ldb : lda, untransposed};
     const WorkArea<T> work(static_cast<std::size_t>(kernels.work_elements));
     // Hermitian: the conjugate goes on the operand that op leaves unconjugated.
@@ -149,7 +145,7 @@ void rank_update(const BlockKernels<T>& kernels, const char* routine, bool hermi
                            untransposed ? (hermitian ? 'C' : 'T') : 'N',
                            hermitian && !untransposed,
                            hermitian && untransposed,
-                           {{p, q, alpha}, {q, p, hermitian ? A::conj(alpha) : alpha}},
+                           {{p, q, alpha}, {q, p, hermitian ? conj(alpha) : alpha}},
                            b != nullptr ? 2 : 1,
                            k,
                            beta,

@@ -7,7 +7,7 @@
 
 #include "blas/kernel.hpp"
 #include "blas/level3/level3.hpp"
-#include "blas/level3/level3_arith.hpp"
+#include "blas/level3/level3_common.hpp"
 #include "service/handlers.hpp"
 #include "service/memory.hpp"
 
@@ -28,10 +28,9 @@ struct Symmetric {
     bool hermitian;
 
     T operator()(zint i, zint j) const {
-        using A = Arith<T>;
-        if (i == j) return hermitian ? A::real(a[i + i * lda]) : a[i + i * lda];
+        if (i == j) return hermitian ? real_part(a[i + i * lda]) : a[i + i * lda];
         if (upper == (i < j)) return a[i + j * lda];
-        return hermitian ? A::conj(a[j + i * lda]) : a[j + i * lda];
+        return hermitian ? conj(a[j + i * lda]) : a[j + i * lda];
     }
 };
 
@@ -40,16 +39,15 @@ struct Symmetric {
 template <class T>
 void symm_unblocked(const Symmetric<T>& s, bool left, zint m, zint n, const T& alpha, const T* b, zint ldb,
                     const T& beta, T* c, zint ldc) {
-    using A = Arith<T>;
     const zint depth = left ? m : n;
     for (zint j = 0; j < n; ++j) {
         for (zint i = 0; i < m; ++i) {
-            T sum = A::zero();
+            T sum = zero<T>();
             for (zint p = 0; p < depth; ++p) {
-                sum = A::add(sum, left ? A::mul(s(i, p), b[p + j * ldb]) : A::mul(b[i + p * ldb], s(p, j)));
+                sum = sum + (left ? s(i, p) * b[p + j * ldb] : b[i + p * ldb] * s(p, j));
             }
             T& cij = c[i + j * ldc];
-            cij = A::is_zero(beta) ? A::mul(alpha, sum) : A::add(A::mul(beta, cij), A::mul(alpha, sum));
+            cij = is_zero(beta) ? alpha * sum : (beta * cij) + (alpha * sum);
         }
     }
 }
@@ -57,14 +55,13 @@ void symm_unblocked(const Symmetric<T>& s, bool left, zint m, zint n, const T& a
 template <class T>
 void symm(bool hermitian, const char* routine, char side, char uplo, zint m, zint n, const T& alpha,
           const T* a, zint lda, const T* b, zint ldb, const T& beta, T* c, zint ldc) {
-    using A = Arith<T>;
-    if (m <= 0 || n <= 0 || (A::is_zero(alpha) && A::is_one(beta))) return;
-    if (A::is_zero(alpha)) {
-        A::scale(m, n, beta, c, ldc);
+    if (m <= 0 || n <= 0 || (is_zero(alpha) && is_one(beta))) return;
+    if (is_zero(alpha)) {
+        Engine<T>::scale(m, n, beta, c, ldc);
         return;
     }
-    const Symmetric<T> s{a, lda, letter_is(uplo, 'U'), hermitian};
-    const bool left = letter_is(side, 'L');
+    const Symmetric<T> s{a, lda, lsame(uplo, 'U'), hermitian};
+    const bool left = lsame(side, 'L');
     const zint order = left ? m : n, across = left ? m : n;
     const zint block = order < kExpandedDepth ? order : kExpandedDepth;
     const WorkArea<T> work(static_cast<std::size_t>(across * block));
@@ -73,7 +70,7 @@ void symm(bool hermitian, const char* routine, char side, char uplo, zint m, zin
         return;
     }
     T* expanded = work.get();
-    const T one = A::one();
+    const T one = zor::one<T>();
     for (zint p0 = 0; p0 < order; p0 += block) {
         const zint count = order - p0 < block ? order - p0 : block;
         const T& scale = p0 == 0 ? beta : one;
@@ -82,13 +79,13 @@ void symm(bool hermitian, const char* routine, char side, char uplo, zint m, zin
             for (zint q = 0; q < count; ++q) {
                 for (zint i = 0; i < m; ++i) expanded[i + q * m] = s(i, p0 + q);
             }
-            A::gemm('N', 'N', m, n, count, alpha, expanded, m, b + p0, ldb, scale, c, ldc);
+            Engine<T>::gemm('N', 'N', m, n, count, alpha, expanded, m, b + p0, ldb, scale, c, ldc);
         } else {
             // Rows p0 .. p0 + count of S, all n columns.
             for (zint j = 0; j < n; ++j) {
                 for (zint q = 0; q < count; ++q) expanded[q + j * count] = s(p0 + q, j);
             }
-            A::gemm('N', 'N', m, n, count, alpha, b + p0 * ldb, ldb, expanded, count, scale, c, ldc);
+            Engine<T>::gemm('N', 'N', m, n, count, alpha, b + p0 * ldb, ldb, expanded, count, scale, c, ldc);
         }
     }
 }

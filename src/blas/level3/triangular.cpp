@@ -8,7 +8,7 @@
 
 #include "blas/kernel.hpp"
 #include "blas/level3/level3.hpp"
-#include "blas/level3/level3_arith.hpp"
+#include "blas/level3/level3_common.hpp"
 #include "blas/level3/level3_unblocked.hpp"
 #include "service/handlers.hpp"
 #include "service/memory.hpp"
@@ -35,12 +35,12 @@ template <class T>
 Triangular<T> canonical(char side, char uplo, char transa, char diag, zint m, zint n, const T* a, zint lda,
                         T* b, zint ldb) {
     Triangular<T> t{};
-    t.left = letter_is(side, 'L');
+    t.left = lsame(side, 'L');
     t.order = t.left ? m : n;
     t.nv = t.left ? n : m;
-    t.unit = letter_is(diag, 'U');
-    const bool m_transposed = t.left != letter_is(transa, 'N');
-    t.forward = letter_is(uplo, 'L') != m_transposed;
+    t.unit = lsame(diag, 'U');
+    const bool m_transposed = t.left != lsame(transa, 'N');
+    t.forward = lsame(uplo, 'L') != m_transposed;
     zint rs = m_transposed ? lda : 1, cs = m_transposed ? 1 : lda;
     zint y_rs = t.left ? 1 : ldb;
     const T* m_base = a;
@@ -52,7 +52,7 @@ Triangular<T> canonical(char side, char uplo, char transa, char diag, zint m, zi
         y_base += (t.order - 1) * y_rs;
         y_rs = -y_rs;
     }
-    t.m = {m_base, rs, cs, Arith<T>::kComplex && letter_is(transa, 'C')};
+    t.m = {m_base, rs, cs, kIsComplex<T> && lsame(transa, 'C')};
     t.y = {y_base, y_rs, t.left ? ldb : 1};
     return t;
 }
@@ -74,7 +74,7 @@ void triangular_routine(const BlockKernels<T>& kernels, const char* routine, cha
                         char transa, char diag, zint m, zint n, const T& alpha, const T* a, zint lda, T* b,
                         zint ldb, const Unblocked& unblocked_path, const Blocked& blocked_path) {
     if (m <= 0 || n <= 0) return;
-    if (Arith<T>::is_zero(alpha)) {
+    if (is_zero(alpha)) {
         fill_zero(m, n, b, ldb);
         return;
     }
@@ -97,9 +97,8 @@ void triangular_routine(const BlockKernels<T>& kernels, const char* routine, cha
 template <class T>
 void trsm(const BlockKernels<T>& kernels, const char* routine, char side, char uplo, char transa, char diag,
           zint m, zint n, const T& alpha, const T* a, zint lda, T* b, zint ldb) {
-    using A = Arith<T>;
     const auto blocked = [&](const Triangular<T>& t, T* work) {
-        const T one = A::one();
+        const T one = zor::one<T>();
         for (zint s = 0; s < t.order; s += kernels.triangular_block) {
             const zint count =
                 t.order - s < kernels.triangular_block ? t.order - s : kernels.triangular_block;
@@ -109,11 +108,12 @@ void trsm(const BlockKernels<T>& kernels, const char* routine, char side, char u
             if (rest == 0) break;
             const zint solved = t.original(s, count), later = t.forward ? s + count : 0;
             if (t.left) {
-                A::gemm(transa, 'N', rest, n, count, A::minus_one(), op_block(a, lda, transa, later, solved),
-                        lda, b + solved, ldb, scale, b + later, ldb);
+                Engine<T>::gemm(transa, 'N', rest, n, count, from_real<T>(-1.0),
+                                op_block(a, lda, transa, later, solved), lda, b + solved, ldb, scale,
+                                b + later, ldb);
             } else {
-                A::gemm('N', transa, m, rest, count, A::minus_one(), b + solved * ldb, ldb,
-                        op_block(a, lda, transa, solved, later), lda, scale, b + later * ldb, ldb);
+                Engine<T>::gemm('N', transa, m, rest, count, from_real<T>(-1.0), b + solved * ldb, ldb,
+                                op_block(a, lda, transa, solved, later), lda, scale, b + later * ldb, ldb);
             }
         }
     };
@@ -128,7 +128,6 @@ void trsm(const BlockKernels<T>& kernels, const char* routine, char side, char u
 template <class T>
 void trmm(const BlockKernels<T>& kernels, const char* routine, char side, char uplo, char transa, char diag,
           zint m, zint n, const T& alpha, const T* a, zint lda, T* b, zint ldb) {
-    using A = Arith<T>;
     const auto blocked = [&](const Triangular<T>& t, T* work) {
         const zint block = kernels.triangular_block;
         for (zint s = (t.order - 1) / block * block; s >= 0; s -= block) {
@@ -137,11 +136,13 @@ void trmm(const BlockKernels<T>& kernels, const char* routine, char side, char u
             if (rest > 0) {
                 const zint source = t.original(s, count), later = t.forward ? s + count : 0;
                 if (t.left) {
-                    A::gemm(transa, 'N', rest, n, count, alpha, op_block(a, lda, transa, later, source), lda,
-                            b + source, ldb, A::one(), b + later, ldb);
+                    Engine<T>::gemm(transa, 'N', rest, n, count, alpha,
+                                    op_block(a, lda, transa, later, source), lda, b + source, ldb, one<T>(),
+                                    b + later, ldb);
                 } else {
-                    A::gemm('N', transa, m, rest, count, alpha, b + source * ldb, ldb,
-                            op_block(a, lda, transa, source, later), lda, A::one(), b + later * ldb, ldb);
+                    Engine<T>::gemm('N', transa, m, rest, count, alpha, b + source * ldb, ldb,
+                                    op_block(a, lda, transa, source, later), lda, one<T>(), b + later * ldb,
+                                    ldb);
                 }
             }
             kernels.multiply(count, t.nv, shifted(t.m, s, s), t.unit, alpha, shifted(t.y, s, 0), work);

@@ -43,6 +43,7 @@ ZOR_DECLARE_VARIANTS(
                const zint& ldx, const zint& growth, zcomplex* ap);)
 
 namespace zor {
+ZOR_INLINE_BEGIN
 
 // Where packed column r of a set starts, relative to column 0.
 constexpr zint packed_column_offset(zint r, zint ld, zint growth) {
@@ -55,4 +56,11 @@ constexpr zint packed_start(bool upper, zint n, zint j) {
     return upper ? j * (j + 1) / 2 : j * n - j * (j - 1) / 2;
 }
 
+// Column j of a packed triangle.
+template <class T>
+constexpr T* column_of(T* ap, bool upper, zint n, zint j) {
+    return ap + packed_start(upper, n, j);
+}
+
+ZOR_INLINE_END
 }  // namespace zor

@@ -10,22 +10,6 @@ namespace zor::ZOR_LEVEL_NS {
 
 namespace {
 
-inline bool letter(char c, char upper) {
-    return c == upper || c == upper + ('a' - 'A');
-}
-
-inline double scaled(double x, double r) {
-    return x * r;
-}
-inline zcomplex scaled(const zcomplex& x, double r) {
-    return {x.re * r, x.im * r};
-}
-inline bool is_zero_value(double x) {
-    return x == 0.0;
-}
-inline bool is_zero_value(const zcomplex& x) {
-    return x.re == 0.0 && x.im == 0.0;
-}
 inline void clear_imaginary(double&) {}
 inline void clear_imaginary(zcomplex& x) {
     x.im = 0.0;
@@ -48,8 +32,8 @@ PackedColumn<T> packed_column(const T* ap, bool upper, zint n, zint j) {
 template <class T>
 void tpsm(char uplo, char trans, char diag, zint n, zint nrhs, const T* ap, T* b, zint ldb, zint growth) {
     if (n <= 0 || nrhs <= 0) return;
-    const bool upper = letter(uplo, 'U'), plain = letter(trans, 'N'), unit = letter(diag, 'U');
-    const bool conj = letter(trans, 'C');
+    const bool upper = lsame(uplo, 'U'), plain = lsame(trans, 'N'), unit = lsame(diag, 'U');
+    const bool conj = lsame(trans, 'C');
     const auto x = [&](zint r) { return b + packed_column_offset(r, ldb, growth); };
     // Column-wise for the plain forms (each solved element leaves the others), dot products for the
     // transposed ones; forward for lower-plain and upper-transposed, backward otherwise.
@@ -61,13 +45,13 @@ void tpsm(char uplo, char trans, char diag, zint n, zint nrhs, const T* ap, T* b
         for (zint r = 0; r < nrhs; ++r) {
             T* v = x(r);
             if (plain) {
-                if (!unit) v[j] = divide(v[j], c.at(j));
+                if (!unit) v[j] = v[j] / c.at(j);
                 const T t = v[j];
-                for (zint i = lo; i < hi; ++i) v[i] = minus(v[i], times(t, c.at(i)));
+                for (zint i = lo; i < hi; ++i) v[i] = v[i] - (t * c.at(i));
             } else {
                 T t = v[j];
-                for (zint i = lo; i < hi; ++i) t = minus(t, times(conjugate_if(conj, c.at(i)), v[i]));
-                v[j] = unit ? t : divide(t, conjugate_if(conj, c.at(j)));
+                for (zint i = lo; i < hi; ++i) t = t - (conj_if(conj, c.at(i)) * v[i]);
+                v[j] = unit ? t : t / conj_if(conj, c.at(j));
             }
         }
     }
@@ -76,8 +60,8 @@ void tpsm(char uplo, char trans, char diag, zint n, zint nrhs, const T* ap, T* b
 template <class T>
 void tpmv(char uplo, char trans, char diag, zint n, const T* ap, T* x, zint incx) {
     if (n <= 0) return;
-    const bool upper = letter(uplo, 'U'), plain = letter(trans, 'N'), unit = letter(diag, 'U');
-    const bool conj = letter(trans, 'C');
+    const bool upper = lsame(uplo, 'U'), plain = lsame(trans, 'N'), unit = lsame(diag, 'U');
+    const bool conj = lsame(trans, 'C');
     const auto v = [&](zint i) -> T& { return x[i * incx]; };
     // Each step must read the elements it needs before they change: upper-plain and
     // lower-transposed run forward, the others backward.
@@ -88,11 +72,11 @@ void tpmv(char uplo, char trans, char diag, zint n, const T* ap, T* x, zint incx
         const zint lo = upper ? 0 : j + 1, hi = upper ? j : n;
         if (plain) {
             const T t = v(j);
-            for (zint i = lo; i < hi; ++i) v(i) = plus(v(i), times(t, c.at(i)));
-            if (!unit) v(j) = times(t, c.at(j));
+            for (zint i = lo; i < hi; ++i) v(i) = v(i) + (t * c.at(i));
+            if (!unit) v(j) = t * c.at(j);
         } else {
-            T t = unit ? v(j) : times(conjugate_if(conj, c.at(j)), v(j));
-            for (zint i = lo; i < hi; ++i) t = plus(t, times(conjugate_if(conj, c.at(i)), v(i)));
+            T t = unit ? v(j) : conj_if(conj, c.at(j)) * v(j);
+            for (zint i = lo; i < hi; ++i) t = t + (conj_if(conj, c.at(i)) * v(i));
             v(j) = t;
         }
     }
@@ -101,15 +85,15 @@ void tpmv(char uplo, char trans, char diag, zint n, const T* ap, T* x, zint incx
 template <class T>
 void sprk(char uplo, zint n, zint k, double alpha, const T* x, zint ldx, zint growth, T* ap) {
     if (n <= 0 || k <= 0 || alpha == 0.0) return;
-    const bool upper = letter(uplo, 'U');
+    const bool upper = lsame(uplo, 'U');
     for (zint j = 0; j < n; ++j) {
         T* column = ap + packed_start(upper, n, j);
         const zint lo = upper ? 0 : j, hi = upper ? j + 1 : n;
         for (zint r = 0; r < k; ++r) {
             const T* v = x + packed_column_offset(r, ldx, growth);
-            const T f = scaled(conjugate_if(true, v[j]), alpha);
-            if (is_zero_value(f)) continue;
-            for (zint i = lo; i < hi; ++i) column[i - lo] = plus(column[i - lo], times(v[i], f));
+            const T f = conj_if(true, v[j]) * alpha;
+            if (is_zero(f)) continue;
+            for (zint i = lo; i < hi; ++i) column[i - lo] = column[i - lo] + (v[i] * f);
         }
         clear_imaginary(column[j - lo]);
     }

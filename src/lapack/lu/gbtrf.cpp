@@ -1,12 +1,11 @@
-// dgbtrf / zgbtrf: LU factorisation of a band matrix with partial pivoting, the blocked band
+// gbtrf: LU factorisation of a band matrix with partial pivoting, the blocked band
 // algorithm. The factors keep the band layout: U with kl + ku superdiagonals (the kl rows on top
 // take the fill-in), L as the multipliers of each column below its diagonal, every column's
 // multipliers as they were when it was eliminated (later interchanges are not applied to them).
 
-#include "lapack/element.hpp"
+#include "lapack/lapack.hpp"
 #include "lapack/lu/lu.hpp"
 #include "lapack/lu/pivot.hpp"
-#include "lapack/tuning/tuning.hpp"
 #include "service/handlers.hpp"
 
 namespace zor {
@@ -29,7 +28,7 @@ struct BandMatrix {
 template <class T>
 void clear_fill_in(const BandMatrix<T>& a, zint ku, zint n) {
     for (zint j = ku + 1; j < min_of(a.kv, n); ++j) {
-        for (zint i = max_of(0, j - a.kv); i < j - ku; ++i) *a.at(i, j) = Element<T>::zero();
+        for (zint i = max_of(0, j - a.kv); i < j - ku; ++i) *a.at(i, j) = zero<T>();
     }
 }
 
@@ -37,7 +36,7 @@ template <class T>
 void clear_fill_in_column(const BandMatrix<T>& a, zint kl, zint j, zint n) {
     if (j + a.kv < n) {
         T* column = a.ab + (j + a.kv) * a.ldab;
-        for (zint i = 0; i < kl; ++i) column[i] = Element<T>::zero();
+        for (zint i = 0; i < kl; ++i) column[i] = zero<T>();
     }
 }
 
@@ -45,7 +44,6 @@ void clear_fill_in_column(const BandMatrix<T>& a, zint kl, zint j, zint n) {
 // reaches.
 template <class T>
 void gbtf2(zint m, zint n, zint kl, zint ku, const BandMatrix<T>& a, zint* ipiv, zint& info) {
-    using E = Element<T>;
     const zint ldr = a.row_step();
     clear_fill_in(a, ku, n);
     zint ju = 0;
@@ -53,17 +51,18 @@ void gbtf2(zint m, zint n, zint kl, zint ku, const BandMatrix<T>& a, zint* ipiv,
         clear_fill_in_column(a, kl, j, n);
         const zint below = min_of(kl, m - j - 1);
         T* d = a.at(j, j);
-        const zint jp = E::iamax(below + 1, d, 1) - 1;
+        const zint jp = Blas<T>::iamax(below + 1, d, 1) - 1;
         ipiv[j] = j + jp + 1;
-        if (E::is_zero(d[jp])) {
+        if (is_zero(d[jp])) {
             if (info == 0) info = j + 1;
             continue;
         }
         ju = max_of(ju, min_of(j + ku + jp, n - 1));
-        if (jp != 0) E::swap(ju - j + 1, d + jp, ldr, d, ldr);
+        if (jp != 0) Blas<T>::swap(ju - j + 1, d + jp, ldr, d, ldr);
         if (below > 0) {
             scale_by_pivot(below, d + 1, d[0]);
-            if (ju > j) E::geru(below, ju - j, E::from_real(-1.0), d + 1, 1, d + ldr, ldr, d + a.ldab, ldr);
+            if (ju > j)
+                Blas<T>::geru(below, ju - j, from_real<T>(-1.0), d + 1, 1, d + ldr, ldr, d + a.ldab, ldr);
         }
     }
 }
@@ -81,8 +80,7 @@ constexpr zint kWorkRows = kMaxBlock + 1;
 template <class T>
 int gbtrf_blocked(zint m, zint n, zint kl, zint ku, zint nb, const BandMatrix<T>& a, zint* ipiv, zint& info,
                   const char* stage) {
-    using E = Element<T>;
-    const T zero = E::zero(), one = E::one(), minus_one = E::from_real(-1.0);
+    const T zero = zor::zero<T>(), one = zor::one<T>(), minus_one = from_real<T>(-1.0);
     const zint ldr = a.row_step();
     T work13[kWorkRows * kMaxBlock];
     T work31[kWorkRows * kMaxBlock];
@@ -101,26 +99,27 @@ int gbtrf_blocked(zint m, zint n, zint kl, zint ku, zint nb, const BandMatrix<T>
             clear_fill_in_column(a, kl, jj, n);
             const zint below = min_of(kl, m - jj - 1);
             T* d = a.at(jj, jj);
-            const zint jp = E::iamax(below + 1, d, 1) - 1;
+            const zint jp = Blas<T>::iamax(below + 1, d, 1) - 1;
             ipiv[jj] = jj - j + jp + 1;
-            if (!E::is_zero(d[jp])) {
+            if (!is_zero(d[jp])) {
                 ju = max_of(ju, min_of(jj + ku + jp, n - 1));
                 if (jp != 0) {
                     if (jj + jp < j + kl) {
-                        E::swap(jb, a.at(jj, j), ldr, a.at(jj + jp, j), ldr);
+                        Blas<T>::swap(jb, a.at(jj, j), ldr, a.at(jj + jp, j), ldr);
                     } else {
-                        E::swap(jj - j, a.at(jj, j), ldr, work31 + (jj + jp - j - kl), kWorkRows);
-                        E::swap(j + jb - jj, d, ldr, d + jp, ldr);
+                        Blas<T>::swap(jj - j, a.at(jj, j), ldr, work31 + (jj + jp - j - kl), kWorkRows);
+                        Blas<T>::swap(j + jb - jj, d, ldr, d + jp, ldr);
                     }
                 }
                 if (below > 0) scale_by_pivot(below, d + 1, d[0]);
                 const zint last = min_of(ju, j + jb - 1);
-                if (last > jj) E::geru(below, last - jj, minus_one, d + 1, 1, d + ldr, ldr, d + a.ldab, ldr);
+                if (last > jj)
+                    Blas<T>::geru(below, last - jj, minus_one, d + 1, 1, d + ldr, ldr, d + a.ldab, ldr);
             } else if (info == 0) {
                 info = jj + 1;
             }
             const zint inside = min_of(jj - j + 1, i3);
-            if (inside > 0) E::copy(inside, a.at(j + kl, jj), 1, work31 + (jj - j) * kWorkRows, 1);
+            if (inside > 0) Blas<T>::copy(inside, a.at(j + kl, jj), 1, work31 + (jj - j) * kWorkRows, 1);
         }
         if (j + jb < n) {
             const zint j2 = min_of(ju - j + 1, a.kv) - jb;  // columns whose rows j.. lie inside the band
@@ -142,25 +141,25 @@ int gbtrf_blocked(zint m, zint n, zint kl, zint ku, zint nb, const BandMatrix<T>
             }
             if (j2 > 0) {
                 T* a12 = a.at(j, j + jb);
-                E::trsm('L', 'L', 'N', 'U', jb, j2, one, a.at(j, j), ldr, a12, ldr);
+                Blas<T>::trsm('L', 'L', 'N', 'U', jb, j2, one, a.at(j, j), ldr, a12, ldr);
                 if (i2 > 0)
-                    E::gemm('N', 'N', i2, j2, jb, minus_one, a.at(j + jb, j), ldr, a12, ldr, one,
-                            a.at(j + jb, j + jb), ldr);
+                    Blas<T>::gemm('N', 'N', i2, j2, jb, minus_one, a.at(j + jb, j), ldr, a12, ldr, one,
+                                  a.at(j + jb, j + jb), ldr);
                 if (i3 > 0)
-                    E::gemm('N', 'N', i3, j2, jb, minus_one, work31, kWorkRows, a12, ldr, one,
-                            a.at(j + kl, j + jb), ldr);
+                    Blas<T>::gemm('N', 'N', i3, j2, jb, minus_one, work31, kWorkRows, a12, ldr, one,
+                                  a.at(j + kl, j + jb), ldr);
             }
             if (j3 > 0) {
                 for (zint c = 0; c < j3; ++c) {
                     for (zint r = c; r < jb; ++r) work13[r + c * kWorkRows] = *a.at(j + r, j + a.kv + c);
                 }
-                E::trsm('L', 'L', 'N', 'U', jb, j3, one, a.at(j, j), ldr, work13, kWorkRows);
+                Blas<T>::trsm('L', 'L', 'N', 'U', jb, j3, one, a.at(j, j), ldr, work13, kWorkRows);
                 if (i2 > 0)
-                    E::gemm('N', 'N', i2, j3, jb, minus_one, a.at(j + jb, j), ldr, work13, kWorkRows, one,
-                            a.at(j + jb, j + a.kv), ldr);
+                    Blas<T>::gemm('N', 'N', i2, j3, jb, minus_one, a.at(j + jb, j), ldr, work13, kWorkRows,
+                                  one, a.at(j + jb, j + a.kv), ldr);
                 if (i3 > 0)
-                    E::gemm('N', 'N', i3, j3, jb, minus_one, work31, kWorkRows, work13, kWorkRows, one,
-                            a.at(j + kl, j + a.kv), ldr);
+                    Blas<T>::gemm('N', 'N', i3, j3, jb, minus_one, work31, kWorkRows, work13, kWorkRows, one,
+                                  a.at(j + kl, j + a.kv), ldr);
                 for (zint c = 0; c < j3; ++c) {
                     for (zint r = c; r < jb; ++r) *a.at(j + r, j + a.kv + c) = work13[r + c * kWorkRows];
                 }
@@ -172,54 +171,37 @@ int gbtrf_blocked(zint m, zint n, zint kl, zint ku, zint nb, const BandMatrix<T>
             const zint jp = ipiv[jj] - 1 - jj;
             if (jp != 0) {
                 if (jj + jp < j + kl) {
-                    E::swap(jj - j, a.at(jj, j), ldr, a.at(jj + jp, j), ldr);
+                    Blas<T>::swap(jj - j, a.at(jj, j), ldr, a.at(jj + jp, j), ldr);
                 } else {
-                    E::swap(jj - j, a.at(jj, j), ldr, work31 + (jj + jp - j - kl), kWorkRows);
+                    Blas<T>::swap(jj - j, a.at(jj, j), ldr, work31 + (jj + jp - j - kl), kWorkRows);
                 }
             }
             const zint inside = min_of(i3, jj - j + 1);
-            if (inside > 0) E::copy(inside, work31 + (jj - j) * kWorkRows, 1, a.at(j + kl, jj), 1);
+            if (inside > 0) Blas<T>::copy(inside, work31 + (jj - j) * kWorkRows, 1, a.at(j + kl, jj), 1);
         }
         if (report_progress(0, static_cast<std::int32_t>(j + jb), stage, 7) != 0) return 1;
     }
     return 0;
 }
 
+}  // namespace
+
 template <class T>
-int gbtrf(zint m, zint n, zint kl, zint ku, T* ab, zint ldab, zint* ipiv, zint& info) {
-    using E = Element<T>;
-    const char* name = E::name("DGBTRF", "ZGBTRF");
+bool gbtrf(zint m, zint n, zint kl, zint ku, T* ab, zint ldab, zint* ipiv, zint& info) {
+    const char* name = routine_name<T>("DGBTRF", "ZGBTRF");
     info = check_arguments(name,
                            {{m < 0, 1}, {n < 0, 2}, {kl < 0, 3}, {ku < 0, 4}, {ldab < 2 * kl + ku + 1, 6}});
-    if (info != 0 || m == 0 || n == 0) return 0;
-    const char* stage = E::name("XDGBTRF", "XZGBTRF");
+    if (info != 0 || m == 0 || n == 0) return false;
+    const char* stage = routine_name<T>("XDGBTRF", "XZGBTRF");
     const BandMatrix<T> a{ab, ldab, kl + ku};
     const zint nb = min_of(ilaenv(1, name, " ", m, n, kl, ku), kMaxBlock);
     if (nb <= 1 || nb > kl) {
         gbtf2(m, n, kl, ku, a, ipiv, info);
-        return report_progress(0, static_cast<std::int32_t>(min_of(m, n)), stage, 7) != 0 ? 1 : 0;
+        return report_progress(0, static_cast<std::int32_t>(min_of(m, n)), stage, 7) != 0;
     }
-    return gbtrf_blocked(m, n, kl, ku, nb, a, ipiv, info, stage);
-}
-
-}  // namespace
-
-template <class T>
-int gbtrf_checked(zint m, zint n, zint kl, zint ku, T* ab, zint ldab, zint* ipiv, zint& info) {
-    return gbtrf(m, n, kl, ku, ab, ldab, ipiv, info);
-}
-
-template int gbtrf_checked(zint, zint, zint, zint, double*, zint, zint*, zint&);
-template int gbtrf_checked(zint, zint, zint, zint, zcomplex*, zint, zint*, zint&);
-
-void dgbtrf(const zint& m, const zint& n, const zint& kl, const zint& ku, double* ab, const zint& ldab,
-            zint* ipiv, zint& info) {
-    gbtrf(m, n, kl, ku, ab, ldab, ipiv, info);
-}
-
-void zgbtrf(const zint& m, const zint& n, const zint& kl, const zint& ku, zcomplex* ab, const zint& ldab,
-            zint* ipiv, zint& info) {
-    gbtrf(m, n, kl, ku, ab, ldab, ipiv, info);
+    return gbtrf_blocked(m, n, kl, ku, nb, a, ipiv, info, stage) != 0;
 }
 
 }  // namespace zor
+
+ZOR_INSTANTIATE(gbtrf)

@@ -1,10 +1,9 @@
-// dgetrf / zgetrf: LU factorisation with partial pivoting, recursive on panels, with a Crout-ordered
+// getrf: LU factorisation with partial pivoting, recursive on panels, with a Crout-ordered
 // unblocked step at the leaves.
 
-#include "lapack/element.hpp"
+#include "lapack/lapack.hpp"
 #include "lapack/lu/lu.hpp"
 #include "lapack/lu/pivot.hpp"
-#include "lapack/tuning/tuning.hpp"
 #include "service/handlers.hpp"
 
 namespace zor {
@@ -16,25 +15,24 @@ namespace {
 // matrix-vector product finishes row j of U and another brings column j + 1 up to date.
 template <class T>
 void getf2_crout(zint m, zint n, T* a, zint lda, zint* ipiv, zint& info) {
-    using E = Element<T>;
-    const T one = E::one(), minus_one = E::from_real(-1.0);
+    const T one = zor::one<T>(), minus_one = from_real<T>(-1.0);
     const zint steps = min_of(m, n);
     for (zint j = 0; j < steps; ++j) {
         T* column = a + j * lda;
-        const zint pivot = j - 1 + E::iamax(m - j, column + j, 1);
+        const zint pivot = j - 1 + Blas<T>::iamax(m - j, column + j, 1);
         ipiv[j] = pivot + 1;
-        if (!E::is_zero(column[pivot])) {
-            if (pivot != j) E::swap(n, a + j, lda, a + pivot, lda);
+        if (!is_zero(column[pivot])) {
+            if (pivot != j) Blas<T>::swap(n, a + j, lda, a + pivot, lda);
             if (j + 1 < m) scale_by_pivot(m - j - 1, column + j + 1, column[j]);
         } else if (info == 0) {
             info = j + 1;
         }
         if (j > 0 && j + 1 < n)
-            E::gemv('T', j, n - j - 1, minus_one, a + (j + 1) * lda, lda, a + j, lda, one,
-                    a + j + (j + 1) * lda, lda);
+            Blas<T>::gemv('T', j, n - j - 1, minus_one, a + (j + 1) * lda, lda, a + j, lda, one,
+                          a + j + (j + 1) * lda, lda);
         if (j + 1 < steps)
-            E::gemv('N', m - j - 1, j + 1, minus_one, a + j + 1, lda, column + lda, 1, one,
-                    column + lda + j + 1, 1);
+            Blas<T>::gemv('N', m - j - 1, j + 1, minus_one, a + j + 1, lda, column + lda, 1, one,
+                          column + lda + j + 1, 1);
     }
 }
 
@@ -48,13 +46,12 @@ void shift_pivots(zint count, zint* ipiv, zint shift) {
     for (; i < count; ++i) ipiv[i] += shift;
 }
 
-}  // namespace
-
+// The recursive factorisation: `thread` and the column offset of this panel in the whole matrix go
+// to the progress handler. Returns 1 when the handler asked to stop, else 0. Arguments unchecked.
 template <class T>
 int getrf_core(zint m, zint n, T* a, zint lda, zint* ipiv, zint& info, const std::int32_t& thread,
                std::int32_t offset) {
-    using E = Element<T>;
-    const char* name = E::name("DGETRF", "ZGETRF");
+    const char* name = routine_name<T>("DGETRF", "ZGETRF");
     const zint steps = min_of(m, n);
     // "S": this library's own answers for its recursive panels, not the reference's blank.
     const zint nb = ilaenv(1, name, "S", m, n, -1, -1);
@@ -64,7 +61,7 @@ int getrf_core(zint m, zint n, T* a, zint lda, zint* ipiv, zint& info, const std
             static_cast<std::int32_t>(static_cast<std::uint32_t>(n) + static_cast<std::uint32_t>(offset));
         return report_progress(thread, step, name, 6) != 0 ? 1 : 0;
     }
-    const T one = E::one(), minus_one = E::from_real(-1.0);
+    const T one = zor::one<T>(), minus_one = from_real<T>(-1.0);
     for (zint j = 0; j < steps; j += nb) {
         const zint jb = min_of(nb, steps - j);
         T* panel = a + j + j * lda;
@@ -78,10 +75,10 @@ int getrf_core(zint m, zint n, T* a, zint lda, zint* ipiv, zint& info, const std
         if (right > 0) {
             T* upper = panel + jb * lda;
             laswp(right, a + (j + jb) * lda, lda, j + 1, j + jb, ipiv, 1);
-            E::trsm('L', 'L', 'N', 'U', jb, right, one, panel, lda, upper, lda);
+            Blas<T>::trsm('L', 'L', 'N', 'U', jb, right, one, panel, lda, upper, lda);
             if (m > j + jb)
-                E::gemm('N', 'N', m - j - jb, right, jb, minus_one, panel + jb, lda, upper, lda, one,
-                        upper + jb, lda);
+                Blas<T>::gemm('N', 'N', m - j - jb, right, jb, minus_one, panel + jb, lda, upper, lda, one,
+                              upper + jb, lda);
         }
     }
     // The interchanges of later panels reach the columns left of them only now, one pass a block.
@@ -89,35 +86,17 @@ int getrf_core(zint m, zint n, T* a, zint lda, zint* ipiv, zint& info, const std
     return 0;
 }
 
-int dgetrf_core(const zint& m, const zint& n, double* a, const zint& lda, zint* ipiv, zint& info,
-                const std::int32_t& thread, std::int32_t offset) {
-    return getrf_core(m, n, a, lda, ipiv, info, thread, offset);
-}
+}  // namespace
 
-int zgetrf_core(const zint& m, const zint& n, zcomplex* a, const zint& lda, zint* ipiv, zint& info,
-                const std::int32_t& thread, std::int32_t offset) {
-    return getrf_core(m, n, a, lda, ipiv, info, thread, offset);
-}
-
-// Checks, then the core from column 0; returns whether the progress handler stopped it.
 template <class T>
-int getrf_checked(zint m, zint n, T* a, zint lda, zint* ipiv, zint& info) {
-    info = check_arguments(Element<T>::name("DGETRF", "ZGETRF"),
+bool getrf(zint m, zint n, T* a, zint lda, zint* ipiv, zint& info) {
+    info = check_arguments(routine_name<T>("DGETRF", "ZGETRF"),
                            {{m < 0, 1}, {n < 0, 2}, {lda < max_of(1, m), 4}});
-    if (info != 0 || m == 0 || n == 0) return 0;
+    if (info != 0 || m == 0 || n == 0) return false;
     const std::int32_t thread = 0;
-    return getrf_core(m, n, a, lda, ipiv, info, thread, 0);
-}
-
-template int getrf_checked(zint, zint, double*, zint, zint*, zint&);
-template int getrf_checked(zint, zint, zcomplex*, zint, zint*, zint&);
-
-void dgetrf(const zint& m, const zint& n, double* a, const zint& lda, zint* ipiv, zint& info) {
-    getrf_checked(m, n, a, lda, ipiv, info);
-}
-
-void zgetrf(const zint& m, const zint& n, zcomplex* a, const zint& lda, zint* ipiv, zint& info) {
-    getrf_checked(m, n, a, lda, ipiv, info);
+    return getrf_core(m, n, a, lda, ipiv, info, thread, 0) != 0;
 }
 
 }  // namespace zor
+
+ZOR_INSTANTIATE(getrf)

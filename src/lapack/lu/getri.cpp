@@ -1,25 +1,21 @@
-// dgetri / zgetri: the inverse from the LU factors. U is inverted in place, then inv(A) L = inv(U)
+// getri: the inverse from the LU factors. U is inverted in place, then inv(A) L = inv(U)
 // is solved for inv(A) from the last block column of L to the first, and the column interchanges
 // of the pivots are undone in reverse.
 
-#include "lapack/element.hpp"
+#include "lapack/lapack.hpp"
 #include "lapack/lu/lu.hpp"
 #include "lapack/triangular/triangular.hpp"
-#include "lapack/tuning/tuning.hpp"
 
 namespace zor {
 
-namespace {
-
 template <class T>
 void getri(zint n, T* a, zint lda, const zint* ipiv, T* work, zint lwork, zint& info) {
-    using E = Element<T>;
-    const char* name = E::name("DGETRI", "ZGETRI");
+    const char* name = routine_name<T>("DGETRI", "ZGETRI");
     zint nb = ilaenv(1, name, " ", n, -1, -1, -1);
     const bool query = lwork == -1;
     info = check_arguments(name, {{n < 0, 1}, {lda < max_of(1, n), 3}, {lwork < max_of(1, n) && !query, 6}});
     if (info != 0) return;
-    work[0] = E::from_real(static_cast<double>(max_of(1, n * nb)));
+    work[0] = from_real<T>(static_cast<double>(max_of(1, n * nb)));
     if (query || n == 0) return;
 
     trtri('U', 'N', n, a, lda, info);
@@ -35,7 +31,7 @@ void getri(zint n, T* a, zint lda, const zint* ipiv, T* work, zint lwork, zint& 
             if (nb < max_of(2, ilaenv(2, name, " ", n, -1, -1, -1))) nb = 1;
         }
     }
-    const T zero = E::zero(), one = E::one(), minus_one = E::from_real(-1.0);
+    const T zero = zor::zero<T>(), one = zor::one<T>(), minus_one = from_real<T>(-1.0);
     if (nb <= 1 || nb >= n) {
         for (zint j = n - 1; j >= 0; --j) {
             T* column = a + j * lda;
@@ -44,7 +40,8 @@ void getri(zint n, T* a, zint lda, const zint* ipiv, T* work, zint lwork, zint& 
                 column[i] = zero;
             }
             if (j + 1 < n)
-                E::gemv('N', n, n - j - 1, minus_one, column + lda, lda, work + j + 1, 1, one, column, 1);
+                Blas<T>::gemv('N', n, n - j - 1, minus_one, column + lda, lda, work + j + 1, 1, one, column,
+                              1);
         }
     } else {
         for (zint j = (n - 1) / nb * nb; j >= 0; j -= nb) {
@@ -59,28 +56,18 @@ void getri(zint n, T* a, zint lda, const zint* ipiv, T* work, zint lwork, zint& 
                 }
             }
             if (j + jb < n)
-                E::gemm('N', 'N', n, jb, n - j - jb, minus_one, a + (j + jb) * lda, lda, work + j + jb,
-                        ldwork, one, a + j * lda, lda);
-            E::trsm('R', 'L', 'N', 'U', n, jb, one, work + j, ldwork, a + j * lda, lda);
+                Blas<T>::gemm('N', 'N', n, jb, n - j - jb, minus_one, a + (j + jb) * lda, lda, work + j + jb,
+                              ldwork, one, a + j * lda, lda);
+            Blas<T>::trsm('R', 'L', 'N', 'U', n, jb, one, work + j, ldwork, a + j * lda, lda);
         }
     }
     for (zint j = n - 2; j >= 0; --j) {
         const zint pivot = ipiv[j] - 1;
-        if (pivot != j) E::swap(n, a + j * lda, 1, a + pivot * lda, 1);
+        if (pivot != j) Blas<T>::swap(n, a + j * lda, 1, a + pivot * lda, 1);
     }
-    work[0] = E::from_real(static_cast<double>(needed));
-}
-
-}  // namespace
-
-void dgetri(const zint& n, double* a, const zint& lda, const zint* ipiv, double* work, const zint& lwork,
-            zint& info) {
-    getri(n, a, lda, ipiv, work, lwork, info);
-}
-
-void zgetri(const zint& n, zcomplex* a, const zint& lda, const zint* ipiv, zcomplex* work, const zint& lwork,
-            zint& info) {
-    getri(n, a, lda, ipiv, work, lwork, info);
+    work[0] = from_real<T>(static_cast<double>(needed));
 }
 
 }  // namespace zor
+
+ZOR_INSTANTIATE(getri)

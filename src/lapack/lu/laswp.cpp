@@ -1,6 +1,6 @@
-// dlaswp / zlaswp: a sequence of row interchanges applied to the columns of a matrix.
+// laswp: a sequence of row interchanges applied to the columns of a matrix.
 
-#include "lapack/element.hpp"
+#include "lapack/lapack.hpp"
 #include "lapack/lu/lu.hpp"
 
 namespace zor {
@@ -9,6 +9,8 @@ namespace zor {
 // sequence while they are in cache, and the interchanges of those columns are independent of one
 // another: a row-at-a-time order would stride through memory once a swap, and a column at a time
 // would chain every swap on the one before it.
+namespace {
+
 template <class T, int kColumns>
 void swap_rows(T* a, zint lda, zint k1, zint count, const zint* first, zint step, bool forward) {
     for (zint t = 0; t < count; ++t) {
@@ -23,6 +25,7 @@ void swap_rows(T* a, zint lda, zint k1, zint count, const zint* first, zint step
         }
     }
 }
+}  // namespace
 
 template <class T>
 void laswp(zint n, T* a, zint lda, zint k1, zint k2, const zint* ipiv, zint incx) {
@@ -37,17 +40,6 @@ void laswp(zint n, T* a, zint lda, zint k1, zint k2, const zint* ipiv, zint incx
     for (; j < n; ++j) swap_rows<T, 1>(a + j * lda, lda, k1, count, first, step, incx > 0);
 }
 
-template void laswp(zint, double*, zint, zint, zint, const zint*, zint);
-template void laswp(zint, zcomplex*, zint, zint, zint, const zint*, zint);
-
-void dlaswp(const zint& n, double* a, const zint& lda, const zint& k1, const zint& k2, const zint* ipiv,
-            const zint& incx) {
-    laswp(n, a, lda, k1, k2, ipiv, incx);
-}
-
-void zlaswp(const zint& n, zcomplex* a, const zint& lda, const zint& k1, const zint& k2, const zint* ipiv,
-            const zint& incx) {
-    laswp(n, a, lda, k1, k2, ipiv, incx);
-}
-
 }  // namespace zor
+
+ZOR_INSTANTIATE(laswp)

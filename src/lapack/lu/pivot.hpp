@@ -3,8 +3,7 @@
 
 #include <cstdint>
 
-#include "lapack/element.hpp"
-#include "lapack/tuning/tuning.hpp"
+#include "lapack/lapack.hpp"
 
 namespace zor {
 
@@ -13,20 +12,19 @@ namespace zor {
 // 16-byte boundary so that the eight-fold body vectorises on aligned pairs.
 template <class T>
 void scale_by_pivot(zint n, T* x, const T& pivot) {
-    using E = Element<T>;
-    if (E::abs(pivot) >= dlamch("S")) {
-        E::scal(n, E::recip(pivot), x, 1);
+    if (abs(pivot) >= dlamch("S")) {
+        Blas<T>::scal(n, reciprocal(pivot), x, 1);
         return;
     }
     zint i = 0;
     while (i < n && (reinterpret_cast<std::uintptr_t>(x + i) & 15) != 0) {
-        x[i] = E::div(x[i], pivot);
+        x[i] = x[i] / pivot;
         ++i;
     }
     for (; i + 8 <= n; i += 8) {
-        for (zint k = 0; k < 8; ++k) x[i + k] = E::div(x[i + k], pivot);
+        for (zint k = 0; k < 8; ++k) x[i + k] = x[i + k] / pivot;
     }
-    for (; i < n; ++i) x[i] = E::div(x[i], pivot);
+    for (; i < n; ++i) x[i] = x[i] / pivot;
 }
 
 }  // namespace zor

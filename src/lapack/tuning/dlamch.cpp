@@ -3,7 +3,7 @@
 #include <bit>
 
 #include "lapack/tuning/tuning.hpp"
-#include "service/lsame.hpp"
+#include "service/letters.hpp"
 
 namespace zor {
 

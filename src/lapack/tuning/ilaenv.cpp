@@ -7,7 +7,7 @@
 
 #include "lapack/tuning/tuning.hpp"
 #include "service/cpu.hpp"
-#include "service/lsame.hpp"
+#include "service/letters.hpp"
 
 namespace zor {
 

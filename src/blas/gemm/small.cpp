@@ -1,8 +1,8 @@
 // The unblocked GEMM paths and the scaling of C: what the engines run for problems below their
 // blocking thresholds, after a failed allocation, and before any product is added.
 
+#include "blas/gemm/gemm.hpp"
 #include "blas/kernel.hpp"
-#include "blas/level3/gemm.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
 

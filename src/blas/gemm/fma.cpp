@@ -3,9 +3,9 @@
 // 3 panels of A (12 rows) times 4 columns of B give 12 accumulators, enough to cover the FMA latency
 // with the 16 registers of AVX.
 
+#include "blas/gemm/avx_paths.hpp"
+#include "blas/gemm/blocking.hpp"
 #include "blas/kernel.hpp"
-#include "blas/level3/gemm_avx_paths.hpp"
-#include "blas/level3/gemm_blocking.hpp"
 
 #if ZOR_LEVEL == 4
 
@@ -14,32 +14,23 @@
 
 #include <immintrin.h>
 
-#include "blas/level3/gemm_tiles.hpp"
-#include "blas/level3/gemm_vector_ops.hpp"
+#include "blas/gemm/tiles.hpp"
+#include "blas/simd.hpp"
 
 namespace zor::avx {
 
-namespace {
-
-// Plain AVX but with fused multiply-adds.
-struct FmaOps : AvxOps {
-    static Vec mul_add(Vec a, Vec b, Vec c) { return _mm256_fmadd_pd(a, b, c); }
-};
-
-}  // namespace
-
 void dgemm_macro_fma(const zint& mb, const zint& nb, const zint& kb, const double* packed_a,
                      const double* packed_b, const double* beta, double* c, const zint& ldc) {
-    dgemm_macro_columns<FmaOps, 4, 8, 3, 4>(mb, nb, kb, packed_a, packed_b, *beta, c, ldc,
-                                            gemm_a_group_bytes());
+    dgemm_macro_columns<Vec4Fused, 4, 8, 3, 4>(mb, nb, kb, packed_a, packed_b, *beta, c, ldc,
+                                               gemm_a_group_bytes());
 }
 
 void zgemm_macro_fma(const zint& mb, const zint& nb, const zint& kb, const zcomplex* packed_a,
                      const zcomplex* packed_b, const zcomplex* beta, zcomplex* c, const zint& ldc) {
     alignas(16) double beta_vector[4];
     make_beta_vector(*beta, beta_vector);
-    zgemm_macro_columns<FmaOps, 2, 4, 3, 2>(mb, nb, kb, packed_a, packed_b, beta_vector, c, ldc,
-                                            gemm_a_group_bytes());
+    zgemm_macro_columns<Vec4Fused, 2, 4, 3, 2>(mb, nb, kb, packed_a, packed_b, beta_vector, c, ldc,
+                                               gemm_a_group_bytes());
 }
 
 }  // namespace zor::avx

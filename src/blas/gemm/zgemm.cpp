@@ -3,15 +3,15 @@
 // with the first depth block, depth blocks of 64 with the remainder first); Default on an AMD
 // family 10h the alternate driver.
 
+#include "blas/gemm/avx_paths.hpp"
+#include "blas/gemm/blocking.hpp"
+#include "blas/gemm/driver.hpp"
+#include "blas/gemm/gemm.hpp"
+#include "blas/gemm/pack.hpp"
+#include "blas/gemm/pack_avx.hpp"
+#include "blas/gemm/tiles.hpp"
 #include "blas/kernel.hpp"
-#include "blas/level3/gemm.hpp"
-#include "blas/level3/gemm_avx_paths.hpp"
-#include "blas/level3/gemm_blocking.hpp"
-#include "blas/level3/gemm_driver.hpp"
-#include "blas/level3/gemm_pack.hpp"
-#include "blas/level3/gemm_pack_avx.hpp"
-#include "blas/level3/gemm_tiles.hpp"
-#include "blas/level3/gemm_vector_ops.hpp"
+#include "blas/simd.hpp"
 #include "service/cpu.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
@@ -37,11 +37,11 @@ Macro* table_macro_kernel(const GemmChoice& choice) {
         if (choice.extensions & kExtensionAvx512f) return &zgemm_macro_avx512;
         if (choice.extensions & kExtensionFma) return &zgemm_macro_fma;
 #ifdef __AVX__
-        return &macro_columns<AvxOps, 2, 4, 2, 2>;
+        return &macro_columns<Vec4, 2, 4, 2, 2>;
 #endif
     }
     (void)choice;
-    return &macro_columns<SseOps, 2, 4, 2, 2>;
+    return &macro_columns<Vec2, 2, 4, 2, 2>;
 }
 
 void load_record(GemmBlockingParams<zcomplex>& params, const GemmChoice& choice) {
@@ -98,8 +98,8 @@ void zgemm_fixed(const char& transa, const char& transb, const zint& m, const zi
     alignas(16) double beta_vector[4];
     make_beta_vector(beta, beta_vector);
     alignas(16) double one_vector[4];
-    make_beta_vector(unit<zcomplex>(), one_vector);
-    const zcomplex one = unit<zcomplex>();
+    make_beta_vector(zor::one<zcomplex>(), one_vector);
+    const zcomplex one = zor::one<zcomplex>();
     for (zint jc = 0; jc < n; jc += nc) {
         const zint nb = n - jc < nc ? n - jc : nc;
         for (zint pc = 0, kb = zgemm_default_first_depth(k); pc < k; pc += kb, kb = kZgemmDefaultDepth) {
@@ -108,9 +108,9 @@ void zgemm_fixed(const char& transa, const char& transb, const zint& m, const zi
             for (zint ic = 0; ic < m; ic += kZgemmDefaultRows) {
                 const zint mb = m - ic < kZgemmDefaultRows ? m - ic : kZgemmDefaultRows;
                 pack_a(mb, kb, op_address(a, lda, transa, ic, pc), lda, a_area, 2 * kb_padded, alpha);
-                zgemm_macro_columns<SseOps, 2, 2, 2, 2>(mb, nb, kb_padded, a_area, b_area,
-                                                        pc == 0 ? beta_vector : one_vector, c + ic + jc * ldc,
-                                                        ldc, gemm_a_group_bytes());
+                zgemm_macro_columns<Vec2, 2, 2, 2, 2>(mb, nb, kb_padded, a_area, b_area,
+                                                      pc == 0 ? beta_vector : one_vector, c + ic + jc * ldc,
+                                                      ldc, gemm_a_group_bytes());
             }
         }
     }
@@ -138,7 +138,7 @@ void zgemm_family10h(const char& transa, const char& transb, const zint& m, cons
             128,
             pick_pack<Pack>(transa, &pack_a_n<1>, &pack_a_t<1>, &pack_a_c<1>),
             pick_pack<Pack>(transb, &pack_b_n<4, zcomplex>, &pack_b_t<4, zcomplex>, &pack_b_c<4>),
-            &macro_columns<SseOps, 1, 4, 2, 2>};
+            &macro_columns<Vec2, 1, 4, 2, 2>};
         if (gemm_blocked_with_beta(g, "xgemm", transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc))
             return;
     }

@@ -7,7 +7,7 @@
 
 #include <immintrin.h>
 
-#include "blas/level3/gemm_pack.hpp"
+#include "blas/gemm/pack.hpp"
 
 #ifdef __AVX__
 

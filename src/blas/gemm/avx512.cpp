@@ -8,9 +8,9 @@
 // accumulators, enough to keep both FMA units busy through their latency. The accumulators hold
 // rows of C; the epilogue transposes them into columns.
 
+#include "blas/gemm/avx_paths.hpp"
+#include "blas/gemm/blocking.hpp"
 #include "blas/kernel.hpp"
-#include "blas/level3/gemm_avx_paths.hpp"
-#include "blas/level3/gemm_blocking.hpp"
 
 #if ZOR_LEVEL == 4
 

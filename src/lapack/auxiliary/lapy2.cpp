@@ -5,7 +5,7 @@
 
 namespace zor {
 
-double dlapy2(const double& x, const double& y) {
+double lapy2(double x, double y) {
     const bool x_nan = std::isnan(x);
     const bool y_nan = std::isnan(y);
     if (x_nan || y_nan) return y_nan ? y : x;

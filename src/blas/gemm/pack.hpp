@@ -8,31 +8,11 @@
 // op(X) = Xᴴ. A is multiplied by alpha while it is packed; B is copied as it is.
 
 #include "blas/kernel.hpp"
+#include "service/element.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
 
 namespace pack_detail {
-
-inline double times(double alpha, double x) {
-    return alpha * x;
-}
-
-inline zcomplex times(const zcomplex& alpha, const zcomplex& x) {
-    return {alpha.re * x.re - alpha.im * x.im, alpha.im * x.re + alpha.re * x.im};
-}
-
-inline double conjugate(double x) {
-    return x;
-}
-
-inline zcomplex conjugate(const zcomplex& x) {
-    return {x.re, -x.im};
-}
-
-template <class T>
-inline T zero() {
-    return T{};
-}
 
 // Packs `count` rows (or columns) of depth `depth` in panels of W; element (i, p) of op(X) is
 // source[i·across + p·depth_step]. A panel with fewer than W rows gets only its rows, unless
@@ -52,8 +32,8 @@ void pack_panels(zint count, zint depth, const T* source, zint across, zint dept
                 T* out = panel + W * p;
                 for (zint r = 0; r < width; ++r) {
                     T x = column[r];
-                    if constexpr (kConjugate) x = conjugate(x);
-                    out[r] = kScale ? times(alpha, x) : x;
+                    if constexpr (kConjugate) x = conj(x);
+                    out[r] = kScale ? alpha * x : x;
                 }
                 for (zint r = width; r < written; ++r) out[r] = zero<T>();
             }
@@ -64,8 +44,8 @@ void pack_panels(zint count, zint depth, const T* source, zint across, zint dept
                 T* out = panel + r;
                 for (zint p = 0; p < depth; ++p) {
                     T x = row[p * depth_step];
-                    if constexpr (kConjugate) x = conjugate(x);
-                    out[W * p] = kScale ? times(alpha, x) : x;
+                    if constexpr (kConjugate) x = conj(x);
+                    out[W * p] = kScale ? alpha * x : x;
                 }
             }
             for (zint r = width; r < written; ++r) {

@@ -3,37 +3,16 @@
 // quick returns, beta, the thresholds, the blocks, one allocation, and the strategy-2 loop nest (B
 // block outermost, A block innermost), everything else through the routine table of the record.
 
+#include "blas/gemm/blocking.hpp"
+#include "blas/gemm/gemm.hpp"
 #include "blas/kernel.hpp"
-#include "blas/level3/gemm.hpp"
-#include "blas/level3/gemm_blocking.hpp"
 #include "service/cpu.hpp"
+#include "service/element.hpp"
 #include "service/handlers.hpp"
+#include "service/letters.hpp"
 #include "service/memory.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
-
-inline bool is_zero(double x) {
-    return x == 0.0;
-}
-inline bool is_zero(const zcomplex& x) {
-    return x.re == 0.0 && x.im == 0.0;
-}
-inline bool is_one(double x) {
-    return x == 1.0;
-}
-inline bool is_one(const zcomplex& x) {
-    return x.re == 1.0 && x.im == 0.0;
-}
-template <class T>
-inline T unit();
-template <>
-inline double unit<double>() {
-    return 1.0;
-}
-template <>
-inline zcomplex unit<zcomplex>() {
-    return {1.0, 0.0};
-}
 
 // What this processor answers to the questions a level's GEMM variants ask.
 inline GemmChoice processor_choice() {
@@ -47,22 +26,18 @@ inline GemmChoice processor_choice() {
     return choice;
 }
 
-inline bool untransposed(char trans) {
-    return trans == 'N' || trans == 'n';
-}
-
 // The packing routine for an operation letter: "N" packs X, "T" Xᵀ, anything else the conjugate
 // transpose, which for real data is the transpose again.
 template <class Pack>
 Pack* pick_pack(char trans, Pack* n, Pack* t, Pack* c) {
-    if (untransposed(trans)) return n;
+    if (lsame(trans, 'N')) return n;
     return (trans == 'T' || trans == 't') ? t : c;
 }
 
 // Where op(X)(i, p) lives.
 template <class T>
 const T* op_address(const T* x, zint ld, char trans, zint i, zint p) {
-    return untransposed(trans) ? x + i + p * ld : x + p + i * ld;
+    return lsame(trans, 'N') ? x + i + p * ld : x + p + i * ld;
 }
 
 template <class T>
@@ -81,7 +56,7 @@ void gemm_table_driven(GemmBlockingParams<T>& params, SmallPath<T>* small, Scale
     if (m <= 0 || n <= 0) return;
     if (!is_one(beta)) scale(m, n, beta, c, ldc);
     if (is_zero(alpha)) return;
-    const T one = unit<T>();
+    const T one = zor::one<T>();
     if (m < params.mr || n < params.nr || k < params.kr || m < params.min_m || n < params.min_n ||
         k < params.min_k) {
         small(transa, transb, m, n, k, alpha, a, lda, b, ldb, one, c, ldc);
@@ -143,7 +118,7 @@ bool gemm_blocked_with_beta(const BetaBlockedGemm<T>& g, const char* routine, co
     T* packed_a =
         reinterpret_cast<T*>((reinterpret_cast<std::uintptr_t>(block) + 4095) & ~std::uintptr_t{4095});
     T* packed_b = packed_a + a_bytes / sizeof(T);
-    const T one = unit<T>();
+    const T one = zor::one<T>();
     for (zint jc = 0; jc < n; jc += g.nc) {
         const zint nb = n - jc < g.nc ? n - jc : g.nc;
         for (zint pc = 0; pc < k; pc += g.kc) {

@@ -1,4 +1,4 @@
-#include "blas/level3/gemm_blocking.hpp"
+#include "blas/gemm/blocking.hpp"
 
 #include "service/cpu.hpp"
 #include "service/memory.hpp"

@@ -2,16 +2,16 @@
 // record of their level; Default and Sse3 the fixed design; Default on an AMD family 10h the
 // alternate driver.
 
+#include "blas/gemm/avx_paths.hpp"
+#include "blas/gemm/blocking.hpp"
+#include "blas/gemm/driver.hpp"
+#include "blas/gemm/gemm.hpp"
+#include "blas/gemm/pack.hpp"
+#include "blas/gemm/pack_avx.hpp"
+#include "blas/gemm/tiles.hpp"
 #include "blas/kernel.hpp"
 #include "blas/level2/level2.hpp"
-#include "blas/level3/gemm.hpp"
-#include "blas/level3/gemm_avx_paths.hpp"
-#include "blas/level3/gemm_blocking.hpp"
-#include "blas/level3/gemm_driver.hpp"
-#include "blas/level3/gemm_pack.hpp"
-#include "blas/level3/gemm_pack_avx.hpp"
-#include "blas/level3/gemm_tiles.hpp"
-#include "blas/level3/gemm_vector_ops.hpp"
+#include "blas/simd.hpp"
 #include "service/cpu.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
@@ -24,8 +24,8 @@ using Pack = GemmOperations<double>::Pack;
 template <int MR, int NR, int RV, int NJ, int KB = 0, bool kWholeSlivers = false>
 void macro_sse(const zint& mb, const zint& nb, const zint& kb, const double* packed_a, const double* packed_b,
                const double* beta, double* c, const zint& ldc) {
-    dgemm_macro_columns<SseOps, MR, NR, RV, NJ, KB, kWholeSlivers>(mb, nb, kb, packed_a, packed_b, *beta, c,
-                                                                   ldc, gemm_a_group_bytes());
+    dgemm_macro_columns<Vec2, MR, NR, RV, NJ, KB, kWholeSlivers>(mb, nb, kb, packed_a, packed_b, *beta, c,
+                                                                 ldc, gemm_a_group_bytes());
 }
 
 // ---- table-driven design ----------------------------------------------------------------------------
@@ -42,8 +42,8 @@ Macro* table_macro_kernel(const GemmChoice& choice, int record_index) {
 #ifdef __AVX__
         return [](const zint& mb, const zint& nb, const zint& kb, const double* packed_a,
                   const double* packed_b, const double* beta, double* c, const zint& ldc) {
-            dgemm_macro_columns<AvxOps, 4, 8, 2, 4>(mb, nb, kb, packed_a, packed_b, *beta, c, ldc,
-                                                    gemm_a_group_bytes());
+            dgemm_macro_columns<Vec4, 4, 8, 2, 4>(mb, nb, kb, packed_a, packed_b, *beta, c, ldc,
+                                                  gemm_a_group_bytes());
         };
 #endif
     } else if constexpr (kLevel == CpuLevel::Sse42) {
@@ -95,9 +95,8 @@ struct FixedKernels {
 
 FixedKernels fixed_kernels(const char& transa, const char& transb, bool whole_slivers) {
     FixedKernels kernels{};
-    kernels.pack_a =
-        untransposed(transa) ? static_cast<Pack*>(&pack_a_n<2>) : static_cast<Pack*>(&pack_a_t<2>);
-    kernels.pack_b = untransposed(transb) ? &pack_b_n<4, double> : &pack_b_t<4, double>;
+    kernels.pack_a = lsame(transa, 'N') ? static_cast<Pack*>(&pack_a_n<2>) : static_cast<Pack*>(&pack_a_t<2>);
+    kernels.pack_b = lsame(transb, 'N') ? &pack_b_n<4, double> : &pack_b_t<4, double>;
     if (whole_slivers) {
         kernels.full_depth = &macro_sse<2, 4, 2, 4, kFixedDepth, true>;
         kernels.any_depth = &macro_sse<2, 4, 2, 4, 0, true>;
@@ -113,10 +112,10 @@ FixedKernels fixed_kernels(const char& transa, const char& transb, bool whole_sl
 void remaining_columns(const char& transa, const char& transb, zint first, const zint& m, const zint& n,
                        const zint& k, const double& alpha, const double* a, const zint& lda, const double* b,
                        const zint& ldb, const double& beta, double* c, const zint& ldc) {
-    const bool plain = untransposed(transa);
+    const bool plain = lsame(transa, 'N');
     const zint rows = plain ? m : k, cols = plain ? k : m;
     // Column j of op(B) is column j of B, or row j of B read across.
-    const zint step = untransposed(transb) ? 1 : ldb;
+    const zint step = lsame(transb, 'N') ? 1 : ldb;
     const zint unit = 1;
     for (zint j = first; j < n; ++j) {
         dgemv(transa, rows, cols, alpha, a, lda, op_address(b, ldb, transb, 0, j), step, beta, c + j * ldc,
@@ -259,8 +258,8 @@ void dgemm_family10h(const char& transa, const char& transb, const zint& m, cons
             192,
             2048,
             256,
-            untransposed(transa) ? static_cast<Pack*>(&pack_a_n<4>) : static_cast<Pack*>(&pack_a_t<4>),
-            untransposed(transb) ? &pack_b_n<2, double> : &pack_b_t<2, double>,
+            lsame(transa, 'N') ? static_cast<Pack*>(&pack_a_n<4>) : static_cast<Pack*>(&pack_a_t<4>),
+            lsame(transb, 'N') ? &pack_b_n<2, double> : &pack_b_t<2, double>,
             &macro_sse<4, 2, 4, 2>};
         if (gemm_blocked_with_beta(g, "xdgemm", transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc))
             return;
