@@ -1,6 +1,7 @@
 #include "blas/gemm/blocking.hpp"
 
 #include "service/cpu.hpp"
+#include "service/letters.hpp"
 #include "service/memory.hpp"
 
 namespace zor {
@@ -336,7 +337,7 @@ FixedGemmAreas carve_default_gemm(std::uintptr_t s, const DefaultGemmBlocks& blo
 
 Sse3GemmBlocks sse3_gemm_blocks(char transb, zint m, zint n, zint k) {
     Sse3GemmBlocks blocks{};
-    const bool b_untransposed = transb == 'N' || transb == 'n';
+    const bool b_untransposed = lsame(transb, 'N');
     if (!b_untransposed || m + n + k > 384) {
         blocks.mode = (m % 4 == 0 && n % 4 == 0) ? Sse3GemmMode::FullAligned : Sse3GemmMode::Full;
     } else {

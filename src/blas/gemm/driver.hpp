@@ -31,7 +31,7 @@ inline GemmChoice processor_choice() {
 template <class Pack>
 Pack* pick_pack(char trans, Pack* n, Pack* t, Pack* c) {
     if (lsame(trans, 'N')) return n;
-    return (trans == 'T' || trans == 't') ? t : c;
+    return lsame(trans, 'T') ? t : c;
 }
 
 // Where op(X)(i, p) lives.
