@@ -163,30 +163,17 @@ void other_handler(const char*, const void*, int) {
     g_reported = "other";
 }
 
+// The allocation check reports through the handler the first registration put in the slot.
 TEST(HandlerSlots, FirstErrorHandlerRegistrationWins) {
     EXPECT_EXIT(
         {
-            if (!register_error_handler(&recording_handler)) std::exit(1);
-            if (register_error_handler(&other_handler)) std::exit(2);
+            if (!register_error_handler(&recording_handler) || register_error_handler(&other_handler))
+                std::exit(1);
             register_default_handlers();
-            if (error_handler() != &recording_handler) std::exit(3);
-            if (check_allocation(nullptr, "DGESV") != 1) std::exit(4);
-            if (g_reported != "DGESV:1089") std::exit(5);
-            if (check_allocation(&g_reported, "DGESV") != 0) std::exit(6);
-            std::exit(0);
+            if (check_allocation(nullptr, "DGESV") != 1 || g_reported != "DGESV:1089") std::exit(2);
+            std::exit(check_allocation(&g_reported, "DGESV"));
         },
         ::testing::ExitedWithCode(0), "");
-}
-
-TEST(HandlerSlots, AllocationFailureWithDefaultsPrintsMessage1089) {
-    const std::string out = test::child_output(
-        test::fresh_directory("alloc-failure"),
-        [] {
-            register_default_handlers();
-            std::exit(check_allocation(nullptr, "ZGETRI"));
-        },
-        1);
-    EXPECT_EQ(out, "\nZOR INTERNAL ERROR: Not enough work memory in function ZGETRI\n");
 }
 
 int stop_at_step(const std::int32_t* thread, const std::int32_t* step, const char* stage, int stage_length) {
