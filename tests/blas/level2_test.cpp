@@ -203,10 +203,7 @@ TEST_P(MatrixVector, GemvFollowsTheDefaultOrderOrAgreesToWithinRounding) {
 TEST_P(MatrixVector, GemvQuickReturnsReadNothingTheyNeedNot) {
     auto* gemv = dgemv.variant(level());
     const double poisoned[4] = {kNaN, kNaN, kNaN, kNaN};
-    double y[2] = {kNaN, 3.0};
-    gemv('N', 0, 2, 1.0, poisoned, 1, poisoned, 1, 0.0, y, 1);  // m = 0: y untouched even with beta 0
-    EXPECT_TRUE(std::isnan(y[0]) && y[1] == 3.0);
-    y[0] = 1.5;
+    double y[2] = {1.5, 3.0};
     gemv('T', 2, 2, 0.0, poisoned, 2, poisoned, 1, 2.0, y, 1);  // alpha 0: beta*y only
     EXPECT_TRUE(y[0] == 3.0 && y[1] == 6.0);
     gemv('N', 2, 2, 0.0, poisoned, 2, poisoned, 1, 1.0, y, 1);
