@@ -11,12 +11,7 @@
 #include "lapack/factor_support.hpp"
 #include "lapack/lu/lu.hpp"
 #include "lapack/tuning/tuning.hpp"
-#include "service/handlers.hpp"
-#include "service/memory.hpp"
-#include "support/counting_allocator.hpp"
-#include "support/process.hpp"
 #include "support/variants.hpp"
-#include "zor/zor_lapack.h"
 
 namespace zor::test {
 namespace {
@@ -576,27 +571,6 @@ void progress_child() {
 
 TEST(LuProgress, ReportsEachLeafAndStopsAtOnceWhenAsked) {
     EXPECT_EXIT(progress_child(), ::testing::ExitedWithCode(0), "");
-}
-
-// The export's frame: no memory for the 64-bit pivots gives message 1089 and info -1023, nothing
-// computed.
-void dgesv_without_memory() {
-    free_all_buffers();
-    AllocatorScope allocator;
-    AllocatorScope::fail_next(2);  // the thread's record, then the plain path
-    double a[4] = {4, 6, 3, 3};
-    double b[2] = {10, 12};
-    zor_int ipiv[2] = {0, 0};
-    const zor_int n = 2;
-    const zor_int one = 1;
-    zor_int info = 0;
-    ::dgesv(&n, &one, a, &n, ipiv, b, &n, &info);
-    std::exit(info == -1023 && b[0] == 10.0 && a[0] == 4.0 ? 0 : 1);
-}
-
-TEST(LuExportFrame, NoMemoryForThePivotsReports1089) {
-    EXPECT_EQ(child_output(fresh_directory("dgesv-no-memory"), dgesv_without_memory),
-              "\nZOR INTERNAL ERROR: Not enough work memory in function DGESV\n");
 }
 
 }  // namespace
