@@ -6,6 +6,7 @@
 
 #include "lapack/auxiliary/auxiliary.hpp"
 #include "lapack/condensed/bidiagonal.hpp"
+#include "lapack/condensed/bidiagonal_support.hpp"
 #include "lapack/lapack.hpp"
 
 namespace zor {
@@ -45,11 +46,9 @@ void bdsdc(char uplo, char compq, zint n, double* d, double* e, double* u, zint 
         d[0] = std::fabs(d[0]);
         return;
     }
-    for (zint i = 0; i < n; ++i) {
-        if (!std::isfinite(d[i]) || (i + 1 < n && !std::isfinite(e[i]))) {
-            info = 1;
-            return;
-        }
+    if (bidiagonal::has_nonfinite(n, d, e)) {
+        info = 1;
+        return;
     }
     const zint nm1 = n - 1;
 
@@ -57,17 +56,12 @@ void bdsdc(char uplo, char compq, zint n, double* d, double* e, double* u, zint 
     double* rest = work;
     if (lower) {
         if (vectors) rest = work + 2 * nm1;
-        for (zint i = 0; i < nm1; ++i) {
-            double cs, sn, r;
-            lartg(d[i], e[i], cs, sn, r);
-            d[i] = r;
-            e[i] = sn * d[i + 1];
-            d[i + 1] *= cs;
+        bidiagonal::chase(nm1, d, e, [&](zint i, double cs, double sn) {
             if (vectors) {
                 work[i] = cs;
                 work[nm1 + i] = -sn;
             }
-        }
+        });
     }
 
     if (values_only) {

@@ -6,6 +6,7 @@
 
 #include "lapack/auxiliary/auxiliary.hpp"
 #include "lapack/condensed/bidiagonal.hpp"
+#include "lapack/condensed/bidiagonal_support.hpp"
 #include "lapack/lapack.hpp"
 
 namespace zor {
@@ -187,11 +188,9 @@ void bdsqr(char uplo, zint n, zint ncvt, zint nru, zint ncc, double* d, double* 
         return;
     }
     // NaN or infinity would keep every convergence test false: refuse before iterating.
-    for (zint i = 0; i < n; ++i) {
-        if (!std::isfinite(d[i]) || (i + 1 < n && !std::isfinite(e[i]))) {
-            info = n - 1;
-            return;
-        }
+    if (bidiagonal::has_nonfinite(n, d, e)) {
+        info = n - 1;
+        return;
     }
 
     const zint nm1 = n - 1;
@@ -215,15 +214,10 @@ void bdsqr(char uplo, zint n, zint ncvt, zint nru, zint ncc, double* d, double* 
     };
     // A lower bidiagonal matrix is made upper by rotations from the left, applied to U and C.
     if (lower) {
-        for (zint i = 0; i < nm1; ++i) {
-            double cs, sn, r;
-            lartg(d[i], e[i], cs, sn, r);
-            d[i] = r;
-            e[i] = sn * d[i + 1];
-            d[i + 1] *= cs;
+        bidiagonal::chase(nm1, d, e, [&](zint i, double cs, double sn) {
             work[i] = cs;
             work[nm1 + i] = sn;
-        }
+        });
         if (nru > 0) lasr('R', 'V', 'F', nru, n, work, work + nm1, u, ldu);
         if (ncc > 0) lasr('L', 'V', 'F', n, ncc, work, work + nm1, c, ldc);
     }

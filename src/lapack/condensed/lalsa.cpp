@@ -2,6 +2,7 @@
 
 #include "lapack/auxiliary/auxiliary.hpp"
 #include "lapack/condensed/bidiagonal.hpp"
+#include "lapack/condensed/bidiagonal_support.hpp"
 #include "lapack/lapack.hpp"
 
 namespace zor {
@@ -23,45 +24,35 @@ void lalsa(zint icompq, zint smlsiz, zint n, zint nrhs, double* b, zint ldb, dou
                                       {ldu < n, 10},
                                       {ldgcol < n, 19}});
     if (info != 0) return;
-    zint* inode = iwork;
-    zint* ndiml = inode + n;
-    zint* ndimr = ndiml + n;
-    zint levels = 0, nodes = 0;
-    lasdt(n, levels, nodes, inode, ndiml, ndimr, smlsiz);
+    const bidiagonal::Tree tree(n, smlsiz, iwork);
 
     // Node i's merge: the arrays of its level at its rows, and its scalars at position j.
     const auto merge = [&](zint i, zint level, zint j, zint sqre, double* from, zint ldfrom, double* to,
                            zint ldto) {
-        const zint ic = inode[i - 1], nl = ndiml[i - 1], nr = ndimr[i - 1];
-        const zint row = ic - nl - 1, lvl2 = 2 * level - 1;
-        lals0(icompq, nl, nr, sqre, nrhs, from + row, ldfrom, to + row, ldto,
+        const zint row = tree.first_row(i) - 1, lvl2 = 2 * level - 1;
+        lals0(icompq, tree.left(i), tree.right(i), sqre, nrhs, from + row, ldfrom, to + row, ldto,
               perm + row + (level - 1) * ldgcol, givptr[j - 1], givcol + row + (lvl2 - 1) * ldgcol, ldgcol,
               givnum + row + (lvl2 - 1) * ldu, ldu, poles + row + (lvl2 - 1) * ldu,
               difl + row + (level - 1) * ldu, difr + row + (lvl2 - 1) * ldu, z + row + (level - 1) * ldu,
               k[j - 1], c[j - 1], s[j - 1], work, info);
     };
-    const auto level_nodes = [](zint level, zint& first, zint& last) {
-        first = level == 1 ? 1 : zint{1} << (level - 1);
-        last = level == 1 ? 1 : 2 * first - 1;
-    };
 
     if (icompq == 0) {
-        for (zint i = (nodes + 1) / 2; i <= nodes; ++i) {
-            const zint ic = inode[i - 1], nl = ndiml[i - 1], nr = ndimr[i - 1];
-            const zint nlf = ic - nl - 1, nrf = ic;
+        for (zint i = tree.first_leaf(); i <= tree.nodes; ++i) {
+            const zint nl = tree.left(i), nr = tree.right(i);
+            const zint nlf = tree.first_row(i) - 1, nrf = tree.centre(i);
             dgemm('T', 'N', nl, nrhs, nl, 1.0, u + nlf, ldu, b + nlf, ldb, 0.0, bx + nlf, ldbx);
             dgemm('T', 'N', nr, nrhs, nr, 1.0, u + nrf, ldu, b + nrf, ldb, 0.0, bx + nrf, ldbx);
         }
         // The centre rows of the nodes are not touched by the leaves.
-        for (zint i = 1; i <= nodes; ++i) {
-            const zint ic = inode[i - 1];
+        for (zint i = 1; i <= tree.nodes; ++i) {
+            const zint ic = tree.centre(i);
             dcopy(nrhs, b + ic - 1, ldb, bx + ic - 1, ldbx);
         }
-        zint j = zint{1} << levels;
-        for (zint level = levels; level >= 1; --level) {
-            zint first, last;
-            level_nodes(level, first, last);
-            for (zint i = first; i <= last; ++i) {
+        zint j = zint{1} << tree.levels;
+        for (zint level = tree.levels; level >= 1; --level) {
+            for (zint i = bidiagonal::Tree::level_first(level); i <= bidiagonal::Tree::level_last(level);
+                 ++i) {
                 --j;
                 merge(i, level, j, 0, bx, ldbx, b, ldb);
             }
@@ -70,18 +61,16 @@ void lalsa(zint icompq, zint smlsiz, zint n, zint nrhs, double* b, zint ldb, dou
     }
 
     zint j = 0;
-    for (zint level = 1; level <= levels; ++level) {
-        zint first, last;
-        level_nodes(level, first, last);
-        for (zint i = last; i >= first; --i) {
+    for (zint level = 1; level <= tree.levels; ++level) {
+        const zint last = bidiagonal::Tree::level_last(level);
+        for (zint i = last; i >= bidiagonal::Tree::level_first(level); --i) {
             ++j;
             merge(i, level, j, i == last ? 0 : 1, b, ldb, bx, ldbx);
         }
     }
-    for (zint i = (nodes + 1) / 2; i <= nodes; ++i) {
-        const zint ic = inode[i - 1], nl = ndiml[i - 1], nr = ndimr[i - 1];
-        const zint nlf = ic - nl - 1, nrf = ic;
-        const zint left = nl + 1, right = i == nodes ? nr : nr + 1;
+    for (zint i = tree.first_leaf(); i <= tree.nodes; ++i) {
+        const zint nlf = tree.first_row(i) - 1, nrf = tree.centre(i);
+        const zint left = tree.left(i) + 1, right = i == tree.nodes ? tree.right(i) : tree.right(i) + 1;
         dgemm('T', 'N', left, nrhs, left, 1.0, vt + nlf, ldu, b + nlf, ldb, 0.0, bx + nlf, ldbx);
         dgemm('T', 'N', right, nrhs, right, 1.0, vt + nrf, ldu, b + nrf, ldb, 0.0, bx + nrf, ldbx);
     }

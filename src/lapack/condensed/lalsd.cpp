@@ -6,6 +6,7 @@
 
 #include "lapack/auxiliary/auxiliary.hpp"
 #include "lapack/condensed/bidiagonal.hpp"
+#include "lapack/condensed/bidiagonal_support.hpp"
 #include "lapack/lapack.hpp"
 
 namespace zor {
@@ -72,11 +73,9 @@ void lalsd(char uplo, zint smlsiz, zint n, zint nrhs, double* d, double* e, doub
     rank = 0;
     if (n == 0) return;
     // NaN or infinity: nothing can converge; reported as a failure on the whole matrix.
-    for (zint i = 0; i < n; ++i) {
-        if (!std::isfinite(d[i]) || (i + 1 < n && !std::isfinite(e[i]))) {
-            info = (n + 1) + n;
-            return;
-        }
+    if (bidiagonal::has_nonfinite(n, d, e)) {
+        info = (n + 1) + n;
+        return;
     }
     zint ignored = 0;
     if (n == 1) {
@@ -92,19 +91,14 @@ void lalsd(char uplo, zint smlsiz, zint n, zint nrhs, double* d, double* e, doub
 
     // A lower bidiagonal matrix is made upper by rotations from the left, applied to B.
     if (lsame(uplo, 'L')) {
-        for (zint i = 0; i + 1 < n; ++i) {
-            double cs, sn, r;
-            lartg(d[i], e[i], cs, sn, r);
-            d[i] = r;
-            e[i] = sn * d[i + 1];
-            d[i + 1] *= cs;
+        bidiagonal::chase(n - 1, d, e, [&](zint i, double cs, double sn) {
             if (nrhs == 1) {
                 drot(1, b + i, 1, b + i + 1, 1, cs, sn);
             } else {
                 work[2 * i] = cs;
                 work[2 * i + 1] = sn;
             }
-        }
+        });
         if (nrhs > 1) {
             for (zint j = 0; j < nrhs; ++j) {
                 for (zint i = 0; i + 1 < n; ++i)
@@ -148,24 +142,29 @@ void lalsd(char uplo, zint smlsiz, zint n, zint nrhs, double* d, double* e, doub
     }
 
     const LalsdLayout at(n, nrhs, smlsiz);
-    double* u = work + at.u;
     double* vt = work + at.vt;
-    double* difl = work + at.difl;
-    double* difr = work + at.difr;
-    double* z = work + at.z;
-    double* c = work + at.c;
-    double* s = work + at.s;
-    double* poles = work + at.poles;
-    double* givnum = work + at.givnum;
     double* bx = work + at.bx;
     double* rest = work + at.rest;
     zint* starts = iwork;
     zint* sizes = iwork + at.sizes;
-    zint* k = iwork + at.k;
-    zint* givptr = iwork + at.givptr;
-    zint* perm = iwork + at.perm;
-    zint* givcol = iwork + at.givcol;
     zint* iwk = iwork + at.iwk;
+    // The compact form of the piece starting at row `first`, in lasda's layout (leading
+    // dimension n): computed by lasda, applied by lalsa.
+    const auto factor = [&](zint first, zint size) {
+        const auto w = [&](zint offset) { return work + offset + first; };
+        const auto iw = [&](zint offset) { return iwork + offset + first; };
+        lasda(1, smlsiz, size, 0, d + first, e + first, w(at.u), n, w(at.vt), iw(at.k), w(at.difl),
+              w(at.difr), w(at.z), w(at.poles), iw(at.givptr), iw(at.givcol), n, iw(at.perm), w(at.givnum),
+              w(at.c), w(at.s), rest, iwk, info);
+    };
+    const auto apply = [&](zint icompq, zint first, zint size, double* from, zint ldfrom, double* to,
+                           zint ldto) {
+        const auto w = [&](zint offset) { return work + offset + first; };
+        const auto iw = [&](zint offset) { return iwork + offset + first; };
+        lalsa(icompq, smlsiz, size, nrhs, from, ldfrom, to, ldto, w(at.u), n, w(at.vt), iw(at.k), w(at.difl),
+              w(at.difr), w(at.z), w(at.poles), iw(at.givptr), iw(at.givcol), n, iw(at.perm), w(at.givnum),
+              w(at.c), w(at.s), rest, iwk, info);
+    };
 
     // Values below eps are raised to it (they would otherwise make the merges' deflation and
     // divisions degenerate); the rank decision comes later from rcond.
@@ -203,14 +202,8 @@ void lalsd(char uplo, zint smlsiz, zint n, zint nrhs, double* d, double* e, doub
             }
             lacpy<double>('A', size, nrhs, b + start, ldb, bx + start, n);
         } else {
-            lasda(1, smlsiz, size, 0, d + start, e + start, u + start, n, vt + start, k + start, difl + start,
-                  difr + start, z + start, poles + start, givptr + start, givcol + start, n, perm + start,
-                  givnum + start, c + start, s + start, rest, iwk, info);
-            if (info == 0) {
-                lalsa(0, smlsiz, size, nrhs, b + start, ldb, bx + start, n, u + start, n, vt + start,
-                      k + start, difl + start, difr + start, z + start, poles + start, givptr + start,
-                      givcol + start, n, perm + start, givnum + start, c + start, s + start, rest, iwk, info);
-            }
+            factor(start, size);
+            if (info == 0) apply(0, start, size, b + start, ldb, bx + start, n);
             if (info != 0) {
                 info = (start + 1) * (n + 1) + start + size;
                 return;
@@ -239,9 +232,7 @@ void lalsd(char uplo, zint smlsiz, zint n, zint nrhs, double* d, double* e, doub
         } else if (size <= smlsiz) {
             dgemm('T', 'N', size, nrhs, size, 1.0, vt + first, n, bx + first, n, 0.0, b + first, ldb);
         } else {
-            lalsa(1, smlsiz, size, nrhs, bx + first, n, b + first, ldb, u + first, n, vt + first, k + first,
-                  difl + first, difr + first, z + first, poles + first, givptr + first, givcol + first, n,
-                  perm + first, givnum + first, c + first, s + first, rest, iwk, info);
+            apply(1, first, size, bx + first, n, b + first, ldb);
             if (info != 0) {
                 info = (first + 1) * (n + 1) + first + size;
                 return;

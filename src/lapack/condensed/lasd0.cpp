@@ -2,6 +2,7 @@
 
 #include "lapack/auxiliary/auxiliary.hpp"
 #include "lapack/condensed/bidiagonal.hpp"
+#include "lapack/condensed/bidiagonal_support.hpp"
 #include "lapack/lapack.hpp"
 
 namespace zor {
@@ -18,39 +19,32 @@ void lasd0(zint n, zint sqre, double* d, double* e, double* u, zint ldu, double*
         lasdq('U', sqre, n, m, n, 0, d, e, vt, ldvt, u, ldu, u, ldu, work, info);
         return;
     }
-    zint* inode = iwork;
-    zint* ndiml = inode + n;
-    zint* ndimr = ndiml + n;
-    zint* idxq = ndimr + n;
+    const bidiagonal::Tree tree(n, smlsiz, iwork);
+    zint* idxq = iwork + 3 * n;
     zint* iwk = idxq + n;
-    zint levels = 0, nodes = 0;
-    lasdt(n, levels, nodes, inode, ndiml, ndimr, smlsiz);
 
+    // A leaf of `rows` rows from row `first` (one-based), with sqrei extra columns; idxq sorts its
+    // ascending values as they are.
     const auto block = [&](double* a, zint ld, zint first) { return a + (first - 1) + (first - 1) * ld; };
-    for (zint i = (nodes + 1) / 2; i <= nodes; ++i) {
-        const zint ic = inode[i - 1], nl = ndiml[i - 1], nr = ndimr[i - 1];
-        const zint nlf = ic - nl, nrf = ic + 1;
-        lasdq('U', 1, nl, nl + 1, nl, 0, d + nlf - 1, e + nlf - 1, block(vt, ldvt, nlf), ldvt,
-              block(u, ldu, nlf), ldu, block(u, ldu, nlf), ldu, work, info);
-        if (info != 0) return;
-        for (zint j = 1; j <= nl; ++j) idxq[nlf - 2 + j] = j;
-        const zint sqrei = i == nodes ? sqre : 1;
-        lasdq('U', sqrei, nr, nr + sqrei, nr, 0, d + nrf - 1, e + nrf - 1, block(vt, ldvt, nrf), ldvt,
-              block(u, ldu, nrf), ldu, block(u, ldu, nrf), ldu, work, info);
-        if (info != 0) return;
-        for (zint j = 1; j <= nr; ++j) idxq[ic - 1 + j] = j;
+    const auto leaf = [&](zint first, zint rows, zint sqrei) {
+        lasdq('U', sqrei, rows, rows + sqrei, rows, 0, d + first - 1, e + first - 1, block(vt, ldvt, first),
+              ldvt, block(u, ldu, first), ldu, block(u, ldu, first), ldu, work, info);
+        for (zint j = 1; j <= rows; ++j) idxq[first - 2 + j] = j;
+        return info == 0;
+    };
+    for (zint i = tree.first_leaf(); i <= tree.nodes; ++i) {
+        if (!leaf(tree.first_row(i), tree.left(i), 1)) return;
+        if (!leaf(tree.centre(i) + 1, tree.right(i), i == tree.nodes ? sqre : 1)) return;
     }
 
-    for (zint level = levels; level >= 1; --level) {
-        const zint first = level == 1 ? 1 : zint{1} << (level - 1);
-        const zint last = level == 1 ? 1 : 2 * first - 1;
-        for (zint i = first; i <= last; ++i) {
-            const zint ic = inode[i - 1], nl = ndiml[i - 1], nr = ndimr[i - 1];
-            const zint nlf = ic - nl;
+    for (zint level = tree.levels; level >= 1; --level) {
+        const zint last = bidiagonal::Tree::level_last(level);
+        for (zint i = bidiagonal::Tree::level_first(level); i <= last; ++i) {
+            const zint ic = tree.centre(i), nlf = tree.first_row(i);
             const zint sqrei = (sqre == 0 && i == last) ? sqre : 1;
             double alpha = d[ic - 1], beta = e[ic - 1];
-            lasd1(nl, nr, sqrei, d + nlf - 1, alpha, beta, block(u, ldu, nlf), ldu, block(vt, ldvt, nlf),
-                  ldvt, idxq + nlf - 1, iwk, work, info);
+            lasd1(tree.left(i), tree.right(i), sqrei, d + nlf - 1, alpha, beta, block(u, ldu, nlf), ldu,
+                  block(vt, ldvt, nlf), ldvt, idxq + nlf - 1, iwk, work, info);
             if (info != 0) return;
         }
     }

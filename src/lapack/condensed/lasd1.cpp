@@ -5,6 +5,7 @@
 
 #include "lapack/auxiliary/auxiliary.hpp"
 #include "lapack/condensed/bidiagonal.hpp"
+#include "lapack/condensed/bidiagonal_support.hpp"
 #include "lapack/lapack.hpp"
 
 namespace zor {
@@ -29,14 +30,8 @@ void lasd1(zint nl, zint nr, zint sqre, double* d, double& alpha, double& beta, 
     zint* idxp = coltyp + n;
 
     // The merge works on values of order one: scale by the largest of them.
-    double scale = std::max(std::fabs(alpha), std::fabs(beta));
-    d[nl] = 0.0;
-    for (zint i = 0; i < n; ++i) scale = std::max(scale, std::fabs(d[i]));
-    if (scale == 0.0) scale = 1.0;
+    const double scale = bidiagonal::scale_merge(n, nl, d, alpha, beta);
     zint ignored = 0;
-    lascl<double>('G', 0, 0, scale, 1.0, n, 1, d, n, ignored);
-    alpha /= scale;
-    beta /= scale;
 
     zint k = 0;
     lasd2(nl, nr, sqre, k, d, z, alpha, beta, u, ldu, vt, ldvt, dsigma, u2, ldu2, vt2, ldvt2, idxp, idx, idxc,

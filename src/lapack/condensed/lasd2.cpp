@@ -5,6 +5,7 @@
 
 #include "lapack/auxiliary/auxiliary.hpp"
 #include "lapack/condensed/bidiagonal.hpp"
+#include "lapack/condensed/bidiagonal_support.hpp"
 #include "lapack/lapack.hpp"
 
 namespace zor {
@@ -28,7 +29,7 @@ void lasd2(zint nl, zint nr, zint sqre, zint& k, double* d, double* z, double al
                                       {nr < 1, 2},
                                       {sqre != 1 && sqre != 0, 3}});
     if (info != 0) return;
-    const auto at = [](double* a, zint ld, zint i, zint j) -> double& { return a[(i - 1) + (j - 1) * ld]; };
+    const auto at = bidiagonal::element;
     const zint nlp1 = nl + 1, nlp2 = nl + 2;
 
     // The first part of z from the last row of the left block's VT; the left values move down one
@@ -67,53 +68,21 @@ void lasd2(zint nl, zint nr, zint sqre, zint& k, double* d, double* z, double al
         return col <= nlp1 ? col - 1 : col;
     };
 
-    // Kept values are counted up from position 1 (k), deflated ones down from n (k2).
-    k = 1;
-    zint k2 = n + 1;
-    zint jprev = 0;
-    for (zint j = 2; j <= n; ++j) {
-        if (std::fabs(z[j - 1]) <= tol) {
-            --k2;
-            idxp[k2 - 1] = j;
-            coltyp[j - 1] = 4;
-        } else {
-            jprev = j;
-            break;
-        }
-    }
-    if (jprev != 0) {
-        for (zint j = jprev + 1; j <= n; ++j) {
-            if (std::fabs(z[j - 1]) <= tol) {
-                --k2;
-                idxp[k2 - 1] = j;
-                coltyp[j - 1] = 4;
-            } else if (std::fabs(d[j - 1] - d[jprev - 1]) <= tol) {
-                // Equal values: rotate jprev's z component into j's.
-                const double tau = lapy2(z[j - 1], z[jprev - 1]);
-                const double c = z[j - 1] / tau, s = -z[jprev - 1] / tau;
-                z[j - 1] = tau;
-                z[jprev - 1] = 0.0;
-                const zint colp = source(jprev), col = source(j);
-                drot(n, &at(u, ldu, 1, colp), 1, &at(u, ldu, 1, col), 1, c, s);
-                drot(m, &at(vt, ldvt, colp, 1), ldvt, &at(vt, ldvt, col, 1), ldvt, c, s);
-                if (coltyp[j - 1] != coltyp[jprev - 1]) coltyp[j - 1] = 3;
-                coltyp[jprev - 1] = 4;
-                --k2;
-                idxp[k2 - 1] = jprev;
-                jprev = j;
-            } else {
-                ++k;
-                u2[k - 1] = z[jprev - 1];
-                dsigma[k - 1] = d[jprev - 1];
-                idxp[k - 1] = jprev;
-                jprev = j;
-            }
-        }
-        ++k;
-        u2[k - 1] = z[jprev - 1];
-        dsigma[k - 1] = d[jprev - 1];
-        idxp[k - 1] = jprev;
-    }
+    // Deflation: a rotation of equal values acts on U's columns and VT's rows and makes the kept
+    // column dense when the two were of different types.
+    bidiagonal::deflate(
+        n, d, z, tol, idxp, k, [&](zint j) { coltyp[j - 1] = 4; },
+        [&](zint jprev, zint j, double c, double s) {
+            const zint colp = source(jprev), col = source(j);
+            drot(n, &at(u, ldu, 1, colp), 1, &at(u, ldu, 1, col), 1, c, s);
+            drot(m, &at(vt, ldvt, colp, 1), ldvt, &at(vt, ldvt, col, 1), ldvt, c, s);
+            if (coltyp[j - 1] != coltyp[jprev - 1]) coltyp[j - 1] = 3;
+            coltyp[jprev - 1] = 4;
+        },
+        [&](zint kept, zint jprev) {
+            u2[kept - 1] = z[jprev - 1];
+            dsigma[kept - 1] = d[jprev - 1];
+        });
 
     // Group the columns by type (positions 2.. in idxc), then gather values and vectors in that
     // order: the kept ones first, the deflated ones last.

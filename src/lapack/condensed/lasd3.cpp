@@ -4,6 +4,7 @@
 
 #include "lapack/auxiliary/auxiliary.hpp"
 #include "lapack/condensed/bidiagonal.hpp"
+#include "lapack/condensed/bidiagonal_support.hpp"
 #include "lapack/lapack.hpp"
 
 namespace zor {
@@ -18,6 +19,8 @@ void lasd3(zint nl, zint nr, zint sqre, zint k, double* d, double* q, zint ldq, 
            zint ldu, double* u2, zint ldu2, double* vt, zint ldvt, double* vt2, zint ldvt2, const zint* idxc,
            const zint* ctot, double* z, zint& info) {
     const zint n = nl + nr + 1, m = n + sqre;
+    const zint nlp1 = nl + 1, nlp2 = nl + 2;
+    const auto at = bidiagonal::element;
     info = check_arguments("DLASD3", {{k < 1 || k > n, 4},
                                       {ldq < k, 7},
                                       {ldu < n, 10},
@@ -28,8 +31,6 @@ void lasd3(zint nl, zint nr, zint sqre, zint k, double* d, double* q, zint ldq, 
                                       {nr < 1, 2},
                                       {sqre != 1 && sqre != 0, 3}});
     if (info != 0) return;
-    const auto at = [](double* a, zint ld, zint i, zint j) -> double& { return a[(i - 1) + (j - 1) * ld]; };
-    const zint nlp1 = nl + 1, nlp2 = nl + 2;
 
     if (k == 1) {
         d[0] = std::fabs(z[0]);

@@ -5,6 +5,7 @@
 
 #include "lapack/auxiliary/auxiliary.hpp"
 #include "lapack/condensed/bidiagonal.hpp"
+#include "lapack/condensed/bidiagonal_support.hpp"
 #include "lapack/lapack.hpp"
 
 namespace zor {
@@ -29,14 +30,8 @@ void lasd6(zint icompq, zint nl, zint nr, zint sqre, double* d, double* vf, doub
     zint* idx = iwork;
     zint* idxp = idx + 2 * n;
 
-    double scale = std::max(std::fabs(alpha), std::fabs(beta));
-    d[nl] = 0.0;
-    for (zint i = 0; i < n; ++i) scale = std::max(scale, std::fabs(d[i]));
-    if (scale == 0.0) scale = 1.0;
+    const double scale = bidiagonal::scale_merge(n, nl, d, alpha, beta);
     zint ignored = 0;
-    lascl<double>('G', 0, 0, scale, 1.0, n, 1, d, n, ignored);
-    alpha /= scale;
-    beta /= scale;
 
     lasd7(icompq, nl, nr, sqre, k, d, z, zw, vf, vfw, vl, vlw, alpha, beta, dsigma, idx, idxp, idxq, perm,
           givptr, givcol, ldgcol, givnum, ldgnum, c, s, info);

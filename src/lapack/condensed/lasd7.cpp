@@ -5,6 +5,7 @@
 
 #include "lapack/auxiliary/auxiliary.hpp"
 #include "lapack/condensed/bidiagonal.hpp"
+#include "lapack/condensed/bidiagonal_support.hpp"
 #include "lapack/lapack.hpp"
 
 namespace zor {
@@ -71,54 +72,24 @@ void lasd7(zint icompq, zint nl, zint nr, zint sqre, zint& k, double* d, double*
         return row <= nlp1 ? row - 1 : row;
     };
 
-    k = 1;
-    zint k2 = n + 1;
-    zint jprev = 0;
-    for (zint j = 2; j <= n; ++j) {
-        if (std::fabs(z[j - 1]) <= tol) {
-            --k2;
-            idxp[k2 - 1] = j;
-        } else {
-            jprev = j;
-            break;
-        }
-    }
-    if (jprev != 0) {
-        for (zint j = jprev + 1; j <= n; ++j) {
-            if (std::fabs(z[j - 1]) <= tol) {
-                --k2;
-                idxp[k2 - 1] = j;
-            } else if (std::fabs(d[j - 1] - d[jprev - 1]) <= tol) {
-                // Equal values: rotate jprev's z component into j's and record the rotation.
-                const double tau = lapy2(z[j - 1], z[jprev - 1]);
-                const double cj = z[j - 1] / tau, sj = -z[jprev - 1] / tau;
-                z[j - 1] = tau;
-                z[jprev - 1] = 0.0;
-                if (icompq == 1) {
-                    ++givptr;
-                    givcol[(givptr - 1) + ldgcol] = source(jprev);
-                    givcol[givptr - 1] = source(j);
-                    givnum[(givptr - 1) + ldgnum] = cj;
-                    givnum[givptr - 1] = sj;
-                }
-                drot(1, vf + jprev - 1, 1, vf + j - 1, 1, cj, sj);
-                drot(1, vl + jprev - 1, 1, vl + j - 1, 1, cj, sj);
-                --k2;
-                idxp[k2 - 1] = jprev;
-                jprev = j;
-            } else {
-                ++k;
-                zw[k - 1] = z[jprev - 1];
-                dsigma[k - 1] = d[jprev - 1];
-                idxp[k - 1] = jprev;
-                jprev = j;
+    // Deflation: a rotation of equal values is recorded for lals0 and applied to vf and vl.
+    bidiagonal::deflate(
+        n, d, z, tol, idxp, k, [](zint) {},
+        [&](zint jprev, zint j, double cj, double sj) {
+            if (icompq == 1) {
+                ++givptr;
+                givcol[(givptr - 1) + ldgcol] = source(jprev);
+                givcol[givptr - 1] = source(j);
+                givnum[(givptr - 1) + ldgnum] = cj;
+                givnum[givptr - 1] = sj;
             }
-        }
-        ++k;
-        zw[k - 1] = z[jprev - 1];
-        dsigma[k - 1] = d[jprev - 1];
-        idxp[k - 1] = jprev;
-    }
+            drot(1, vf + jprev - 1, 1, vf + j - 1, 1, cj, sj);
+            drot(1, vl + jprev - 1, 1, vl + j - 1, 1, cj, sj);
+        },
+        [&](zint kept, zint jprev) {
+            zw[kept - 1] = z[jprev - 1];
+            dsigma[kept - 1] = d[jprev - 1];
+        });
     // The values in their new order: the kept ones first, the deflated ones after them.
     for (zint j = 2; j <= n; ++j) {
         const zint from = idxp[j - 1] - 1;

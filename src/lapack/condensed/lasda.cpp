@@ -2,6 +2,7 @@
 
 #include "lapack/auxiliary/auxiliary.hpp"
 #include "lapack/condensed/bidiagonal.hpp"
+#include "lapack/condensed/bidiagonal_support.hpp"
 #include "lapack/lapack.hpp"
 
 namespace zor {
@@ -33,18 +34,14 @@ void lasda(zint icompq, zint smlsiz, zint n, zint sqre, double* d, double* e, do
         return;
     }
 
-    zint* inode = iwork;
-    zint* ndiml = inode + n;
-    zint* ndimr = ndiml + n;
-    zint* idxq = ndimr + n;
+    const bidiagonal::Tree tree(n, smlsiz, iwork);
+    zint* idxq = iwork + 3 * n;
     zint* iwk = idxq + n;
     const zint smlszp = smlsiz + 1;
     double* vf = work;
     double* vl = vf + m;
     double* block = vl + m;  // a leaf's VT for icompq 0 (smlszp by smlszp)
     double* scratch = block + smlszp * smlszp;
-    zint levels = 0, nodes = 0;
-    lasdt(n, levels, nodes, inode, ndiml, ndimr, smlsiz);
 
     // One leaf of `rows` rows starting at row `first` (one-based), square or with one more column.
     const auto leaf = [&](zint first, zint rows, zint sqrei) {
@@ -71,21 +68,19 @@ void lasda(zint icompq, zint smlsiz, zint n, zint sqre, double* d, double* e, do
         for (zint j = 1; j <= rows; ++j) idxq[first - 2 + j] = j;
         return true;
     };
-    for (zint i = (nodes + 1) / 2; i <= nodes; ++i) {
-        const zint ic = inode[i - 1], nl = ndiml[i - 1], nr = ndimr[i - 1];
-        if (!leaf(ic - nl, nl, 1)) return;
-        if (!leaf(ic + 1, nr, (i == nodes && sqre == 0) ? 0 : 1)) return;
+    for (zint i = tree.first_leaf(); i <= tree.nodes; ++i) {
+        if (!leaf(tree.first_row(i), tree.left(i), 1)) return;
+        if (!leaf(tree.centre(i) + 1, tree.right(i), (i == tree.nodes && sqre == 0) ? 0 : 1)) return;
     }
 
     // The merges, bottom-up.
-    zint j = zint{1} << levels;
-    for (zint level = levels; level >= 1; --level) {
+    zint j = zint{1} << tree.levels;
+    for (zint level = tree.levels; level >= 1; --level) {
         const zint lvl2 = 2 * level - 1;
-        const zint first = level == 1 ? 1 : zint{1} << (level - 1);
-        const zint last = level == 1 ? 1 : 2 * first - 1;
-        for (zint i = first; i <= last; ++i) {
-            const zint ic = inode[i - 1], nl = ndiml[i - 1], nr = ndimr[i - 1];
-            const zint nlf = ic - nl;
+        const zint last = bidiagonal::Tree::level_last(level);
+        for (zint i = bidiagonal::Tree::level_first(level); i <= last; ++i) {
+            const zint ic = tree.centre(i), nl = tree.left(i), nr = tree.right(i);
+            const zint nlf = tree.first_row(i);
             const zint sqrei = i == last ? sqre : 1;
             double alpha = d[ic - 1], beta = e[ic - 1];
             double* vfi = vf + nlf - 1;

@@ -5,29 +5,10 @@
 
 #include "lapack/auxiliary/auxiliary.hpp"
 #include "lapack/condensed/bidiagonal.hpp"
+#include "lapack/condensed/bidiagonal_support.hpp"
 #include "lapack/lapack.hpp"
 
 namespace zor {
-
-namespace {
-
-// Rotations from one side that chase e away from the diagonal: row (or column) i and i + 1 of the
-// bidiagonal are combined so that e(i) moves below (or beside) d(i + 1). Records them in cs, sn.
-void chase(zint n, double* d, double* e, double* cs, double* sn, bool record) {
-    for (zint i = 0; i + 1 < n; ++i) {
-        double c, s, r;
-        lartg(d[i], e[i], c, s, r);
-        d[i] = r;
-        e[i] = s * d[i + 1];
-        d[i + 1] *= c;
-        if (record) {
-            cs[i] = c;
-            sn[i] = s;
-        }
-    }
-}
-
-}  // namespace
 
 void lasdq(char uplo, zint sqre, zint n, zint ncvt, zint nru, zint ncc, double* d, double* e, double* vt,
            zint ldvt, double* u, zint ldu, double* c, zint ldc, double* work, zint& info) {
@@ -48,11 +29,17 @@ void lasdq(char uplo, zint sqre, zint n, zint ncvt, zint nru, zint ncc, double* 
     const zint np1 = n + 1;
     double* cs = work;
     double* sn = work + n;
+    const auto record = [&](zint i, double c, double s) {
+        if (rotate) {
+            cs[i] = c;
+            sn[i] = s;
+        }
+    };
     bool lower = !upper;
     if (upper && sqre == 1) {
         // The extra column is rotated away from the right, leaving an n by n lower bidiagonal
         // matrix; VT takes the n + 1 rotations.
-        chase(n, d, e, cs, sn, rotate);
+        bidiagonal::chase(n - 1, d, e, record);
         double cn, sn_last, r;
         lartg(d[n - 1], e[n - 1], cn, sn_last, r);
         d[n - 1] = r;
@@ -68,7 +55,7 @@ void lasdq(char uplo, zint sqre, zint n, zint ncvt, zint nru, zint ncc, double* 
     if (lower) {
         // Rotations from the left make the matrix upper bidiagonal (and absorb an extra row);
         // U and C take them.
-        chase(n, d, e, cs, sn, rotate);
+        bidiagonal::chase(n - 1, d, e, record);
         if (sqre == 1) {
             double cn, sn_last, r;
             lartg(d[n - 1], e[n - 1], cn, sn_last, r);
