@@ -107,8 +107,12 @@ void bdsdc(char uplo, char compq, zint n, double* d, double* e, double* u, zint 
     }
     if (info != 0) return;
 
-    // The pieces' values are sorted within each piece only: selection sort, one exchange of vectors
-    // per value at most.
+    // The pieces' values are sorted within each piece only: selection sort, one exchange of U's
+    // columns per value at most; VT's rows follow the same exchanges, gathered a column at a time
+    // (contiguous) through the permutation they make. The work area is free again by now, except
+    // for the rotations of a lower matrix at its start.
+    zint* order = iwork;
+    for (zint i = 0; i < n; ++i) order[i] = i;
     for (zint i = 0; i + 1 < n; ++i) {
         zint largest = i;
         for (zint j = i + 1; j < n; ++j) {
@@ -116,10 +120,16 @@ void bdsdc(char uplo, char compq, zint n, double* d, double* e, double* u, zint 
         }
         if (largest != i) {
             std::swap(d[i], d[largest]);
-            if (vectors) {
-                dswap(n, u + i * ldu, 1, u + largest * ldu, 1);
-                dswap(n, vt + i, ldvt, vt + largest, ldvt);
-            }
+            std::swap(order[i], order[largest]);
+            if (vectors) dswap(n, u + i * ldu, 1, u + largest * ldu, 1);
+        }
+    }
+    if (vectors) {
+        double* row = work + 2 * n;
+        for (zint j = 0; j < n; ++j) {
+            double* column = vt + j * ldvt;
+            for (zint i = 0; i < n; ++i) row[i] = column[order[i]];
+            for (zint i = 0; i < n; ++i) column[i] = row[i];
         }
     }
     if (lower && vectors) lasr('L', 'V', 'B', n, n, work, work + nm1, u, ldu);

@@ -94,11 +94,15 @@ void lasd2(zint nl, zint nr, zint sqre, zint& k, double* d, double* z, double al
         idxc[psm[type - 1] - 1] = j;
         ++psm[type - 1];
     }
+    // The types are no longer needed: coltyp(j) keeps the source of position j, so that VT's rows
+    // are gathered a column at a time (contiguous reads) rather than row by row.
     for (zint j = 2; j <= n; ++j) {
         dsigma[j - 1] = d[idxp[j - 1] - 1];
-        const zint col = source(idxp[idxc[j - 1] - 1]);
-        dcopy(n, &at(u, ldu, 1, col), 1, &at(u2, ldu2, 1, j), 1);
-        dcopy(m, &at(vt, ldvt, col, 1), ldvt, &at(vt2, ldvt2, j, 1), ldvt2);
+        coltyp[j - 1] = source(idxp[idxc[j - 1] - 1]);
+        dcopy(n, &at(u, ldu, 1, coltyp[j - 1]), 1, &at(u2, ldu2, 1, j), 1);
+    }
+    for (zint c = 1; c <= m; ++c) {
+        for (zint j = 2; j <= n; ++j) at(vt2, ldvt2, j, c) = at(vt, ldvt, coltyp[j - 1], c);
     }
 
     // The first value is the new zero pole; a second one too close to it is moved off.
