@@ -362,7 +362,9 @@ Result run_sterf(const Tridiagonal& t) {
     return r;
 }
 
-Result run_steqr(const Tridiagonal& t, char compz, const std::vector<double>* q = nullptr) {
+// The result arrays of a solver with vectors: d's copy and Z with a padded leading dimension, Q in
+// it when given (for "V"), NaN elsewhere.
+Result start_with_vectors(const Tridiagonal& t, const std::vector<double>* q) {
     const zint n = t.n();
     Result r;
     r.w = t.d;
@@ -371,6 +373,12 @@ Result run_steqr(const Tridiagonal& t, char compz, const std::vector<double>* q 
     if (q != nullptr) {
         for (zint j = 0; j < n; ++j) std::copy_n(q->data() + j * n, n, r.z.data() + j * r.ldz);
     }
+    return r;
+}
+
+Result run_steqr(const Tridiagonal& t, char compz, const std::vector<double>* q = nullptr) {
+    const zint n = t.n();
+    Result r = start_with_vectors(t, q);
     std::vector<double> e = t.e;
     const zint lwork = std::max<zint>(2 * (n - 1), 1);
     std::vector<double> work(lwork + kGuard, kGuardValue);
@@ -396,13 +404,7 @@ Sizes published_sizes(char compz, zint n) {
 // stedc with exactly the workspace its query answers, followed by guards.
 Result run_stedc(const Tridiagonal& t, char compz, const std::vector<double>* q = nullptr) {
     const zint n = t.n();
-    Result r;
-    r.w = t.d;
-    r.ldz = n + 1;
-    r.z.assign(r.ldz * std::max<zint>(n, 1), kNaN);
-    if (q != nullptr) {
-        for (zint j = 0; j < n; ++j) std::copy_n(q->data() + j * n, n, r.z.data() + j * r.ldz);
-    }
+    Result r = start_with_vectors(t, q);
     std::vector<double> e = t.e;
     double lwork_answer = 0;
     zint liwork_answer = 0;

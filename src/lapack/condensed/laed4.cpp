@@ -51,6 +51,22 @@ Parts evaluate(zint n, const double* z, const double* delta, zint below, zint ab
     return p;
 }
 
+// After the function was evaluated at tau: true when it has converged (|f| within eps of its error
+// bound) or the steps are spent (info = 1); otherwise the bracket shrinks to the side f's sign says.
+bool settled(double f, double error, double tau, zint step, double& lower, double& upper, zint& info) {
+    if (std::fabs(f) <= dlamch("E") * error) return true;
+    if (step == kMaxSteps) {
+        info = 1;
+        return true;
+    }
+    if (f <= 0.0) {
+        lower = std::fmax(lower, tau);
+    } else {
+        upper = std::fmin(upper, tau);
+    }
+    return false;
+}
+
 void shift_deltas(zint n, double* delta, double eta) {
     for (zint j = 0; j < n; ++j) delta[j] -= eta;
 }
@@ -58,7 +74,6 @@ void shift_deltas(zint n, double* delta, double eta) {
 // The largest root, above d(n): its interval is (d(n), d(n) + rho], the origin is d(n).
 void largest_root(zint n, const double* d, const double* z, double* delta, double rho, double& dlam,
                   zint& info) {
-    const double eps = dlamch("E");
     const double rhoinv = 1.0 / rho;
     const zint last = n - 1, prev = n - 2;
     const double mid = rho / 2.0;
@@ -99,16 +114,7 @@ void largest_root(zint n, const double* d, const double* z, double* delta, doubl
         const double error =
             8.0 * (-p.phi - p.psi) + p.error - p.phi + rhoinv + std::fabs(tau) * (p.dpsi + p.dphi);
         const double f = rhoinv + p.phi + p.psi;
-        if (std::fabs(f) <= eps * error) break;
-        if (step == kMaxSteps) {
-            info = 1;
-            break;
-        }
-        if (f <= 0.0) {
-            lower = std::fmax(lower, tau);
-        } else {
-            upper = std::fmin(upper, tau);
-        }
+        if (settled(f, error, tau, step, lower, upper, info)) break;
         // The two-pole interpolation with the fixed weights of d(n - 1) and d(n).
         double cc = f - delta[prev] * p.dpsi - delta[last] * p.dphi;
         const double a = (delta[prev] + delta[last]) * f - delta[prev] * delta[last] * (p.dpsi + p.dphi);
@@ -134,7 +140,6 @@ void largest_root(zint n, const double* d, const double* z, double* delta, doubl
 // A root between d(i) and d(i + 1) (zero-based i < n - 1).
 void interior_root(zint n, zint i, const double* d, const double* z, double* delta, double rho, double& dlam,
                    zint& info) {
-    const double eps = dlamch("E");
     const double rhoinv = 1.0 / rho;
     const zint ip1 = i + 1;
     const double gap = d[ip1] - d[i];
@@ -192,16 +197,7 @@ void interior_root(zint n, zint i, const double* d, const double* z, double* del
         } else if (step > 2 && f * previous_f > 0.0 && std::fabs(f) > std::fabs(previous_f) / 10.0) {
             middle_way = !middle_way;
         }
-        if (std::fabs(f) <= eps * error) break;
-        if (step == kMaxSteps) {
-            info = 1;
-            break;
-        }
-        if (f <= 0.0) {
-            lower = std::fmax(lower, tau);
-        } else {
-            upper = std::fmin(upper, tau);
-        }
+        if (settled(f, error, tau, step, lower, upper, info)) break;
 
         double eta;
         if (!three_poles) {

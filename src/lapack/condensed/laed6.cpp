@@ -98,45 +98,26 @@ void laed6(zint kniter, bool orgati, double rho, const double* d, const double* 
     lower *= scale;
     upper *= scale;
 
-    // f(tau) = finit + tau Σ z / (d (d - tau)), with its first two derivatives' sums.
-    double fc = 0.0, df = 0.0, ddf = 0.0;
-    for (int i = 0; i < 3; ++i) {
-        const double t = 1.0 / (ds[i] - tau);
-        const double t1 = zs[i] * t;
-        const double t2 = t1 * t;
-        fc += t1 / ds[i];
-        df += t2;
-        ddf += t2 * t;
-    }
-    double f = finit + tau * fc;
-    if (std::fabs(f) <= 0.0) {
-        tau *= unscale;
-        return;
-    }
-    if (f <= 0.0) {
-        lower = tau;
-    } else {
-        upper = tau;
-    }
-
-    // The iterates move monotonically: up when finit < 0, down otherwise; a step leaving the bracket
-    // is replaced by bisection.
+    // f(tau) = finit + tau Σ z / (d (d - tau)) with its first two derivatives' sums, at the start and
+    // after each step. The iterates move monotonically (up when finit < 0, down otherwise); a step
+    // leaving the bracket is replaced by bisection. The start is kept only when it is a root.
     const double eps = dlamch("E");
-    for (zint step = 2; step <= kMaxSteps; ++step) {
-        const double t1 = orgati ? ds[1] - tau : ds[0] - tau;
-        const double t2 = orgati ? ds[2] - tau : ds[1] - tau;
-        const double a = (t1 + t2) * f - t1 * t2 * df;
-        const double b = t1 * t2 * f;
-        const double c = f - (t1 + t2) * df + t1 * t2 * ddf;
-        double eta = quadratic_step(a, b, c);
-        if (f * eta >= 0.0) eta = -f / df;  // the cubic step went the wrong way: Newton
-        tau += eta;
-        if (!inside(tau, lower, upper)) tau = (lower + upper) / 2.0;
-
-        fc = 0.0;
+    double f = 0.0, df = 0.0, ddf = 0.0;
+    for (zint step = 1;; ++step) {
+        if (step > 1) {
+            const double t1 = orgati ? ds[1] - tau : ds[0] - tau;
+            const double t2 = orgati ? ds[2] - tau : ds[1] - tau;
+            const double a = (t1 + t2) * f - t1 * t2 * df;
+            const double b = t1 * t2 * f;
+            const double c = f - (t1 + t2) * df + t1 * t2 * ddf;
+            double eta = quadratic_step(a, b, c);
+            if (f * eta >= 0.0) eta = -f / df;  // the cubic step went the wrong way: Newton
+            tau += eta;
+            if (!inside(tau, lower, upper)) tau = (lower + upper) / 2.0;
+        }
+        double fc = 0.0, error_bound = 0.0;
         df = 0.0;
         ddf = 0.0;
-        double error_bound = 0.0;
         for (int i = 0; i < 3; ++i) {
             const double t = 1.0 / (ds[i] - tau);
             const double u1 = zs[i] * t;
@@ -149,9 +130,10 @@ void laed6(zint kniter, bool orgati, double rho, const double* d, const double* 
         }
         f = finit + tau * fc;
         error_bound = 8.0 * (std::fabs(finit) + std::fabs(tau) * error_bound) + std::fabs(tau) * df;
-        if (std::fabs(f) <= eps * error_bound) {
-            tau *= unscale;
-            return;
+        if (step == 1 ? f == 0.0 : std::fabs(f) <= eps * error_bound) break;
+        if (step == kMaxSteps) {
+            info = 1;
+            break;
         }
         if (f <= 0.0) {
             lower = tau;
@@ -159,7 +141,6 @@ void laed6(zint kniter, bool orgati, double rho, const double* d, const double* 
             upper = tau;
         }
     }
-    info = 1;
     tau *= unscale;
 }
 

@@ -13,8 +13,9 @@ void laev2(double a, double b, double c, double& rt1, double& rt2, double& cs1, 
     rt1 = values.larger;
     const double difference = a - c;
     const double twice_b = b + b;
-    // (cs, -twice_b) is along the eigenvector of the value on the side of difference's sign; it is
-    // taken from whichever of its two forms has the larger leading entry, so that nothing cancels.
+    // (cs, twice_b) is along the eigenvector of the value on the side of the difference's sign (cs
+    // adds the root with that sign, so it never cancels); (cs1, sn1) is the unit vector orthogonal
+    // to it, (-twice_b, cs) normalised through the ratio of smaller magnitude.
     const double cs = difference >= 0.0 ? difference + values.root : difference - values.root;
     if (std::fabs(cs) > std::fabs(twice_b)) {
         const double ct = -twice_b / cs;
@@ -28,8 +29,8 @@ void laev2(double a, double b, double c, double& rt1, double& rt2, double& cs1, 
         cs1 = 1.0 / std::sqrt(1.0 + tn * tn);
         sn1 = tn * cs1;
     }
-    // That vector belongs to rt1 when the sign of the trace differs from that of the difference;
-    // otherwise rt1's vector is the one orthogonal to it.
+    // So (cs1, sn1) belongs to the value on the other side, which is rt1 when the trace and the
+    // difference differ in sign (a zero trace counting as positive); otherwise turn it a quarter.
     const bool trace_negative = values.sum < 0.0;
     const bool difference_negative = difference < 0.0;
     if (trace_negative == difference_negative) {

@@ -29,8 +29,8 @@ struct Sweeps {
 
     zint coupling(zint r) const { return dir > 0 ? r : r - 1; }
 
-    // Applies the rotations stored for the couplings of rows first..first + count - 1 to those
-    // columns of Z: from the far end towards l, which is backwards for QL and forwards for QR.
+    // Applies the rotations stored for couplings first .. first + count - 2 to columns first ..
+    // first + count - 1 of Z, from the far end towards l: backwards for QL, forwards for QR.
     void rotate_vectors(zint first, zint count) const {
         lasr('R', 'V', dir > 0 ? 'B' : 'F', n, count, work + first, work + n - 1 + first, z + first * ldz,
              ldz);
@@ -122,37 +122,14 @@ void steqr(char compz, zint n, double* d, double* e, double* z, zint ldz, double
     }
     const double eps = dlamch("E");
     const double safe_min = dlamch("S");
-    const double overflow = dlamch("O");
     if (vectors == 2) laset('A', n, n, 0.0, 1.0, z, ldz);
     const zint max_steps = n * kStepsPerEigenvalue;
     zint steps = 0;
-    double* const vector_matrix = vectors > 0 ? z : nullptr;
-    for (zint first = 0; first < n;) {
-        const zint last = unreduced_block_end(first, n, d, e, eps);
-        const zint size = last - first + 1;
-        const zint block = first;
-        first = last + 1;
-        if (size == 1) continue;
-        const double norm = lanst('M', size, d + block, e + block);
-        if (norm == 0.0) continue;
-        // An infinite or NaN entry can never converge: the block fails now as it would at the limit.
-        if (!(norm <= overflow)) {
-            info = nonzero_off_diagonals(n, e);
-            return;
-        }
-        const BlockScaling scaling = scale_into_safe_range(norm, size, d + block, e + block);
-        // QL from the top when the top diagonal element is the smaller in magnitude, else QR from the
-        // bottom.
-        const bool ql = !(std::fabs(d[last]) < std::fabs(d[block]));
-        const Sweeps sweeps{ql ? 1 : -1, n, d, e, vector_matrix, ldz, work};
-        const bool converged = ql ? sweeps.iterate(block, last, eps * eps, safe_min, steps, max_steps)
-                                  : sweeps.iterate(last, block, eps * eps, safe_min, steps, max_steps);
-        undo_scaling(scaling, size, d + block, e + block);
-        if (!converged) {
-            info = nonzero_off_diagonals(n, e);
-            return;
-        }
-    }
+    info = iterate_by_blocks(n, d, e, true, [&](zint l, zint lend) {
+        const Sweeps sweeps{l < lend ? 1 : -1, n, d, e, vectors > 0 ? z : nullptr, ldz, work};
+        return sweeps.iterate(l, lend, eps * eps, safe_min, steps, max_steps);
+    });
+    if (info != 0) return;
     if (vectors == 0) {
         lasrt('I', n, d, info);
     } else {

@@ -90,36 +90,13 @@ void sterf(zint n, double* d, double* e, zint& info) {
     info = check_arguments("DSTERF", {{n < 0, 1}});
     if (info != 0 || n <= 1) return;
     const double eps = dlamch("E");
-    const double overflow = dlamch("O");
     const zint max_steps = n * kStepsPerEigenvalue;
     zint steps = 0;
-    for (zint first = 0; first < n;) {
-        const zint last = unreduced_block_end(first, n, d, e, eps);
-        const zint size = last - first + 1;
-        const zint block = first;
-        first = last + 1;
-        if (size == 1) continue;
-        const double norm = lanst('M', size, d + block, e + block);
-        if (norm == 0.0) continue;
-        // An infinite or NaN entry can never converge: the block fails now as it would at the limit.
-        if (!(norm <= overflow)) {
-            info = nonzero_off_diagonals(n, e);
-            return;
-        }
-        const BlockScaling scaling = scale_into_safe_range(norm, size, d + block, e + block);
-        for (zint i = block; i < last; ++i) e[i] *= e[i];
-        // QL from the top when the top diagonal element is the smaller in magnitude, else QR from the
-        // bottom: the iteration deflates at the end it starts from.
-        const bool ql = !(std::fabs(d[last]) < std::fabs(d[block]));
-        const bool converged = ql ? iterate_block({1}, d, e, block, last, eps * eps, steps, max_steps)
-                                  : iterate_block({-1}, d, e, last, block, eps * eps, steps, max_steps);
-        undo_scaling(scaling, size, d + block, nullptr);
-        if (!converged) {
-            info = nonzero_off_diagonals(n, e);
-            return;
-        }
-    }
-    lasrt('I', n, d, info);
+    info = iterate_by_blocks(n, d, e, false, [&](zint l, zint lend) {
+        for (zint i = min_of(l, lend); i < max_of(l, lend); ++i) e[i] *= e[i];
+        return iterate_block({l < lend ? 1 : -1}, d, e, l, lend, eps * eps, steps, max_steps);
+    });
+    if (info == 0) lasrt('I', n, d, info);
 }
 
 }  // namespace zor

@@ -1,8 +1,7 @@
 #pragma once
-// Steps the tridiagonal eigensolvers share: the 2 by 2 eigenvalues behind lae2 and laev2, the
-// splitting of T into unreduced blocks and their scaling into the safe range for QL/QR, the count
-// of unconverged off-diagonals a failed iteration reports, and the ascending sort that carries the
-// eigenvectors along.
+// Steps the tridiagonal eigensolvers share: the 2 by 2 eigenvalues behind lae2 and laev2, the walk
+// of QL/QR over the unreduced blocks of T with their scaling into the safe range and the failure
+// count, and the ascending sort that carries the eigenvectors along.
 
 #include <cmath>
 
@@ -100,6 +99,34 @@ inline zint nonzero_off_diagonals(zint n, const double* e) {
     zint count = 0;
     for (zint i = 0; i + 1 < n; ++i) count += e[i] != 0.0 ? 1 : 0;
     return count;
+}
+
+// QL/QR over T block by block. `iterate(l, lend)` runs the iteration of one unreduced block, scaled
+// into the safe range around the call, from row l towards row lend: from the end whose diagonal
+// element is smaller in magnitude (l < lend is QL, l > lend QR), since the iteration deflates at the
+// end it starts from. It answers false when the budget of sweeps it keeps ran out. The scaling is
+// undone on d, and on e too when `restore_e`. Returns info: 0, or the number of nonzero off-diagonal
+// elements after a block failed.
+template <class Iterate>
+zint iterate_by_blocks(zint n, double* d, double* e, bool restore_e, Iterate&& iterate) {
+    const double eps = dlamch("E");
+    const double overflow = dlamch("O");
+    for (zint first = 0; first < n;) {
+        const zint last = unreduced_block_end(first, n, d, e, eps);
+        const zint block = first, size = last - first + 1;
+        first = last + 1;
+        if (size == 1) continue;
+        const double norm = lanst('M', size, d + block, e + block);
+        if (norm == 0.0) continue;
+        // An infinite or NaN entry can never converge: the block fails now, as it would at the limit.
+        if (!(norm <= overflow)) return nonzero_off_diagonals(n, e);
+        const BlockScaling scaling = scale_into_safe_range(norm, size, d + block, e + block);
+        const bool ql = !(std::fabs(d[last]) < std::fabs(d[block]));
+        const bool converged = ql ? iterate(block, last) : iterate(last, block);
+        undo_scaling(scaling, size, d + block, restore_e ? e + block : nullptr);
+        if (!converged) return nonzero_off_diagonals(n, e);
+    }
+    return 0;
 }
 
 // Sorts d ascending and the columns of Z with it, by selection so that each vector moves at most once.
