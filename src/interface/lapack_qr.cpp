@@ -1,0 +1,122 @@
+// The Fortran-style exports of the orthogonal factorizations: scalars widened; jpvt of the pivoted
+// QR copied in and out, except in a workspace query.
+
+#include "interface/lapack_frame.hpp"
+#include "lapack/qr/qr.hpp"
+#include "zor/zor_lapack.h"
+
+using namespace zor::fortran;
+using zor::zint;
+
+namespace {
+
+// geqrf and gelqf share their argument list; so do orgqr and orglq.
+template <class T, class Factor>
+void factor_export(const char* name, Factor factor, const zor_int* m, const zor_int* n, T* a,
+                   const zor_int* lda, T* tau, T* work, const zor_int* lwork, zor_int* info) {
+    LapackCall(name, info).run([&](zint& i) {
+        factor(widen(m), widen(n), a, widen(lda), tau, work, widen(lwork), i);
+    });
+}
+
+template <class T, class Generate>
+void generate_export(const char* name, Generate generate, const zor_int* m, const zor_int* n,
+                     const zor_int* k, T* a, const zor_int* lda, const T* tau, T* work, const zor_int* lwork,
+                     zor_int* info) {
+    LapackCall(name, info).run([&](zint& i) {
+        generate(widen(m), widen(n), widen(k), a, widen(lda), tau, work, widen(lwork), i);
+    });
+}
+
+template <class T>
+void geqp3_export(const char* name, const zor_int* m, const zor_int* n, T* a, const zor_int* lda,
+                  zor_int* jpvt, T* tau, T* work, const zor_int* lwork, double* rwork, zor_int* info) {
+    LapackCall call(name, info);
+    const zint n_ = widen(n), lwork_ = widen(lwork);
+    zint* jpvt_ = nullptr;
+    if (!workspace_query(lwork_)) jpvt_ = call.array(jpvt, n_, Transfer::InOut, n_);
+    call.run([&](zint& i) { zor::geqp3(widen(m), n_, a, widen(lda), jpvt_, tau, work, lwork_, rwork, i); });
+}
+
+template <class T>
+void orghr_export(const char* name, const zor_int* n, const zor_int* ilo, const zor_int* ihi, T* a,
+                  const zor_int* lda, const T* tau, T* work, const zor_int* lwork, zor_int* info) {
+    LapackCall(name, info).run([&](zint& i) {
+        zor::orghr(widen(n), widen(ilo), widen(ihi), a, widen(lda), tau, work, widen(lwork), i);
+    });
+}
+
+}  // namespace
+
+extern "C" {
+
+ZOR_API void dgeqrf(const zor_int* m, const zor_int* n, double* a, const zor_int* lda, double* tau,
+                    double* work, const zor_int* lwork, zor_int* info) {
+    factor_export("DGEQRF", zor::geqrf<double>, m, n, a, lda, tau, work, lwork, info);
+}
+
+ZOR_API void zgeqrf(const zor_int* m, const zor_int* n, zor_complex_double* a, const zor_int* lda,
+                    zor_complex_double* tau, zor_complex_double* work, const zor_int* lwork, zor_int* info) {
+    factor_export("ZGEQRF", zor::geqrf<zor::zcomplex>, m, n, as_complex(a), lda, as_complex(tau),
+                  as_complex(work), lwork, info);
+}
+
+ZOR_API void dgelqf(const zor_int* m, const zor_int* n, double* a, const zor_int* lda, double* tau,
+                    double* work, const zor_int* lwork, zor_int* info) {
+    factor_export("DGELQF", zor::gelqf<double>, m, n, a, lda, tau, work, lwork, info);
+}
+
+ZOR_API void zgelqf(const zor_int* m, const zor_int* n, zor_complex_double* a, const zor_int* lda,
+                    zor_complex_double* tau, zor_complex_double* work, const zor_int* lwork, zor_int* info) {
+    factor_export("ZGELQF", zor::gelqf<zor::zcomplex>, m, n, as_complex(a), lda, as_complex(tau),
+                  as_complex(work), lwork, info);
+}
+
+ZOR_API void dgeqp3(const zor_int* m, const zor_int* n, double* a, const zor_int* lda, zor_int* jpvt,
+                    double* tau, double* work, const zor_int* lwork, zor_int* info) {
+    geqp3_export("DGEQP3", m, n, a, lda, jpvt, tau, work, lwork, nullptr, info);
+}
+
+ZOR_API void zgeqp3(const zor_int* m, const zor_int* n, zor_complex_double* a, const zor_int* lda,
+                    zor_int* jpvt, zor_complex_double* tau, zor_complex_double* work, const zor_int* lwork,
+                    double* rwork, zor_int* info) {
+    geqp3_export("ZGEQP3", m, n, as_complex(a), lda, jpvt, as_complex(tau), as_complex(work), lwork, rwork,
+                 info);
+}
+
+ZOR_API void dorgqr(const zor_int* m, const zor_int* n, const zor_int* k, double* a, const zor_int* lda,
+                    const double* tau, double* work, const zor_int* lwork, zor_int* info) {
+    generate_export("DORGQR", zor::orgqr<double>, m, n, k, a, lda, tau, work, lwork, info);
+}
+
+ZOR_API void zungqr(const zor_int* m, const zor_int* n, const zor_int* k, zor_complex_double* a,
+                    const zor_int* lda, const zor_complex_double* tau, zor_complex_double* work,
+                    const zor_int* lwork, zor_int* info) {
+    generate_export("ZUNGQR", zor::orgqr<zor::zcomplex>, m, n, k, as_complex(a), lda, as_complex(tau),
+                    as_complex(work), lwork, info);
+}
+
+ZOR_API void dorglq(const zor_int* m, const zor_int* n, const zor_int* k, double* a, const zor_int* lda,
+                    const double* tau, double* work, const zor_int* lwork, zor_int* info) {
+    generate_export("DORGLQ", zor::orglq<double>, m, n, k, a, lda, tau, work, lwork, info);
+}
+
+ZOR_API void zunglq(const zor_int* m, const zor_int* n, const zor_int* k, zor_complex_double* a,
+                    const zor_int* lda, const zor_complex_double* tau, zor_complex_double* work,
+                    const zor_int* lwork, zor_int* info) {
+    generate_export("ZUNGLQ", zor::orglq<zor::zcomplex>, m, n, k, as_complex(a), lda, as_complex(tau),
+                    as_complex(work), lwork, info);
+}
+
+ZOR_API void dorghr(const zor_int* n, const zor_int* ilo, const zor_int* ihi, double* a, const zor_int* lda,
+                    const double* tau, double* work, const zor_int* lwork, zor_int* info) {
+    orghr_export("DORGHR", n, ilo, ihi, a, lda, tau, work, lwork, info);
+}
+
+ZOR_API void zunghr(const zor_int* n, const zor_int* ilo, const zor_int* ihi, zor_complex_double* a,
+                    const zor_int* lda, const zor_complex_double* tau, zor_complex_double* work,
+                    const zor_int* lwork, zor_int* info) {
+    orghr_export("ZUNGHR", n, ilo, ihi, as_complex(a), lda, as_complex(tau), as_complex(work), lwork, info);
+}
+
+}  // extern "C"
