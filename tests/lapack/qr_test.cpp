@@ -307,30 +307,13 @@ INSTANTIATE_TEST_SUITE_P(Cases, Geqp3,
 
 // ---- Hessenberg Q -----------------------------------------------------------------------------
 
-// Reflectors as a Hessenberg reduction stores them: for i = ilo .. ihi - 1 (one-based) vector i has
-// zeros in rows 1 .. i, one in row i + 1, and its stored entries in rows i + 2 .. ihi of column i
-// (zero below ihi); tau(i) makes each H(i) unitary. orghr's Q must be H(ilo) ... H(ihi - 1).
+// orghr's Q must be H(ilo) ... H(ihi - 1) of the reflectors a Hessenberg reduction stores.
 template <class T>
 void check_orghr(zint n, zint ilo, zint ihi, Workspace kind) {
     Random random(static_cast<std::uint64_t>(n * 100 + ilo * 10 + ihi));
-    Matrix<T> a = random_matrix<T>(random, n, n);
-    std::vector<T> tau(static_cast<std::size_t>(std::max<zint>(n - 1, 1)));
-    Wide q = identity(n);
-    for (zint i = ihi - 1; i >= ilo; --i) {  // one-based i
-        std::vector<Exact> v(static_cast<std::size_t>(n));
-        v[static_cast<std::size_t>(i)] = {1, 0};
-        long double squares = 1;
-        for (zint r = i + 1; r < ihi; ++r) {
-            v[static_cast<std::size_t>(r)] = a.at(r, i - 1);
-            squares += v[static_cast<std::size_t>(r)].re * v[static_cast<std::size_t>(r)].re +
-                       v[static_cast<std::size_t>(r)].im * v[static_cast<std::size_t>(r)].im;
-        }
-        // |1 - tau vᴴv|² = 1 for unitarity: tau = (1 + e^{iθ}) / vᴴv with a random phase.
-        const double theta = kIsComplex<T> ? random.uniform() * 3 : 0.0;
-        const T t = narrow_to<T>({(1 + std::cos(theta)) / squares, std::sin(theta) / squares});
-        tau[static_cast<std::size_t>(i - 1)] = t;
-        apply_reflector(q, v, value(t), false);
-    }
+    const Matrix<T> a = random_matrix<T>(random, n, n);
+    std::vector<T> tau;
+    const Wide q = hessenberg_reflectors(random, a, ilo, ihi, tau);
     Matrix<T> g = a;
     std::vector<T> work(1);
     zint info = -7;

@@ -62,6 +62,32 @@ Wide lq_q(const Matrix<T>& f, const std::vector<T>& tau, zint k) {
     return q;
 }
 
+// Reflectors as a Hessenberg reduction stores them in the n by n A, made unitary: for one-based
+// i = ilo .. ihi - 1, vector i has zeros in rows 1 .. i, one in row i + 1, and the entries of A
+// in rows i + 2 .. ihi of column i (zero below ihi); tau(i) = (1 + e^{iθ}) / vᴴv with a random
+// phase θ (zero for real data), so that |1 - tau vᴴv| = 1. Returns H(ilo) ... H(ihi - 1).
+template <class T>
+Wide hessenberg_reflectors(Random& random, const Matrix<T>& a, zint ilo, zint ihi, std::vector<T>& tau) {
+    const zint n = a.rows;
+    tau.assign(static_cast<std::size_t>(std::max<zint>(n - 1, 1)), T{});
+    Wide q = identity(n);
+    for (zint i = ihi - 1; i >= ilo; --i) {
+        std::vector<Exact> v(static_cast<std::size_t>(n));
+        v[static_cast<std::size_t>(i)] = {1, 0};
+        long double squares = 1;
+        for (zint r = i + 1; r < ihi; ++r) {
+            const Exact x = a.at(r, i - 1);
+            v[static_cast<std::size_t>(r)] = x;
+            squares += x.re * x.re + x.im * x.im;
+        }
+        const double theta = kIsComplex<T> ? random.uniform() * 3 : 0.0;
+        const T t = narrow_to<T>({(1 + std::cos(theta)) / squares, std::sin(theta) / squares});
+        tau[static_cast<std::size_t>(i - 1)] = t;
+        apply_reflector(q, v, value(t), false);
+    }
+    return q;
+}
+
 // The first `cols` columns (or rows) of a matrix.
 inline Wide leading_columns(const Wide& a, zint cols) {
     Wide b(a.rows, cols);
