@@ -15,8 +15,11 @@
 #include "lapack/qr/qr.hpp"
 #include "lapack/reflector_support.hpp"
 #include "lapack/tuning/tuning.hpp"
+#include "service/memory.hpp"
+#include "support/counting_allocator.hpp"
 #include "support/process.hpp"
 #include "support/variants.hpp"
+#include "zor/zor_lapack.h"
 
 namespace zor::test {
 namespace {
@@ -402,6 +405,29 @@ void progress_child() {
 
 TEST(QrProgress, ReportsEachPanelAndStopsWhenAsked) {
     EXPECT_EXIT(progress_child(), ::testing::ExitedWithCode(0), "");
+}
+
+// The export's frame: no memory for the 64-bit copy of jpvt gives message 1089 and info -1023,
+// nothing computed; a workspace query needs no copy and so no memory.
+void dgeqp3_without_memory() {
+    free_all_buffers();
+    AllocatorScope allocator;
+    AllocatorScope::fail_next(2);  // the thread's record, then the plain path
+    double a[4] = {1, 2, 3, 4}, tau[2], work[16];
+    zor_int jpvt[2] = {0, 0};
+    const zor_int n = 2, lwork = 16;
+    zor_int info = 0;
+    ::dgeqp3(&n, &n, a, &n, jpvt, tau, work, &lwork, &info);
+    if (info != -1023 || a[0] != 1.0 || jpvt[0] != 0) std::exit(1);
+    AllocatorScope::fail_next(2);
+    const zor_int query = -1;
+    ::dgeqp3(&n, &n, a, &n, nullptr, tau, work, &query, &info);
+    std::exit(info == 0 ? 0 : 2);
+}
+
+TEST(QrExportFrame, NoMemoryForThePivotsReports1089) {
+    EXPECT_EQ(child_output(fresh_directory("dgeqp3-no-memory"), dgeqp3_without_memory),
+              "\nZOR INTERNAL ERROR: Not enough work memory in function DGEQP3\n");
 }
 
 // ---- argument checks ----------------------------------------------------------------------------
