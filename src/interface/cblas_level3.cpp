@@ -50,13 +50,24 @@ char update_letter(int layout, int trans, const char (&flipped)[3]) {
     return (row_major(layout) ? flipped : kTransposeLetters)[trans - CblasNoTrans];
 }
 
+// The Trans values an update takes: every one for real data; the complex symmetric updates take no
+// conjugate transpose and the Hermitian ones no plain transpose.
+enum class UpdateKind { Real, ComplexSymmetric, Hermitian };
+
+bool valid_update_transpose(int trans, UpdateKind kind) {
+    if (!valid_transpose(trans)) return false;
+    if (kind == UpdateKind::ComplexSymmetric) return trans != CblasConjTrans;
+    if (kind == UpdateKind::Hermitian) return trans != CblasTrans;
+    return true;
+}
+
 // The checks of syrk (no B: b_ld null) and syr2k.
-bool update_arguments(const char* name, int layout, int uplo, int trans, zor_int n, zor_int k, zor_int lda,
-                      const zor_int* ldb, zor_int ldc) {
+bool update_arguments(const char* name, UpdateKind kind, int layout, int uplo, int trans, zor_int n,
+                      zor_int k, zor_int lda, const zor_int* ldb, zor_int ldc) {
     const bool untransposed = trans == CblasNoTrans;
     const zor_int rows = row_major(layout) == untransposed ? k : n;
     return check_arguments(name, {{!valid_uplo(uplo), 2},
-                                  {!valid_transpose(trans), 3},
+                                  {!valid_update_transpose(trans, kind), 3},
                                   {n < 0, 4},
                                   {k < 0, 5},
                                   {!valid_layout(layout), 1},
@@ -66,20 +77,21 @@ bool update_arguments(const char* name, int layout, int uplo, int trans, zor_int
 }
 
 template <class Scalar, class T, class Routine>
-void rank_k(const char* name, Routine* routine, const char (&flipped)[3], int layout, int uplo, int trans,
-            zor_int n, zor_int k, const Scalar* alpha, const T* a, zor_int lda, const Scalar* beta, T* c,
-            zor_int ldc) {
-    if (!update_arguments(name, layout, uplo, trans, n, k, lda, nullptr, ldc)) return;
+void rank_k(const char* name, Routine* routine, UpdateKind kind, const char (&flipped)[3], int layout,
+            int uplo, int trans, zor_int n, zor_int k, const Scalar* alpha, const T* a, zor_int lda,
+            const Scalar* beta, T* c, zor_int ldc) {
+    if (!update_arguments(name, kind, layout, uplo, trans, n, k, lda, nullptr, ldc)) return;
     const char uplo_ = uplo_letter(layout, uplo), trans_ = update_letter(layout, trans, flipped);
     routine(&uplo_, &trans_, &n, &k, alpha, a, &lda, beta, c, &ldc);
 }
 
 // `conjugate_row_major`: her2k, whose row-major form is the column-major one with conj(alpha).
 template <class Alpha, class T, class Beta, class Routine>
-void rank_2k(const char* name, Routine* routine, const char (&flipped)[3], bool conjugate_row_major,
-             int layout, int uplo, int trans, zor_int n, zor_int k, const Alpha* alpha, const T* a,
-             zor_int lda, const T* b, zor_int ldb, const Beta* beta, T* c, zor_int ldc) {
-    if (!update_arguments(name, layout, uplo, trans, n, k, lda, &ldb, ldc)) return;
+void rank_2k(const char* name, Routine* routine, UpdateKind kind, const char (&flipped)[3],
+             bool conjugate_row_major, int layout, int uplo, int trans, zor_int n, zor_int k,
+             const Alpha* alpha, const T* a, zor_int lda, const T* b, zor_int ldb, const Beta* beta, T* c,
+             zor_int ldc) {
+    if (!update_arguments(name, kind, layout, uplo, trans, n, k, lda, &ldb, ldc)) return;
     const char uplo_ = uplo_letter(layout, uplo), trans_ = update_letter(layout, trans, flipped);
     Alpha alpha_ = *alpha;
     if constexpr (std::is_same_v<Alpha, zcomplex>) {
@@ -187,43 +199,45 @@ void cblas_zhemm(const CBLAS_LAYOUT Layout, const CBLAS_SIDE Side, const CBLAS_U
 void cblas_dsyrk(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const CBLAS_TRANSPOSE Trans,
                  const zor_int N, const zor_int K, const double alpha, const double* A, const zor_int lda,
                  const double beta, double* C, const zor_int ldc) {
-    rank_k("cblas_dsyrk", &fortran::dsyrk, kFlippedRealTransposeLetters, Layout, Uplo, Trans, N, K, &alpha, A,
-           lda, &beta, C, ldc);
+    rank_k("cblas_dsyrk", &fortran::dsyrk, UpdateKind::Real, kFlippedRealTransposeLetters, Layout, Uplo,
+           Trans, N, K, &alpha, A, lda, &beta, C, ldc);
 }
 
 void cblas_zsyrk(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const CBLAS_TRANSPOSE Trans,
                  const zor_int N, const zor_int K, const void* alpha, const void* A, const zor_int lda,
                  const void* beta, void* C, const zor_int ldc) {
-    rank_k("cblas_zsyrk", &fortran::zsyrk, kFlippedRealTransposeLetters, Layout, Uplo, Trans, N, K,
-           complex_in(alpha), complex_in(A), lda, complex_in(beta), complex_out(C), ldc);
+    rank_k("cblas_zsyrk", &fortran::zsyrk, UpdateKind::ComplexSymmetric, kFlippedRealTransposeLetters, Layout,
+           Uplo, Trans, N, K, complex_in(alpha), complex_in(A), lda, complex_in(beta), complex_out(C), ldc);
 }
 
 void cblas_zherk(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const CBLAS_TRANSPOSE Trans,
                  const zor_int N, const zor_int K, const double alpha, const void* A, const zor_int lda,
                  const double beta, void* C, const zor_int ldc) {
-    rank_k("cblas_zherk", &fortran::zherk, kFlippedHermitianTransposeLetters, Layout, Uplo, Trans, N, K,
-           &alpha, complex_in(A), lda, &beta, complex_out(C), ldc);
+    rank_k("cblas_zherk", &fortran::zherk, UpdateKind::Hermitian, kFlippedHermitianTransposeLetters, Layout,
+           Uplo, Trans, N, K, &alpha, complex_in(A), lda, &beta, complex_out(C), ldc);
 }
 
 void cblas_dsyr2k(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const CBLAS_TRANSPOSE Trans,
                   const zor_int N, const zor_int K, const double alpha, const double* A, const zor_int lda,
                   const double* B, const zor_int ldb, const double beta, double* C, const zor_int ldc) {
-    rank_2k("cblas_dsyr2k", &fortran::dsyr2k, kFlippedRealTransposeLetters, false, Layout, Uplo, Trans, N, K,
-            &alpha, A, lda, B, ldb, &beta, C, ldc);
+    rank_2k("cblas_dsyr2k", &fortran::dsyr2k, UpdateKind::Real, kFlippedRealTransposeLetters, false, Layout,
+            Uplo, Trans, N, K, &alpha, A, lda, B, ldb, &beta, C, ldc);
 }
 
 void cblas_zsyr2k(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const CBLAS_TRANSPOSE Trans,
                   const zor_int N, const zor_int K, const void* alpha, const void* A, const zor_int lda,
                   const void* B, const zor_int ldb, const void* beta, void* C, const zor_int ldc) {
-    rank_2k("cblas_zsyr2k", &fortran::zsyr2k, kFlippedRealTransposeLetters, false, Layout, Uplo, Trans, N, K,
-            complex_in(alpha), complex_in(A), lda, complex_in(B), ldb, complex_in(beta), complex_out(C), ldc);
+    rank_2k("cblas_zsyr2k", &fortran::zsyr2k, UpdateKind::ComplexSymmetric, kFlippedRealTransposeLetters,
+            false, Layout, Uplo, Trans, N, K, complex_in(alpha), complex_in(A), lda, complex_in(B), ldb,
+            complex_in(beta), complex_out(C), ldc);
 }
 
 void cblas_zher2k(const CBLAS_LAYOUT Layout, const CBLAS_UPLO Uplo, const CBLAS_TRANSPOSE Trans,
                   const zor_int N, const zor_int K, const void* alpha, const void* A, const zor_int lda,
                   const void* B, const zor_int ldb, const double beta, void* C, const zor_int ldc) {
-    rank_2k("cblas_zher2k", &fortran::zher2k, kFlippedHermitianTransposeLetters, true, Layout, Uplo, Trans, N,
-            K, complex_in(alpha), complex_in(A), lda, complex_in(B), ldb, &beta, complex_out(C), ldc);
+    rank_2k("cblas_zher2k", &fortran::zher2k, UpdateKind::Hermitian, kFlippedHermitianTransposeLetters, true,
+            Layout, Uplo, Trans, N, K, complex_in(alpha), complex_in(A), lda, complex_in(B), ldb, &beta,
+            complex_out(C), ldc);
 }
 
 void cblas_dtrmm(const CBLAS_LAYOUT Layout, const CBLAS_SIDE Side, const CBLAS_UPLO Uplo,

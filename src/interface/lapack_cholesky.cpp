@@ -9,112 +9,177 @@
 using namespace zor::fortran;
 using zor::zint;
 
+namespace {
+
+template <class T>
+void potrf_export(const char* name, const char* uplo, const zor_int* n, T* a, const zor_int* lda,
+                  zor_int* info) {
+    const zint n_ = widen(n), lda_ = widen(lda);
+    LapackCall(name, info, zor::check_potrf<T>(*uplo, n_, lda_)).run([&](zint& i) {
+        zor::potrf(*uplo, n_, a, lda_, i);
+    });
+}
+
+template <class T>
+void posv_export(const char* name, const char* uplo, const zor_int* n, const zor_int* nrhs, T* a,
+                 const zor_int* lda, T* b, const zor_int* ldb, zor_int* info) {
+    const zint n_ = widen(n), nrhs_ = widen(nrhs), lda_ = widen(lda), ldb_ = widen(ldb);
+    LapackCall(name, info, zor::check_posv<T>(*uplo, n_, nrhs_, lda_, ldb_)).run([&](zint& i) {
+        zor::posv(*uplo, n_, nrhs_, a, lda_, b, ldb_, i);
+    });
+}
+
+template <class T>
+void potri_export(const char* name, const char* uplo, const zor_int* n, T* a, const zor_int* lda,
+                  zor_int* info) {
+    const zint n_ = widen(n), lda_ = widen(lda);
+    LapackCall(name, info, zor::check_potri<T>(*uplo, n_, lda_)).run([&](zint& i) {
+        zor::potri(*uplo, n_, a, lda_, i);
+    });
+}
+
+template <class T>
+void pptrf_export(const char* name, const char* uplo, const zor_int* n, T* ap, zor_int* info) {
+    const zint n_ = widen(n);
+    LapackCall(name, info, zor::check_pptrf<T>(*uplo, n_)).run([&](zint& i) {
+        zor::pptrf(*uplo, n_, ap, i);
+    });
+}
+
+template <class T>
+void pptrs_export(const char* name, const char* uplo, const zor_int* n, const zor_int* nrhs, const T* ap,
+                  T* b, const zor_int* ldb, zor_int* info) {
+    const zint n_ = widen(n), nrhs_ = widen(nrhs), ldb_ = widen(ldb);
+    LapackCall(name, info, zor::check_pptrs<T>(*uplo, n_, nrhs_, ldb_)).run([&](zint& i) {
+        zor::pptrs(*uplo, n_, nrhs_, ap, b, ldb_, i);
+    });
+}
+
+template <class T>
+void pptri_export(const char* name, const char* uplo, const zor_int* n, T* ap, zor_int* info) {
+    const zint n_ = widen(n);
+    LapackCall(name, info, zor::check_pptri<T>(*uplo, n_)).run([&](zint& i) {
+        zor::pptri(*uplo, n_, ap, i);
+    });
+}
+
+template <class T>
+void trtri_export(const char* name, const char* uplo, const char* diag, const zor_int* n, T* a,
+                  const zor_int* lda, zor_int* info) {
+    const zint n_ = widen(n), lda_ = widen(lda);
+    LapackCall(name, info, zor::check_trtri<T>(*uplo, *diag, n_, lda_)).run([&](zint& i) {
+        zor::trtri(*uplo, *diag, n_, a, lda_, i);
+    });
+}
+
+template <class T>
+void tptri_export(const char* name, const char* uplo, const char* diag, const zor_int* n, T* ap,
+                  zor_int* info) {
+    const zint n_ = widen(n);
+    LapackCall(name, info, zor::check_tptri<T>(*uplo, *diag, n_)).run([&](zint& i) {
+        zor::tptri(*uplo, *diag, n_, ap, i);
+    });
+}
+
+template <class T>
+void tptrs_export(const char* name, const char* uplo, const char* trans, const char* diag, const zor_int* n,
+                  const zor_int* nrhs, const T* ap, T* b, const zor_int* ldb, zor_int* info) {
+    const zint n_ = widen(n), nrhs_ = widen(nrhs), ldb_ = widen(ldb);
+    LapackCall(name, info, zor::check_tptrs<T>(*uplo, *trans, *diag, n_, nrhs_, ldb_)).run([&](zint& i) {
+        zor::tptrs(*uplo, *trans, *diag, n_, nrhs_, ap, b, ldb_, i);
+    });
+}
+
+}  // namespace
+
 extern "C" {
 
 ZOR_API void dpotrf(const char* uplo, const zor_int* n, double* a, const zor_int* lda, zor_int* info,
                     size_t) {
-    LapackCall("DPOTRF", info).run([&](zint& i) { zor::potrf(*uplo, widen(n), a, widen(lda), i); });
+    potrf_export("DPOTRF", uplo, n, a, lda, info);
 }
 
 ZOR_API void zpotrf(const char* uplo, const zor_int* n, zor_complex_double* a, const zor_int* lda,
                     zor_int* info, size_t) {
-    LapackCall("ZPOTRF", info).run([&](zint& i) {
-        zor::potrf(*uplo, widen(n), as_complex(a), widen(lda), i);
-    });
+    potrf_export("ZPOTRF", uplo, n, as_complex(a), lda, info);
 }
 
 ZOR_API void dposv(const char* uplo, const zor_int* n, const zor_int* nrhs, double* a, const zor_int* lda,
                    double* b, const zor_int* ldb, zor_int* info, size_t) {
-    LapackCall("DPOSV", info).run([&](zint& i) {
-        zor::posv(*uplo, widen(n), widen(nrhs), a, widen(lda), b, widen(ldb), i);
-    });
+    posv_export("DPOSV", uplo, n, nrhs, a, lda, b, ldb, info);
 }
 
 ZOR_API void zposv(const char* uplo, const zor_int* n, const zor_int* nrhs, zor_complex_double* a,
                    const zor_int* lda, zor_complex_double* b, const zor_int* ldb, zor_int* info, size_t) {
-    LapackCall("ZPOSV", info).run([&](zint& i) {
-        zor::posv(*uplo, widen(n), widen(nrhs), as_complex(a), widen(lda), as_complex(b), widen(ldb), i);
-    });
+    posv_export("ZPOSV", uplo, n, nrhs, as_complex(a), lda, as_complex(b), ldb, info);
 }
 
 ZOR_API void dpotri(const char* uplo, const zor_int* n, double* a, const zor_int* lda, zor_int* info,
                     size_t) {
-    LapackCall("DPOTRI", info).run([&](zint& i) { zor::potri(*uplo, widen(n), a, widen(lda), i); });
+    potri_export("DPOTRI", uplo, n, a, lda, info);
 }
 
 ZOR_API void zpotri(const char* uplo, const zor_int* n, zor_complex_double* a, const zor_int* lda,
                     zor_int* info, size_t) {
-    LapackCall("ZPOTRI", info).run([&](zint& i) {
-        zor::potri(*uplo, widen(n), as_complex(a), widen(lda), i);
-    });
+    potri_export("ZPOTRI", uplo, n, as_complex(a), lda, info);
 }
 
 ZOR_API void dpptrf(const char* uplo, const zor_int* n, double* ap, zor_int* info, size_t) {
-    LapackCall("DPPTRF", info).run([&](zint& i) { zor::pptrf(*uplo, widen(n), ap, i); });
+    pptrf_export("DPPTRF", uplo, n, ap, info);
 }
 
 ZOR_API void zpptrf(const char* uplo, const zor_int* n, zor_complex_double* ap, zor_int* info, size_t) {
-    LapackCall("ZPPTRF", info).run([&](zint& i) { zor::pptrf(*uplo, widen(n), as_complex(ap), i); });
+    pptrf_export("ZPPTRF", uplo, n, as_complex(ap), info);
 }
 
 ZOR_API void dpptrs(const char* uplo, const zor_int* n, const zor_int* nrhs, const double* ap, double* b,
                     const zor_int* ldb, zor_int* info, size_t) {
-    LapackCall("DPPTRS", info).run([&](zint& i) {
-        zor::pptrs(*uplo, widen(n), widen(nrhs), ap, b, widen(ldb), i);
-    });
+    pptrs_export("DPPTRS", uplo, n, nrhs, ap, b, ldb, info);
 }
 
 ZOR_API void zpptrs(const char* uplo, const zor_int* n, const zor_int* nrhs, const zor_complex_double* ap,
                     zor_complex_double* b, const zor_int* ldb, zor_int* info, size_t) {
-    LapackCall("ZPPTRS", info).run([&](zint& i) {
-        zor::pptrs(*uplo, widen(n), widen(nrhs), as_complex(ap), as_complex(b), widen(ldb), i);
-    });
+    pptrs_export("ZPPTRS", uplo, n, nrhs, as_complex(ap), as_complex(b), ldb, info);
 }
 
 ZOR_API void dpptri(const char* uplo, const zor_int* n, double* ap, zor_int* info, size_t) {
-    LapackCall("DPPTRI", info).run([&](zint& i) { zor::pptri(*uplo, widen(n), ap, i); });
+    pptri_export("DPPTRI", uplo, n, ap, info);
 }
 
 ZOR_API void zpptri(const char* uplo, const zor_int* n, zor_complex_double* ap, zor_int* info, size_t) {
-    LapackCall("ZPPTRI", info).run([&](zint& i) { zor::pptri(*uplo, widen(n), as_complex(ap), i); });
+    pptri_export("ZPPTRI", uplo, n, as_complex(ap), info);
 }
 
 ZOR_API void dtrtri(const char* uplo, const char* diag, const zor_int* n, double* a, const zor_int* lda,
                     zor_int* info, size_t, size_t) {
-    LapackCall("DTRTRI", info).run([&](zint& i) { zor::trtri(*uplo, *diag, widen(n), a, widen(lda), i); });
+    trtri_export("DTRTRI", uplo, diag, n, a, lda, info);
 }
 
 ZOR_API void ztrtri(const char* uplo, const char* diag, const zor_int* n, zor_complex_double* a,
                     const zor_int* lda, zor_int* info, size_t, size_t) {
-    LapackCall("ZTRTRI", info).run([&](zint& i) {
-        zor::trtri(*uplo, *diag, widen(n), as_complex(a), widen(lda), i);
-    });
+    trtri_export("ZTRTRI", uplo, diag, n, as_complex(a), lda, info);
 }
 
 ZOR_API void dtptri(const char* uplo, const char* diag, const zor_int* n, double* ap, zor_int* info, size_t,
                     size_t) {
-    LapackCall("DTPTRI", info).run([&](zint& i) { zor::tptri(*uplo, *diag, widen(n), ap, i); });
+    tptri_export("DTPTRI", uplo, diag, n, ap, info);
 }
 
 ZOR_API void ztptri(const char* uplo, const char* diag, const zor_int* n, zor_complex_double* ap,
                     zor_int* info, size_t, size_t) {
-    LapackCall("ZTPTRI", info).run([&](zint& i) { zor::tptri(*uplo, *diag, widen(n), as_complex(ap), i); });
+    tptri_export("ZTPTRI", uplo, diag, n, as_complex(ap), info);
 }
 
 ZOR_API void dtptrs(const char* uplo, const char* trans, const char* diag, const zor_int* n,
                     const zor_int* nrhs, const double* ap, double* b, const zor_int* ldb, zor_int* info,
                     size_t, size_t, size_t) {
-    LapackCall("DTPTRS", info).run([&](zint& i) {
-        zor::tptrs(*uplo, *trans, *diag, widen(n), widen(nrhs), ap, b, widen(ldb), i);
-    });
+    tptrs_export("DTPTRS", uplo, trans, diag, n, nrhs, ap, b, ldb, info);
 }
 
 ZOR_API void ztptrs(const char* uplo, const char* trans, const char* diag, const zor_int* n,
                     const zor_int* nrhs, const zor_complex_double* ap, zor_complex_double* b,
                     const zor_int* ldb, zor_int* info, size_t, size_t, size_t) {
-    LapackCall("ZTPTRS", info).run([&](zint& i) {
-        zor::tptrs(*uplo, *trans, *diag, widen(n), widen(nrhs), as_complex(ap), as_complex(b), widen(ldb), i);
-    });
+    tptrs_export("ZTPTRS", uplo, trans, diag, n, nrhs, as_complex(ap), as_complex(b), ldb, info);
 }
 
 }  // extern "C"

@@ -14,6 +14,7 @@ LapackCall::~LapackCall() {
 }
 
 zint* LapackCall::array(zor_int* caller, zint entries, Transfer transfer, zint count) {
+    if (checked_ != 0) return nullptr;
     if (count_ == kMaxArrays) {
         failed_ = true;
         return nullptr;
@@ -33,6 +34,8 @@ zint* LapackCall::array(zor_int* caller, zint entries, Transfer transfer, zint c
     copies_[count_++] = {caller, wide, transfer, count};
     if (transfer == Transfer::In || transfer == Transfer::InOut) {
         for (zint i = 0; i < count; ++i) wide[i] = caller[i];
+    } else if (transfer == Transfer::Pivots) {
+        for (zint i = 0; i < count; ++i) wide[i] = 0;
     }
     return wide;
 }
@@ -55,6 +58,10 @@ void LapackCall::finish(zint info) {
             if (copy.transfer == Transfer::Out || copy.transfer == Transfer::InOut ||
                 copy.transfer == Transfer::FirstOut) {
                 for (zint j = 0; j < copy.count; ++j) copy.caller[j] = narrow(copy.wide[j]);
+            } else if (copy.transfer == Transfer::Pivots) {
+                for (zint j = 0; j < copy.count; ++j) {
+                    if (copy.wide[j] != 0) copy.caller[j] = narrow(copy.wide[j]);
+                }
             }
         }
     }

@@ -217,3 +217,38 @@ TEST(LapackExports, ABadArgumentIsPrintedWithTheBlankPaddedName) {
 }
 
 }  // namespace
+
+// Huge orders with a bad leading dimension and arrays sized for a small call: the argument error
+// must be reported before any array of the caller is read or written and before anything is sized
+// from the orders (reading min(m, n) pivots here would fault; allocating them could fail first).
+TEST(LapackExports, AnArgumentErrorTouchesNoArrayWhateverTheOrder) {
+    const zor_int huge = 1000000, one = 1, zero = 0, bad = 1, lwork = 16;
+    zor_int ipiv[16];
+    for (zor_int& p : ipiv) p = -7;
+    double a[16] = {}, b[16] = {};
+    zor_complex_double z[16] = {};
+    const auto info_of = [](auto call) {
+        ::testing::internal::CaptureStdout();
+        zor_int info = 0;
+        call(&info);
+        const std::string printed = ::testing::internal::GetCapturedStdout();
+        return std::pair{info, printed};
+    };
+    const auto dgetrf_result = info_of([&](zor_int* info) { dgetrf(&huge, &huge, a, &bad, ipiv, info); });
+    EXPECT_EQ(dgetrf_result.first, -4);
+    EXPECT_EQ(dgetrf_result.second, "\nZOR ERROR: Parameter 4 was incorrect on entry to DGETRF\n");
+    EXPECT_EQ(info_of([&](zor_int* info) { zgetrf(&huge, &huge, z, &bad, ipiv, info); }).first, -4);
+    EXPECT_EQ(info_of([&](zor_int* info) { dgesv(&huge, &one, a, &bad, ipiv, b, &huge, info); }).first, -4);
+    EXPECT_EQ(info_of([&](zor_int* info) { zgesv(&huge, &one, z, &huge, ipiv, z, &bad, info); }).first, -7);
+    EXPECT_EQ(info_of([&](zor_int* info) { dgetri(&huge, a, &bad, ipiv, b, &lwork, info); }).first, -3);
+    EXPECT_EQ(info_of([&](zor_int* info) { zgetri(&huge, z, &huge, ipiv, z, &lwork, info); }).first, -6);
+    EXPECT_EQ(info_of([&](zor_int* info) { dgbsv(&huge, &one, &one, &one, a, &bad, ipiv, b, &huge, info); }).first,
+              -6);
+    EXPECT_EQ(info_of([&](zor_int* info) { zgbsv(&huge, &one, &one, &one, z, &huge, ipiv, z, &bad, info); }).first,
+              -9);
+    EXPECT_EQ(info_of([&](zor_int* info) { dgttrs("N", &huge, &one, a, a, a, a, ipiv, b, &bad, info, 1); }).first,
+              -10);
+    EXPECT_EQ(info_of([&](zor_int* info) { dgttrs("X", &huge, &zero, a, a, a, a, ipiv, b, &bad, info, 1); }).first,
+              -1);
+    for (const zor_int p : ipiv) EXPECT_EQ(p, -7);
+}

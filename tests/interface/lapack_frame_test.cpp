@@ -38,7 +38,7 @@ struct FakeRoutine {
 };
 
 void fake_export(FakeRoutine& routine, const zor_int* n, zor_int* array, Transfer transfer, zor_int* info) {
-    LapackCall call("DFAKE", info);
+    LapackCall call("DFAKE", info, 0);
     const zint n_ = widen(n);
     zint* wide = call.array(array, n_, transfer, n_);
     call.run([&](zint& info_) {
@@ -68,6 +68,7 @@ TEST(LapackFrame, EachTransferTouchesOnlyWhatItSays) {
         {Transfer::Out, {-1, 999, 1999, kUntouched, kUntouched}},
         {Transfer::InOut, {-1, 999, 1999, kUntouched, kUntouched}},
         {Transfer::FirstOut, {-1, INT32_MIN, -5, kUntouched, kUntouched}},
+        {Transfer::Pivots, {-1, 999, 1999, kUntouched, kUntouched}},
     };
     for (const auto& c : cases) {
         FakeRoutine routine;
@@ -79,9 +80,35 @@ TEST(LapackFrame, EachTransferTouchesOnlyWhatItSays) {
         if (c.transfer == Transfer::In || c.transfer == Transfer::InOut) {
             EXPECT_EQ(routine.seen, (std::vector<zint>{-3, INT32_MIN, -5}));  // widened with their sign
         }
+        if (c.transfer == Transfer::Pivots) {
+            EXPECT_EQ(routine.seen, (std::vector<zint>{0, 0, 0}));  // nothing of the caller read
+        }
         EXPECT_EQ(a, c.after) << static_cast<int>(c.transfer);
         EXPECT_EQ(info, 0);
     }
+}
+
+// Pivots a routine did not write (stopped by the progress handler) keep the caller's values.
+TEST(LapackFrame, PivotsNotWrittenKeepTheCallersValues) {
+    FakeRoutine routine;
+    routine.value = [](zint i) { return i == 1 ? zint{0} : i + 1; };
+    std::vector<zor_int> a = caller_array(3);
+    const zor_int n = 3;
+    zor_int info = 99;
+    fake_export(routine, &n, a.data(), Transfer::Pivots, &info);
+    EXPECT_EQ(a, (std::vector<zor_int>{1, -4, 3, kUntouched, kUntouched}));
+}
+
+// A failed argument check ends the call before any copy: the caller's array is neither read nor
+// written, nothing is allocated, the routine does not run, and info is the check's.
+TEST(LapackFrame, AFailedCheckCopiesNothingAndRunsNothing) {
+    zor_int info = 99;
+    LapackCall call("DFAKE", &info, -4);
+    EXPECT_EQ(call.array(nullptr, INT64_MAX, Transfer::In, INT64_MAX), nullptr);
+    bool ran = false;
+    call.run([&](zint&) { ran = true; });
+    EXPECT_FALSE(ran);
+    EXPECT_EQ(info, -4);
 }
 
 // The info keeps its low 32 bits; an argument error (an internal info below 0) leaves the caller's
@@ -150,7 +177,7 @@ TEST(LapackFrameFailure, NoMemoryForACopyReports1089AndStoresMinus1023) {
 TEST(LapackFrameFailure, ACopyTooLargeToAddressFailsTheSameWay) {
     const std::string out = test::child_output(test::fresh_directory("frame-too-large"), [] {
         zor_int info = 99;
-        LapackCall call("ZGESDD", &info);
+        LapackCall call("ZGESDD", &info, 0);
         zor_int dummy = 0;
         if (call.array(&dummy, INT64_MAX, Transfer::None, 0) != nullptr) std::exit(1);
         call.run([](zint&) { std::exit(2); });
@@ -164,7 +191,7 @@ TEST(LapackFrameFailure, AFailedSecondCopyReleasesTheFirst) {
         free_all_buffers();
         {
             zor_int info = 0;
-            LapackCall call("DGGSVD", &info);
+            LapackCall call("DGGSVD", &info, 0);
             zor_int first[4] = {};
             zor_int second[4] = {};
             if (call.array(first, 4, Transfer::In, 4) == nullptr) std::exit(1);

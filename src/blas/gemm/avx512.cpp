@@ -16,11 +16,11 @@
 
 #include <immintrin.h>
 
+#include "blas/simd.hpp"
+
 // GCC 12 flags the undefined pass-through operand inside its own AVX-512 intrinsics (its bug 105593).
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #pragma GCC diagnostic ignored "-Wuninitialized"
-
-#define ZOR_AVX512 __attribute__((target("avx512f")))
 
 namespace zor::avx {
 
@@ -130,30 +130,6 @@ ZOR_AVX512 inline void update_element(double* c, double v, Beta kind, double bet
     }
 }
 
-// Rows r0..r7 of 8 columns into the 8 columns of 8 rows.
-ZOR_AVX512 inline void transpose8(__m512d (&r)[8]) {
-    __m512d t[8], u[8];
-    for (int i = 0; i < 4; ++i) {
-        t[2 * i] = _mm512_unpacklo_pd(r[2 * i], r[2 * i + 1]);
-        t[2 * i + 1] = _mm512_unpackhi_pd(r[2 * i], r[2 * i + 1]);
-    }
-    // u[0], u[1]: columns (0, 4) and (2, 6) of rows 0-3; u[2], u[3]: (1, 5) and (3, 7); u[4..7]: rows 4-7.
-    for (int h = 0; h < 2; ++h) {
-        u[4 * h + 0] = _mm512_shuffle_f64x2(t[4 * h + 0], t[4 * h + 2], 0x88);
-        u[4 * h + 1] = _mm512_shuffle_f64x2(t[4 * h + 0], t[4 * h + 2], 0xDD);
-        u[4 * h + 2] = _mm512_shuffle_f64x2(t[4 * h + 1], t[4 * h + 3], 0x88);
-        u[4 * h + 3] = _mm512_shuffle_f64x2(t[4 * h + 1], t[4 * h + 3], 0xDD);
-    }
-    r[0] = _mm512_shuffle_f64x2(u[0], u[4], 0x88);
-    r[4] = _mm512_shuffle_f64x2(u[0], u[4], 0xDD);
-    r[2] = _mm512_shuffle_f64x2(u[1], u[5], 0x88);
-    r[6] = _mm512_shuffle_f64x2(u[1], u[5], 0xDD);
-    r[1] = _mm512_shuffle_f64x2(u[2], u[6], 0x88);
-    r[5] = _mm512_shuffle_f64x2(u[2], u[6], 0xDD);
-    r[3] = _mm512_shuffle_f64x2(u[3], u[7], 0x88);
-    r[7] = _mm512_shuffle_f64x2(u[3], u[7], 0xDD);
-}
-
 // Columns 8q .. 8q + 7 of C, 8 rows each, := beta C + the transposed rows of acc.
 template <Beta K>
 ZOR_AVX512 inline void store_columns(double* c, zint ldc, __m512d (&acc)[8][3], double beta) {
@@ -162,7 +138,7 @@ ZOR_AVX512 inline void store_columns(double* c, zint ldc, __m512d (&acc)[8][3], 
         __m512d col[8];
 #pragma GCC unroll 8
         for (int r = 0; r < 8; ++r) col[r] = acc[r][q];
-        transpose8(col);
+        Vec8::transpose(col);
 #pragma GCC unroll 8
         for (int j = 0; j < 8; ++j) update_column(c + (8 * q + j) * ldc, col[j], K, beta);
     }
@@ -222,7 +198,7 @@ ZOR_AVX512 void dgemm_tile(zint kb, const double* a, zint a_stride, const double
             for (int q = 0; q < QP; ++q) {
                 __m512d col[8];
                 for (int r = 0; r < 8; ++r) col[r] = acc[r][q];
-                transpose8(col);
+                Vec8::transpose(col);
                 for (int j = 0; j < 8; ++j) update_column(c + (8 * q + j) * ldc, col[j], kind, beta);
             }
             return;

@@ -1,6 +1,7 @@
 #include "blas/gemm/blocking.hpp"
 
 #include "service/cpu.hpp"
+#include "service/letters.hpp"
 #include "service/memory.hpp"
 
 namespace zor {
@@ -31,12 +32,45 @@ constexpr std::int64_t kPackedSlack = 512;
 GemmRecord real_gemm_record(CpuLevel level, int sublevel) {
     switch (level) {
         case CpuLevel::Avx:
-            return {0, 106, 4, 8, 4, 2, 2, 2, 4};
+            return {.record_index = 0,
+                    .layout_code = 106,
+                    .mr = 4,
+                    .nr = 8,
+                    .kr = 4,
+                    .min_m = 2,
+                    .min_n = 2,
+                    .min_k = 2,
+                    .micro_panel_count = 4};
         case CpuLevel::Sse42:
-            return {sublevel == 66 ? 1 : 0, 126, 2, 8, 4, 4, 4, 4, 1};
+            return {.record_index = sublevel == 66 ? 1 : 0,
+                    .layout_code = 126,
+                    .mr = 2,
+                    .nr = 8,
+                    .kr = 4,
+                    .min_m = 4,
+                    .min_n = 4,
+                    .min_k = 4,
+                    .micro_panel_count = 1};
         case CpuLevel::Ssse3:
-            if (sublevel == 33) return {1, 126, 4, 4, 4, 4, 4, 4, 1};
-            return {0, 382, 4, 4, 4, 2, 2, 2, 2};
+            if (sublevel == 33)
+                return {.record_index = 1,
+                        .layout_code = 126,
+                        .mr = 4,
+                        .nr = 4,
+                        .kr = 4,
+                        .min_m = 4,
+                        .min_n = 4,
+                        .min_k = 4,
+                        .micro_panel_count = 1};
+            return {.record_index = 0,
+                    .layout_code = 382,
+                    .mr = 4,
+                    .nr = 4,
+                    .kr = 4,
+                    .min_m = 2,
+                    .min_n = 2,
+                    .min_k = 2,
+                    .micro_panel_count = 2};
         default:
             return {};
     }
@@ -46,12 +80,45 @@ GemmRecord real_gemm_record(CpuLevel level, int sublevel) {
 GemmRecord complex_gemm_record(CpuLevel level, int sublevel) {
     switch (level) {
         case CpuLevel::Avx:
-            return {0, 106, 2, 4, 4, 1, 1, 1, 1};
+            return {.record_index = 0,
+                    .layout_code = 106,
+                    .mr = 2,
+                    .nr = 4,
+                    .kr = 4,
+                    .min_m = 1,
+                    .min_n = 1,
+                    .min_k = 1,
+                    .micro_panel_count = 1};
         case CpuLevel::Sse42:
-            return {sublevel == 66 ? 1 : 0, 126, 2, 4, 4, 1, 1, 1, 1};
+            return {.record_index = sublevel == 66 ? 1 : 0,
+                    .layout_code = 126,
+                    .mr = 2,
+                    .nr = 4,
+                    .kr = 4,
+                    .min_m = 1,
+                    .min_n = 1,
+                    .min_k = 1,
+                    .micro_panel_count = 1};
         case CpuLevel::Ssse3:
-            if (sublevel == 33) return {1, 126, 2, 4, 4, 1, 1, 1, 1};
-            return {0, 382, 2, 4, 4, 1, 1, 1, 1};
+            if (sublevel == 33)
+                return {.record_index = 1,
+                        .layout_code = 126,
+                        .mr = 2,
+                        .nr = 4,
+                        .kr = 4,
+                        .min_m = 1,
+                        .min_n = 1,
+                        .min_k = 1,
+                        .micro_panel_count = 1};
+            return {.record_index = 0,
+                    .layout_code = 382,
+                    .mr = 2,
+                    .nr = 4,
+                    .kr = 4,
+                    .min_m = 1,
+                    .min_n = 1,
+                    .min_k = 1,
+                    .micro_panel_count = 1};
         default:
             return {};
     }
@@ -263,13 +330,14 @@ std::int64_t default_gemm_bytes(const DefaultGemmBlocks& blocks) {
 FixedGemmAreas carve_default_gemm(std::uintptr_t s, const DefaultGemmBlocks& blocks) {
     const std::uintptr_t a_bytes = static_cast<std::uintptr_t>(blocks.mc * blocks.kc * 8);
     const std::uintptr_t third_bytes = static_cast<std::uintptr_t>(blocks.kc * 192);
-    return {round_down(s, 4096) + 4096, round_down(s + a_bytes + 8704, 128) + 640,
-            round_down(s + a_bytes + 8704 + third_bytes + 768, 4096) + 4096};
+    return {.a = round_down(s, 4096) + 4096,
+            .third = round_down(s + a_bytes + 8704, 128) + 640,
+            .b = round_down(s + a_bytes + 8704 + third_bytes + 768, 4096) + 4096};
 }
 
 Sse3GemmBlocks sse3_gemm_blocks(char transb, zint m, zint n, zint k) {
     Sse3GemmBlocks blocks{};
-    const bool b_untransposed = transb == 'N' || transb == 'n';
+    const bool b_untransposed = lsame(transb, 'N');
     if (!b_untransposed || m + n + k > 384) {
         blocks.mode = (m % 4 == 0 && n % 4 == 0) ? Sse3GemmMode::FullAligned : Sse3GemmMode::Full;
     } else {
@@ -306,7 +374,7 @@ FixedGemmAreas carve_sse3_gemm(std::uintptr_t s, const Sse3GemmBlocks& blocks) {
         blocks.mode == Sse3GemmMode::Light
             ? 0
             : round_down(third + static_cast<std::uintptr_t>(blocks.kc * 64), 4096) + 4096;
-    return {a, third, b};
+    return {.a = a, .third = third, .b = b};
 }
 
 zint zgemm_default_nc(zint n) {
@@ -318,8 +386,9 @@ std::int64_t zgemm_default_bytes(zint nc) {
 }
 
 FixedGemmAreas carve_zgemm_default(std::uintptr_t s) {
-    return {round_down(s, 4096) + 4096, round_down(s + 336384, 128) + 640,
-            round_down(s + 345344, 4096) + 4096};
+    return {.a = round_down(s, 4096) + 4096,
+            .third = round_down(s + 336384, 128) + 640,
+            .b = round_down(s + 345344, 4096) + 4096};
 }
 
 zint zgemm_default_first_depth(zint k) {

@@ -61,17 +61,17 @@ Macro* table_macro_kernel(const GemmChoice& choice, int record_index) {
 void load_record(GemmBlockingParams<double>& params, const GemmChoice& choice) {
     const GemmRecord record = real_gemm_record(kLevel, choice.sublevel);
     load_record_numbers(params, record);
-    params.operations = {&choose_blocks<double>,
-                         &buffer_sizes<double>,
-                         &get_buffers<double>,
-                         &pack_a_n<kTableMr>,
-                         &pack_a_t<kTableMr>,
-                         &pack_a_t<kTableMr>,
-                         &pack_b_n<kTableNr, double>,
-                         &pack_b_t<kTableNr, double>,
-                         &pack_b_t<kTableNr, double>,
-                         {nullptr, nullptr},
-                         table_macro_kernel(choice, record.record_index)};
+    params.operations = {.choose_blocks = &choose_blocks<double>,
+                         .buffer_sizes = &buffer_sizes<double>,
+                         .get_buffers = &get_buffers<double>,
+                         .pack_a_n = &pack_a_n<kTableMr>,
+                         .pack_a_t = &pack_a_t<kTableMr>,
+                         .pack_a_c = &pack_a_t<kTableMr>,
+                         .pack_b_n = &pack_b_n<kTableNr, double>,
+                         .pack_b_t = &pack_b_t<kTableNr, double>,
+                         .pack_b_c = &pack_b_t<kTableNr, double>,
+                         .spare = {nullptr, nullptr},
+                         .macro_kernel = table_macro_kernel(choice, record.record_index)};
 #ifdef __AVX__
     params.operations.pack_a_n = &pack_a_n_avx;
     params.operations.pack_a_t = params.operations.pack_a_c = &pack_a_t_avx;
@@ -123,56 +123,39 @@ void remaining_columns(const char& transa, const char& transb, zint first, const
     }
 }
 
-// The blocked part of the fixed design: rows [0, m rounded down to even) and columns [0, main_n),
-// beta applied with the first depth block; the odd last row of each column and depth block by the
-// small path. `third` is where the light mode packs its B micro-panels; null in the full modes.
-struct FixedBlocks {
-    zint mc, nc, kc;
-    double* a_area;
-    double* b_area;
-    double* third;
-};
-
-void fixed_blocked(const FixedBlocks& blocks, const FixedKernels& kernels, const char& transa,
-                   const char& transb, const zint& m, zint main_n, const zint& k, const double& alpha,
-                   const double* a, const zint& lda, const double* b, const zint& ldb, const double& beta,
-                   double* c, const zint& ldc) {
+// The blocked part of the fixed design: rows [0, m rounded down to even) and columns [0, main_n)
+// through the loop nest, beta applied with the first depth block; the odd last row of each column
+// and depth block by the small path.
+void fixed_blocked(GemmLoop<double> loop, const char& transa, const char& transb, const zint& m, zint main_n,
+                   const zint& k, const double& alpha, const double* a, const zint& lda, const double* b,
+                   const zint& ldb, const double& beta, double* c, const zint& ldc) {
     const zint main_m = m / 2 * 2;
-    const double one = 1.0;
-    for (zint jc = 0; jc < main_n; jc += blocks.nc) {
-        const zint nb = main_n - jc < blocks.nc ? main_n - jc : blocks.nc;
-        for (zint pc = 0; pc < k; pc += blocks.kc) {
-            const zint kb = k - pc < blocks.kc ? k - pc : blocks.kc;
-            const zint kb_padded = (kb + 3) / 4 * 4;
-            const double& block_beta = pc == 0 ? beta : one;
-            const double* b_block = op_address(b, ldb, transb, pc, jc);
-            Macro* kernel = kb_padded == kFixedDepth ? kernels.full_depth : kernels.any_depth;
-            if (blocks.third == nullptr)
-                kernels.pack_b(kb, nb, b_block, ldb, blocks.b_area, 4 * kb_padded, one);
-            for (zint ic = 0; ic < main_m; ic += blocks.mc) {
-                const zint mb = main_m - ic < blocks.mc ? main_m - ic : blocks.mc;
-                kernels.pack_a(mb, kb, op_address(a, lda, transa, ic, pc), lda, blocks.a_area, 2 * kb_padded,
-                               alpha);
-                double* c_block = c + ic + jc * ldc;
-                if (blocks.third == nullptr) {
-                    kernel(mb, nb, kb_padded, blocks.a_area, blocks.b_area, &block_beta, c_block, ldc);
-                    continue;
-                }
-                for (zint j = 0; j < nb; j += 4) {
-                    const zint width = nb - j < 4 ? nb - j : 4;
-                    kernels.pack_b(kb, width, op_address(b, ldb, transb, pc, jc + j), ldb, blocks.third,
-                                   4 * kb_padded, one);
-                    kernel(mb, width, kb_padded, blocks.a_area, blocks.third, &block_beta, c_block + j * ldc,
-                           ldc);
-                }
-            }
-            if (main_m < m) {
-                const zint one_row = 1;
-                dgemm_small(transa, transb, one_row, nb, kb, alpha, op_address(a, lda, transa, m - 1, pc),
-                            lda, b_block, ldb, block_beta, c + (m - 1) + jc * ldc, ldc);
-            }
-        }
-    }
+    const auto odd_row = [&](zint jc, zint nb, zint pc, zint kb, const double& block_beta) {
+        if (main_m == m) return;
+        const zint one_row = 1;
+        dgemm_small(transa, transb, one_row, nb, kb, alpha, op_address(a, lda, transa, m - 1, pc), lda,
+                    op_address(b, ldb, transb, pc, jc), ldb, block_beta, c + (m - 1) + jc * ldc, ldc);
+    };
+    gemm_loop(loop, transa, transb, main_m, main_n, k, alpha, a, lda, b, ldb, beta, c, ldc, odd_row);
+}
+
+// The loop of the fixed design for its blocks and areas: panels of 2 rows of A and 4 columns of B.
+GemmLoop<double> fixed_loop(const FixedKernels& kernels, zint mc, zint nc, zint kc,
+                            const FixedGemmAreas& areas, bool light) {
+    return {.mc = mc,
+            .nc = nc,
+            .kc = kc,
+            .mr = 2,
+            .nr = 4,
+            .kr = 4,
+            .a_area = reinterpret_cast<double*>(areas.a),
+            .b_area = reinterpret_cast<double*>(areas.b),
+            .pack_a = kernels.pack_a,
+            .pack_b = kernels.pack_b,
+            .kernel = kernels.any_depth,
+            .special_depth = kFixedDepth,
+            .special_kernel = kernels.full_depth,
+            .b_panel_area = light ? reinterpret_cast<double*>(areas.third) : nullptr};
 }
 
 void dgemm_default_fixed(const char& transa, const char& transb, const zint& m, const zint& n, const zint& k,
@@ -192,15 +175,10 @@ void dgemm_default_fixed(const char& transa, const char& transb, const zint& m, 
         return;
     }
     const FixedGemmAreas areas = carve_default_gemm(reinterpret_cast<std::uintptr_t>(block), blocks);
-    const FixedBlocks fixed{blocks.mc,
-                            blocks.nc,
-                            blocks.kc,
-                            reinterpret_cast<double*>(areas.a),
-                            reinterpret_cast<double*>(areas.b),
-                            nullptr};
     const zint main_n = n / 4 * 4;
-    fixed_blocked(fixed, fixed_kernels(transa, transb, false), transa, transb, m, main_n, k, alpha, a, lda, b,
-                  ldb, one, c, ldc);
+    fixed_blocked(
+        fixed_loop(fixed_kernels(transa, transb, false), blocks.mc, blocks.nc, blocks.kc, areas, false),
+        transa, transb, m, main_n, k, alpha, a, lda, b, ldb, one, c, ldc);
     remaining_columns(transa, transb, main_n, m, n, k, alpha, a, lda, b, ldb, one, c, ldc);
     zor_deallocate(block);
 }
@@ -224,17 +202,12 @@ void dgemm_sse3_fixed(const char& transa, const char& transb, const zint& m, con
     }
     const FixedGemmAreas areas = carve_sse3_gemm(reinterpret_cast<std::uintptr_t>(block), blocks);
     const bool light = blocks.mode == Sse3GemmMode::Light;
-    const FixedBlocks fixed{blocks.mc,
-                            blocks.nc,
-                            blocks.kc,
-                            reinterpret_cast<double*>(areas.a),
-                            reinterpret_cast<double*>(areas.b),
-                            light ? reinterpret_cast<double*>(areas.third) : nullptr};
     const zint main_n = n / 4 * 4;
     // m and n multiples of 4: no odd row, no remaining columns, and every sliver a whole one.
     const bool aligned = blocks.mode == Sse3GemmMode::FullAligned;
-    fixed_blocked(fixed, fixed_kernels(transa, transb, aligned), transa, transb, m, main_n, k, alpha, a, lda,
-                  b, ldb, beta, c, ldc);
+    fixed_blocked(
+        fixed_loop(fixed_kernels(transa, transb, aligned), blocks.mc, blocks.nc, blocks.kc, areas, light),
+        transa, transb, m, main_n, k, alpha, a, lda, b, ldb, beta, c, ldc);
     remaining_columns(transa, transb, main_n, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
     zor_deallocate(block);
 }
@@ -251,17 +224,19 @@ void dgemm_family10h(const char& transa, const char& transb, const zint& m, cons
         return;
     }
     if (m >= 4 && n >= 2 && k >= 4) {
-        const BetaBlockedGemm<double> g{
-            4,
-            2,
-            4,
-            192,
-            2048,
-            256,
-            lsame(transa, 'N') ? static_cast<Pack*>(&pack_a_n<4>) : static_cast<Pack*>(&pack_a_t<4>),
-            lsame(transb, 'N') ? &pack_b_n<2, double> : &pack_b_t<2, double>,
-            &macro_sse<4, 2, 4, 2>};
-        if (gemm_blocked_with_beta(g, "xdgemm", transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc))
+        const GemmLoop<double> loop{
+            .mc = 192,
+            .nc = 2048,
+            .kc = 256,
+            .mr = 4,
+            .nr = 2,
+            .kr = 4,
+            .pack_a =
+                lsame(transa, 'N') ? static_cast<Pack*>(&pack_a_n<4>) : static_cast<Pack*>(&pack_a_t<4>),
+            .pack_b = lsame(transb, 'N') ? &pack_b_n<2, double> : &pack_b_t<2, double>,
+            .kernel = &macro_sse<4, 2, 4, 2>};
+        if (gemm_blocked_with_beta(loop, "xdgemm", transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c,
+                                   ldc))
             return;
     }
     dgemm_small(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);

@@ -3,6 +3,8 @@
 
 #include "blas/gemm/gemm.hpp"
 #include "blas/kernel.hpp"
+#include "service/element.hpp"
+#include "service/letters.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
 
@@ -11,23 +13,19 @@ namespace {
 enum class Op { None, Transpose, ConjugateTranspose };
 
 Op real_op(char trans) {
-    return (trans == 'N' || trans == 'n') ? Op::None : Op::Transpose;
+    return lsame(trans, 'N') ? Op::None : Op::Transpose;
 }
 
 Op complex_op(char trans) {
-    if (trans == 'N' || trans == 'n') return Op::None;
-    return (trans == 'T' || trans == 't') ? Op::Transpose : Op::ConjugateTranspose;
-}
-
-zcomplex mul(const zcomplex& x, const zcomplex& y) {
-    return {x.re * y.re - x.im * y.im, x.re * y.im + x.im * y.re};
+    if (lsame(trans, 'N')) return Op::None;
+    return lsame(trans, 'T') ? Op::Transpose : Op::ConjugateTranspose;
 }
 
 // Element (i, j) of op(X) for X stored with leading dimension ld.
 zcomplex element(const zcomplex* x, zint ld, Op op, zint i, zint j) {
     if (op == Op::None) return x[i + j * ld];
     const zcomplex v = x[j + i * ld];
-    return op == Op::Transpose ? v : zcomplex{v.re, -v.im};
+    return op == Op::Transpose ? v : conj(v);
 }
 
 }  // namespace
@@ -44,13 +42,13 @@ void scale_c(const zint& m, const zint& n, const double& beta, double* c, const 
 }
 
 void zscale_c(const zint& m, const zint& n, const zcomplex& beta, zcomplex* c, const zint& ldc) {
-    const bool zero = beta.re == 0.0 && beta.im == 0.0;
+    const bool zero = is_zero(beta);
     for (zint j = 0; j < n; ++j) {
         zcomplex* column = c + j * ldc;
         if (zero) {
             for (zint i = 0; i < m; ++i) column[i] = {0.0, 0.0};
         } else {
-            for (zint i = 0; i < m; ++i) column[i] = mul(beta, column[i]);
+            for (zint i = 0; i < m; ++i) column[i] = beta * column[i];
         }
     }
 }
@@ -91,29 +89,19 @@ void zgemm_small(const char& transa, const char& transb, const zint& m, const zi
     const Op op_a = complex_op(transa), op_b = complex_op(transb);
     for (zint j = 0; j < n; ++j) {
         zcomplex* column = c + j * ldc;
-        if (beta.re != 1.0 || beta.im != 0.0) zscale_c(m, 1, beta, column, ldc);
+        if (!is_one(beta)) zscale_c(m, 1, beta, column, ldc);
         if (k <= 0) continue;
         if (op_a == Op::None) {
             for (zint p = 0; p < k; ++p) {
-                const zcomplex t = mul(alpha, element(b, ldb, op_b, p, j));
+                const zcomplex t = alpha * element(b, ldb, op_b, p, j);
                 const zcomplex* a_column = a + p * lda;
-                for (zint i = 0; i < m; ++i) {
-                    const zcomplex product = mul(t, a_column[i]);
-                    column[i].re += product.re;
-                    column[i].im += product.im;
-                }
+                for (zint i = 0; i < m; ++i) column[i] += t * a_column[i];
             }
         } else {
             for (zint i = 0; i < m; ++i) {
                 zcomplex sum{0.0, 0.0};
-                for (zint p = 0; p < k; ++p) {
-                    const zcomplex product = mul(element(a, lda, op_a, i, p), element(b, ldb, op_b, p, j));
-                    sum.re += product.re;
-                    sum.im += product.im;
-                }
-                const zcomplex scaled = mul(alpha, sum);
-                column[i].re += scaled.re;
-                column[i].im += scaled.im;
+                for (zint p = 0; p < k; ++p) sum += element(a, lda, op_a, i, p) * element(b, ldb, op_b, p, j);
+                column[i] += alpha * sum;
             }
         }
     }

@@ -47,17 +47,17 @@ Macro* table_macro_kernel(const GemmChoice& choice) {
 void load_record(GemmBlockingParams<zcomplex>& params, const GemmChoice& choice) {
     const GemmRecord record = complex_gemm_record(kLevel, choice.sublevel);
     load_record_numbers(params, record);
-    params.operations = {&choose_blocks<zcomplex>,
-                         &buffer_sizes<zcomplex>,
-                         &get_buffers<zcomplex>,
-                         &pack_a_n<2>,
-                         &pack_a_t<2>,
-                         &pack_a_c<2>,
-                         &pack_b_n<4, zcomplex>,
-                         &pack_b_t<4, zcomplex>,
-                         &pack_b_c<4>,
-                         {nullptr, nullptr},
-                         table_macro_kernel(choice)};
+    params.operations = {.choose_blocks = &choose_blocks<zcomplex>,
+                         .buffer_sizes = &buffer_sizes<zcomplex>,
+                         .get_buffers = &get_buffers<zcomplex>,
+                         .pack_a_n = &pack_a_n<2>,
+                         .pack_a_t = &pack_a_t<2>,
+                         .pack_a_c = &pack_a_c<2>,
+                         .pack_b_n = &pack_b_n<4, zcomplex>,
+                         .pack_b_t = &pack_b_t<4, zcomplex>,
+                         .pack_b_c = &pack_b_c<4>,
+                         .spare = {nullptr, nullptr},
+                         .macro_kernel = table_macro_kernel(choice)};
 #ifdef __AVX__
     params.operations.pack_a_n = &zpack_a_n_avx;
     params.operations.pack_a_t = &zpack_a_rows_avx<false>;
@@ -91,29 +91,20 @@ void zgemm_fixed(const char& transa, const char& transb, const zint& m, const zi
     // The B area holds nc columns of depth 64; a last panel of one column spills its zero half into
     // the slack of at least a page that the carving leaves behind the area.
     const FixedGemmAreas areas = carve_zgemm_default(reinterpret_cast<std::uintptr_t>(block));
-    zcomplex* a_area = reinterpret_cast<zcomplex*>(areas.a);
-    zcomplex* b_area = reinterpret_cast<zcomplex*>(areas.b);
-    Pack* pack_a = pick_pack<Pack>(transa, &pack_a_n<2>, &pack_a_t<2>, &pack_a_c<2>);
-    Pack* pack_b = pick_pack<Pack>(transb, &pack_b_n<2, zcomplex>, &pack_b_t<2, zcomplex>, &pack_b_c<2>);
-    alignas(16) double beta_vector[4];
-    make_beta_vector(beta, beta_vector);
-    alignas(16) double one_vector[4];
-    make_beta_vector(zor::one<zcomplex>(), one_vector);
-    const zcomplex one = zor::one<zcomplex>();
-    for (zint jc = 0; jc < n; jc += nc) {
-        const zint nb = n - jc < nc ? n - jc : nc;
-        for (zint pc = 0, kb = zgemm_default_first_depth(k); pc < k; pc += kb, kb = kZgemmDefaultDepth) {
-            const zint kb_padded = (kb + 3) / 4 * 4;
-            pack_b(kb, nb, op_address(b, ldb, transb, pc, jc), ldb, b_area, 2 * kb_padded, one);
-            for (zint ic = 0; ic < m; ic += kZgemmDefaultRows) {
-                const zint mb = m - ic < kZgemmDefaultRows ? m - ic : kZgemmDefaultRows;
-                pack_a(mb, kb, op_address(a, lda, transa, ic, pc), lda, a_area, 2 * kb_padded, alpha);
-                zgemm_macro_columns<Vec2, 2, 2, 2, 2>(mb, nb, kb_padded, a_area, b_area,
-                                                      pc == 0 ? beta_vector : one_vector, c + ic + jc * ldc,
-                                                      ldc, gemm_a_group_bytes());
-            }
-        }
-    }
+    const GemmLoop<zcomplex> loop{
+        .mc = kZgemmDefaultRows,
+        .nc = nc,
+        .kc = kZgemmDefaultDepth,
+        .mr = 2,
+        .nr = 2,
+        .kr = 4,
+        .remainder_first = true,
+        .a_area = reinterpret_cast<zcomplex*>(areas.a),
+        .b_area = reinterpret_cast<zcomplex*>(areas.b),
+        .pack_a = pick_pack<Pack>(transa, &pack_a_n<2>, &pack_a_t<2>, &pack_a_c<2>),
+        .pack_b = pick_pack<Pack>(transb, &pack_b_n<2, zcomplex>, &pack_b_t<2, zcomplex>, &pack_b_c<2>),
+        .kernel = &macro_columns<Vec2, 2, 2, 2, 2>};
+    gemm_loop(loop, transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
     zor_deallocate(block);
 }
 
@@ -129,17 +120,18 @@ void zgemm_family10h(const char& transa, const char& transb, const zint& m, cons
         return;
     }
     if (m >= 2 && n >= 4 && k >= 4) {
-        const BetaBlockedGemm<zcomplex> g{
-            1,
-            4,
-            4,
-            128,
-            1024,
-            128,
-            pick_pack<Pack>(transa, &pack_a_n<1>, &pack_a_t<1>, &pack_a_c<1>),
-            pick_pack<Pack>(transb, &pack_b_n<4, zcomplex>, &pack_b_t<4, zcomplex>, &pack_b_c<4>),
-            &macro_columns<Vec2, 1, 4, 2, 2>};
-        if (gemm_blocked_with_beta(g, "xgemm", transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc))
+        const GemmLoop<zcomplex> loop{
+            .mc = 128,
+            .nc = 1024,
+            .kc = 128,
+            .mr = 1,
+            .nr = 4,
+            .kr = 4,
+            .pack_a = pick_pack<Pack>(transa, &pack_a_n<1>, &pack_a_t<1>, &pack_a_c<1>),
+            .pack_b = pick_pack<Pack>(transb, &pack_b_n<4, zcomplex>, &pack_b_t<4, zcomplex>, &pack_b_c<4>),
+            .kernel = &macro_columns<Vec2, 1, 4, 2, 2>};
+        if (gemm_blocked_with_beta(loop, "xgemm", transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c,
+                                   ldc))
             return;
     }
     zgemm_small(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);

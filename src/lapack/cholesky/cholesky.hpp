@@ -33,4 +33,19 @@ void pptrs(char uplo, zint n, zint nrhs, const T* ap, T* b, zint ldb, zint& info
 template <class T>
 void pptri(char uplo, zint n, T* ap, zint& info);
 
+// The argument checks of the exported routines, run by the exports first and by the routines
+// themselves: 0, or -k after reporting parameter k.
+template <class T>
+zint check_potrf(char uplo, zint n, zint lda);
+template <class T>
+zint check_posv(char uplo, zint n, zint nrhs, zint lda, zint ldb);
+template <class T>
+zint check_potri(char uplo, zint n, zint lda);
+template <class T>
+zint check_pptrf(char uplo, zint n);
+template <class T>
+zint check_pptrs(char uplo, zint n, zint nrhs, zint ldb);
+template <class T>
+zint check_pptri(char uplo, zint n);
+
 }  // namespace zor

@@ -66,10 +66,16 @@ int potrf_core(char uplo, zint n, T* a, zint lda, zint& info, const std::int32_t
 }  // namespace
 
 template <class T>
+zint check_potrf(char uplo, zint n, zint lda) {
+    return check_arguments(
+        routine_name<T>("DPOTRF", "ZPOTRF"),
+        {{!lsame(uplo, 'U') && !lsame(uplo, 'L'), 1}, {n < 0, 2}, {lda < max_of(1, n), 4}});
+}
+
+template <class T>
 bool potrf(char uplo, zint n, T* a, zint lda, zint& info) {
     const char* name = routine_name<T>("DPOTRF", "ZPOTRF");
-    info = check_arguments(
-        name, {{!lsame(uplo, 'U') && !lsame(uplo, 'L'), 1}, {n < 0, 2}, {lda < max_of(1, n), 4}});
+    info = check_potrf<T>(uplo, n, lda);
     if (info != 0 || n == 0) return false;
     // The crossover, not the block size, decides: below it the kernel runs without a progress report.
     const char options[1] = {uplo};
@@ -84,3 +90,4 @@ bool potrf(char uplo, zint n, T* a, zint lda, zint& info) {
 }  // namespace zor
 
 ZOR_INSTANTIATE(potrf)
+ZOR_INSTANTIATE(check_potrf)

@@ -158,10 +158,16 @@ int pptrf_packed(bool upper, zint n, zint nb, T* ap, zint& info, const char* sta
 }  // namespace
 
 template <class T>
+zint check_pptrf(char uplo, zint n) {
+    return check_arguments(routine_name<T>("DPPTRF", "ZPPTRF"),
+                           {{!lsame(uplo, 'U') && !lsame(uplo, 'L'), 1}, {n < 0, 2}});
+}
+
+template <class T>
 void pptrf(char uplo, zint n, T* ap, zint& info) {
     const char* name = routine_name<T>("DPPTRF", "ZPPTRF");
     const bool upper = lsame(uplo, 'U');
-    info = check_arguments(name, {{!upper && !lsame(uplo, 'L'), 1}, {n < 0, 2}});
+    info = check_pptrf<T>(uplo, n);
     if (info != 0 || n == 0) return;
     if (n <= ilaenv(3, name, " ", n, -1, -1, -1)) {
         pptrf_unblocked(upper, n, ap, info);
@@ -182,3 +188,4 @@ void pptrf(char uplo, zint n, T* ap, zint& info) {
 }  // namespace zor
 
 ZOR_INSTANTIATE(pptrf)
+ZOR_INSTANTIATE(check_pptrf)

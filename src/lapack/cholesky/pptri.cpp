@@ -10,10 +10,15 @@ namespace zor {
 // scaled by its diagonal; inv(L)ᴴ inv(L): each column becomes the product of the triangle after it
 // (transposed) with itself.
 template <class T>
+zint check_pptri(char uplo, zint n) {
+    return check_arguments(routine_name<T>("DPPTRI", "ZPPTRI"),
+                           {{!lsame(uplo, 'U') && !lsame(uplo, 'L'), 1}, {n < 0, 2}});
+}
+
+template <class T>
 void pptri(char uplo, zint n, T* ap, zint& info) {
     const bool upper = lsame(uplo, 'U');
-    info =
-        check_arguments(routine_name<T>("DPPTRI", "ZPPTRI"), {{!upper && !lsame(uplo, 'L'), 1}, {n < 0, 2}});
+    info = check_pptri<T>(uplo, n);
     if (info != 0 || n == 0) return;
     tptri(uplo, 'N', n, ap, info);
     if (info > 0) return;
@@ -34,3 +39,4 @@ void pptri(char uplo, zint n, T* ap, zint& info) {
 }  // namespace zor
 
 ZOR_INSTANTIATE(pptri)
+ZOR_INSTANTIATE(check_pptri)

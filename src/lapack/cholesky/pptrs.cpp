@@ -70,11 +70,17 @@ void pptrs_memory(bool upper, zint n, zint nrhs, zint nb, const T* ap, T* b, zin
 }  // namespace
 
 template <class T>
+zint check_pptrs(char uplo, zint n, zint nrhs, zint ldb) {
+    return check_arguments(
+        routine_name<T>("DPPTRS", "ZPPTRS"),
+        {{!lsame(uplo, 'U') && !lsame(uplo, 'L'), 1}, {n < 0, 2}, {nrhs < 0, 3}, {ldb < max_of(1, n), 6}});
+}
+
+template <class T>
 void pptrs(char uplo, zint n, zint nrhs, const T* ap, T* b, zint ldb, zint& info) {
     const char* name = routine_name<T>("DPPTRS", "ZPPTRS");
     const bool upper = lsame(uplo, 'U');
-    info = check_arguments(
-        name, {{!upper && !lsame(uplo, 'L'), 1}, {n < 0, 2}, {nrhs < 0, 3}, {ldb < max_of(1, n), 6}});
+    info = check_pptrs<T>(uplo, n, nrhs, ldb);
     if (info != 0 || n == 0 || nrhs == 0) return;
     // A block size of 1 says the copies would not pay for themselves (few right-hand sides).
     const zint nb = min_of(n, ilaenv(1, name, "Memory", n, nrhs, -1, -1, 6, 6));
@@ -92,3 +98,4 @@ void pptrs(char uplo, zint n, zint nrhs, const T* ap, T* b, zint ldb, zint& info
 }  // namespace zor
 
 ZOR_INSTANTIATE(pptrs)
+ZOR_INSTANTIATE(check_pptrs)

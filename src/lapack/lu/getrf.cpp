@@ -89,9 +89,14 @@ int getrf_core(zint m, zint n, T* a, zint lda, zint* ipiv, zint& info, const std
 }  // namespace
 
 template <class T>
-bool getrf(zint m, zint n, T* a, zint lda, zint* ipiv, zint& info) {
-    info = check_arguments(routine_name<T>("DGETRF", "ZGETRF"),
+zint check_getrf(zint m, zint n, zint lda) {
+    return check_arguments(routine_name<T>("DGETRF", "ZGETRF"),
                            {{m < 0, 1}, {n < 0, 2}, {lda < max_of(1, m), 4}});
+}
+
+template <class T>
+bool getrf(zint m, zint n, T* a, zint lda, zint* ipiv, zint& info) {
+    info = check_getrf<T>(m, n, lda);
     if (info != 0 || m == 0 || n == 0) return false;
     const std::int32_t thread = 0;
     return getrf_core(m, n, a, lda, ipiv, info, thread, 0) != 0;
@@ -100,3 +105,4 @@ bool getrf(zint m, zint n, T* a, zint lda, zint* ipiv, zint& info) {
 }  // namespace zor
 
 ZOR_INSTANTIATE(getrf)
+ZOR_INSTANTIATE(check_getrf)

@@ -9,11 +9,17 @@
 namespace zor {
 
 template <class T>
+zint check_getri(zint n, zint lda, zint lwork) {
+    return check_arguments(routine_name<T>("DGETRI", "ZGETRI"),
+                           {{n < 0, 1}, {lda < max_of(1, n), 3}, {lwork < max_of(1, n) && lwork != -1, 6}});
+}
+
+template <class T>
 void getri(zint n, T* a, zint lda, const zint* ipiv, T* work, zint lwork, zint& info) {
     const char* name = routine_name<T>("DGETRI", "ZGETRI");
     zint nb = ilaenv(1, name, " ", n, -1, -1, -1);
     const bool query = lwork == -1;
-    info = check_arguments(name, {{n < 0, 1}, {lda < max_of(1, n), 3}, {lwork < max_of(1, n) && !query, 6}});
+    info = check_getri<T>(n, lda, lwork);
     if (info != 0) return;
     work[0] = from_real<T>(static_cast<double>(max_of(1, n * nb)));
     if (query || n == 0) return;
@@ -71,3 +77,4 @@ void getri(zint n, T* a, zint lda, const zint* ipiv, T* work, zint lwork, zint& 
 }  // namespace zor
 
 ZOR_INSTANTIATE(getri)
+ZOR_INSTANTIATE(check_getri)

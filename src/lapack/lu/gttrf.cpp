@@ -7,8 +7,12 @@
 
 namespace zor {
 
+zint check_gttrf(zint n) {
+    return check_arguments("DGTTRF", {{n < 0, 1}});
+}
+
 void gttrf(zint n, double* dl, double* d, double* du, double* du2, zint* ipiv, zint& info) {
-    info = check_arguments("DGTTRF", {{n < 0, 1}});
+    info = check_gttrf(n);
     if (info != 0 || n == 0) return;
     for (zint i = 0; i < n; ++i) ipiv[i] = i + 1;
     for (zint i = 0; i + 2 < n; ++i) du2[i] = 0.0;

@@ -6,15 +6,29 @@
 
 namespace zor {
 
+namespace {
+
+// The letter is compared as it stands, not through lsame.
+bool plain(char trans) {
+    return trans == 'N' || trans == 'n';
+}
+bool transposed(char trans) {
+    return trans == 'T' || trans == 't' || trans == 'C' || trans == 'c';
+}
+
+}  // namespace
+
+zint check_gttrs(char trans, zint n, zint nrhs, zint ldb) {
+    return check_arguments(
+        "DGTTRS",
+        {{!plain(trans) && !transposed(trans), 1}, {n < 0, 2}, {nrhs < 0, 3}, {ldb < max_of(1, n), 10}});
+}
+
 void gttrs(char trans, zint n, zint nrhs, const double* dl, const double* d, const double* du,
            const double* du2, const zint* ipiv, double* b, zint ldb, zint& info) {
-    // The letter is compared as it stands, not through lsame.
-    const bool plain = trans == 'N' || trans == 'n';
-    const bool transposed = trans == 'T' || trans == 't' || trans == 'C' || trans == 'c';
-    info = check_arguments("DGTTRS",
-                           {{!plain && !transposed, 1}, {n < 0, 2}, {nrhs < 0, 3}, {ldb < max_of(1, n), 10}});
+    info = check_gttrs(trans, n, nrhs, ldb);
     if (info != 0 || n == 0 || nrhs == 0) return;
-    const zint itrans = plain ? 0 : 1;
+    const zint itrans = plain(trans) ? 0 : 1;
     const char options[1] = {trans};
     const zint nb = nrhs == 1 ? 1 : max_of(1, ilaenv(1, "DGTTRS", options, n, nrhs, -1, -1));
     if (nb >= nrhs) {

@@ -41,4 +41,17 @@ void gttrf(zint n, double* dl, double* d, double* du, double* du2, zint* ipiv, z
 void gttrs(char trans, zint n, zint nrhs, const double* dl, const double* d, const double* du,
            const double* du2, const zint* ipiv, double* b, zint ldb, zint& info);
 
+// The argument checks of the exported routines, run by the exports before any array of the caller
+// is touched and by the routines themselves: 0, or -k after reporting parameter k.
+template <class T>
+zint check_getrf(zint m, zint n, zint lda);
+template <class T>
+zint check_gesv(zint n, zint nrhs, zint lda, zint ldb);
+template <class T>
+zint check_getri(zint n, zint lda, zint lwork);
+template <class T>
+zint check_gbsv(zint n, zint kl, zint ku, zint nrhs, zint ldab, zint ldb);
+zint check_gttrf(zint n);
+zint check_gttrs(char trans, zint n, zint nrhs, zint ldb);
+
 }  // namespace zor

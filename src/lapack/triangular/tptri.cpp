@@ -6,11 +6,16 @@
 namespace zor {
 
 template <class T>
+zint check_tptri(char uplo, char diag, zint n) {
+    return check_arguments(routine_name<T>("DTPTRI", "ZTPTRI"), {{!lsame(uplo, 'U') && !lsame(uplo, 'L'), 1},
+                                                                 {!lsame(diag, 'N') && !lsame(diag, 'U'), 2},
+                                                                 {n < 0, 3}});
+}
+
+template <class T>
 void tptri(char uplo, char diag, zint n, T* ap, zint& info) {
     const bool upper = lsame(uplo, 'U');
-    info = check_arguments(
-        routine_name<T>("DTPTRI", "ZTPTRI"),
-        {{!upper && !lsame(uplo, 'L'), 1}, {!lsame(diag, 'N') && !lsame(diag, 'U'), 2}, {n < 0, 3}});
+    info = check_tptri<T>(uplo, diag, n);
     if (info != 0) return;
     info = zero_on_diagonal(upper, diag, n, ap);
     if (info != 0) return;
@@ -44,3 +49,4 @@ void tptri(char uplo, char diag, zint n, T* ap, zint& info) {
 }  // namespace zor
 
 ZOR_INSTANTIATE(tptri)
+ZOR_INSTANTIATE(check_tptri)

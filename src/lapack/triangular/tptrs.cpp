@@ -7,15 +7,21 @@
 namespace zor {
 
 template <class T>
+zint check_tptrs(char uplo, char trans, char diag, zint n, zint nrhs, zint ldb) {
+    return check_arguments(routine_name<T>("DTPTRS", "ZTPTRS"),
+                           {{!lsame(uplo, 'U') && !lsame(uplo, 'L'), 1},
+                            {!lsame(trans, 'N') && !lsame(trans, 'T') && !lsame(trans, 'C'), 2},
+                            {!lsame(diag, 'N') && !lsame(diag, 'U'), 3},
+                            {n < 0, 4},
+                            {nrhs < 0, 5},
+                            {ldb < max_of(1, n), 8}});
+}
+
+template <class T>
 void tptrs(char uplo, char trans, char diag, zint n, zint nrhs, const T* ap, T* b, zint ldb, zint& info) {
     const char* name = routine_name<T>("DTPTRS", "ZTPTRS");
     const bool upper = lsame(uplo, 'U');
-    info = check_arguments(name, {{!upper && !lsame(uplo, 'L'), 1},
-                                  {!lsame(trans, 'N') && !lsame(trans, 'T') && !lsame(trans, 'C'), 2},
-                                  {!lsame(diag, 'N') && !lsame(diag, 'U'), 3},
-                                  {n < 0, 4},
-                                  {nrhs < 0, 5},
-                                  {ldb < max_of(1, n), 8}});
+    info = check_tptrs<T>(uplo, trans, diag, n, nrhs, ldb);
     if (info != 0 || n == 0) return;
     info = zero_on_diagonal(upper, diag, n, ap);
     if (info != 0) return;
@@ -29,3 +35,4 @@ void tptrs(char uplo, char trans, char diag, zint n, zint nrhs, const T* ap, T* 
 }  // namespace zor
 
 ZOR_INSTANTIATE(tptrs)
+ZOR_INSTANTIATE(check_tptrs)

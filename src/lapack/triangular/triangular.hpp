@@ -27,4 +27,13 @@ zint zero_on_diagonal(bool upper, char diag, zint n, const T* ap) {
     return 0;
 }
 
+// The argument checks of the exported routines, run by the exports first and by the routines
+// themselves: 0, or -k after reporting parameter k.
+template <class T>
+zint check_trtri(char uplo, char diag, zint n, zint lda);
+template <class T>
+zint check_tptri(char uplo, char diag, zint n);
+template <class T>
+zint check_tptrs(char uplo, char trans, char diag, zint n, zint nrhs, zint ldb);
+
 }  // namespace zor

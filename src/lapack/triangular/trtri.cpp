@@ -38,20 +38,20 @@ void trti2_unchecked(bool upper, char diag, zint n, T* a, zint lda) {
     }
 }
 
-template <class T>
-zint check_triangle(const char* name, char uplo, char diag, zint n, zint lda) {
-    return check_arguments(name, {{!lsame(uplo, 'U') && !lsame(uplo, 'L'), 1},
-                                  {!lsame(diag, 'N') && !lsame(diag, 'U'), 2},
-                                  {n < 0, 3},
-                                  {lda < max_of(1, n), 5}});
-}
-
 }  // namespace
+
+template <class T>
+zint check_trtri(char uplo, char diag, zint n, zint lda) {
+    return check_arguments(routine_name<T>("DTRTRI", "ZTRTRI"), {{!lsame(uplo, 'U') && !lsame(uplo, 'L'), 1},
+                                                                 {!lsame(diag, 'N') && !lsame(diag, 'U'), 2},
+                                                                 {n < 0, 3},
+                                                                 {lda < max_of(1, n), 5}});
+}
 
 template <class T>
 void trtri(char uplo, char diag, zint n, T* a, zint lda, zint& info) {
     const char* name = routine_name<T>("DTRTRI", "ZTRTRI");
-    info = check_triangle<T>(name, uplo, diag, n, lda);
+    info = check_trtri<T>(uplo, diag, n, lda);
     if (info != 0 || n == 0) return;
     if (lsame(diag, 'N')) {
         for (zint j = 0; j < n; ++j) {
@@ -98,3 +98,4 @@ void trtri(char uplo, char diag, zint n, T* a, zint lda, zint& info) {
 }  // namespace zor
 
 ZOR_INSTANTIATE(trtri)
+ZOR_INSTANTIATE(check_trtri)
