@@ -11,38 +11,41 @@ using zor::zint;
 namespace {
 
 // geqrf and gelqf share their argument list; so do orgqr and orglq.
-template <class T, class Factor>
-void factor_export(const char* name, Factor factor, const zor_int* m, const zor_int* n, T* a,
+template <class T, class Check, class Factor>
+void factor_export(const char* name, Check check, Factor factor, const zor_int* m, const zor_int* n, T* a,
                    const zor_int* lda, T* tau, T* work, const zor_int* lwork, zor_int* info) {
-    LapackCall(name, info).run([&](zint& i) {
-        factor(widen(m), widen(n), a, widen(lda), tau, work, widen(lwork), i);
+    const zint m_ = widen(m), n_ = widen(n), lda_ = widen(lda), lwork_ = widen(lwork);
+    LapackCall(name, info, check(m_, n_, lda_, lwork_)).run([&](zint& i) {
+        factor(m_, n_, a, lda_, tau, work, lwork_, i);
     });
 }
 
-template <class T, class Generate>
-void generate_export(const char* name, Generate generate, const zor_int* m, const zor_int* n,
+template <class T, class Check, class Generate>
+void generate_export(const char* name, Check check, Generate generate, const zor_int* m, const zor_int* n,
                      const zor_int* k, T* a, const zor_int* lda, const T* tau, T* work, const zor_int* lwork,
                      zor_int* info) {
-    LapackCall(name, info).run([&](zint& i) {
-        generate(widen(m), widen(n), widen(k), a, widen(lda), tau, work, widen(lwork), i);
+    const zint m_ = widen(m), n_ = widen(n), k_ = widen(k), lda_ = widen(lda), lwork_ = widen(lwork);
+    LapackCall(name, info, check(m_, n_, k_, lda_, lwork_)).run([&](zint& i) {
+        generate(m_, n_, k_, a, lda_, tau, work, lwork_, i);
     });
 }
 
 template <class T>
 void geqp3_export(const char* name, const zor_int* m, const zor_int* n, T* a, const zor_int* lda,
                   zor_int* jpvt, T* tau, T* work, const zor_int* lwork, double* rwork, zor_int* info) {
-    LapackCall call(name, info);
-    const zint n_ = widen(n), lwork_ = widen(lwork);
+    const zint m_ = widen(m), n_ = widen(n), lda_ = widen(lda), lwork_ = widen(lwork);
+    LapackCall call(name, info, zor::check_geqp3<T>(m_, n_, lda_, lwork_));
     zint* jpvt_ = nullptr;
     if (!workspace_query(lwork_)) jpvt_ = call.array(jpvt, n_, Transfer::InOut, n_);
-    call.run([&](zint& i) { zor::geqp3(widen(m), n_, a, widen(lda), jpvt_, tau, work, lwork_, rwork, i); });
+    call.run([&](zint& i) { zor::geqp3(m_, n_, a, lda_, jpvt_, tau, work, lwork_, rwork, i); });
 }
 
 template <class T>
 void orghr_export(const char* name, const zor_int* n, const zor_int* ilo, const zor_int* ihi, T* a,
                   const zor_int* lda, const T* tau, T* work, const zor_int* lwork, zor_int* info) {
-    LapackCall(name, info).run([&](zint& i) {
-        zor::orghr(widen(n), widen(ilo), widen(ihi), a, widen(lda), tau, work, widen(lwork), i);
+    const zint n_ = widen(n), ilo_ = widen(ilo), ihi_ = widen(ihi), lda_ = widen(lda), lwork_ = widen(lwork);
+    LapackCall(name, info, zor::check_orghr<T>(n_, ilo_, ihi_, lda_, lwork_)).run([&](zint& i) {
+        zor::orghr(n_, ilo_, ihi_, a, lda_, tau, work, lwork_, i);
     });
 }
 
@@ -52,24 +55,26 @@ extern "C" {
 
 ZOR_API void dgeqrf(const zor_int* m, const zor_int* n, double* a, const zor_int* lda, double* tau,
                     double* work, const zor_int* lwork, zor_int* info) {
-    factor_export("DGEQRF", zor::geqrf<double>, m, n, a, lda, tau, work, lwork, info);
+    factor_export("DGEQRF", zor::check_geqrf<double>, zor::geqrf<double>, m, n, a, lda, tau, work, lwork,
+                  info);
 }
 
 ZOR_API void zgeqrf(const zor_int* m, const zor_int* n, zor_complex_double* a, const zor_int* lda,
                     zor_complex_double* tau, zor_complex_double* work, const zor_int* lwork, zor_int* info) {
-    factor_export("ZGEQRF", zor::geqrf<zor::zcomplex>, m, n, as_complex(a), lda, as_complex(tau),
-                  as_complex(work), lwork, info);
+    factor_export("ZGEQRF", zor::check_geqrf<zor::zcomplex>, zor::geqrf<zor::zcomplex>, m, n, as_complex(a),
+                  lda, as_complex(tau), as_complex(work), lwork, info);
 }
 
 ZOR_API void dgelqf(const zor_int* m, const zor_int* n, double* a, const zor_int* lda, double* tau,
                     double* work, const zor_int* lwork, zor_int* info) {
-    factor_export("DGELQF", zor::gelqf<double>, m, n, a, lda, tau, work, lwork, info);
+    factor_export("DGELQF", zor::check_gelqf<double>, zor::gelqf<double>, m, n, a, lda, tau, work, lwork,
+                  info);
 }
 
 ZOR_API void zgelqf(const zor_int* m, const zor_int* n, zor_complex_double* a, const zor_int* lda,
                     zor_complex_double* tau, zor_complex_double* work, const zor_int* lwork, zor_int* info) {
-    factor_export("ZGELQF", zor::gelqf<zor::zcomplex>, m, n, as_complex(a), lda, as_complex(tau),
-                  as_complex(work), lwork, info);
+    factor_export("ZGELQF", zor::check_gelqf<zor::zcomplex>, zor::gelqf<zor::zcomplex>, m, n, as_complex(a),
+                  lda, as_complex(tau), as_complex(work), lwork, info);
 }
 
 ZOR_API void dgeqp3(const zor_int* m, const zor_int* n, double* a, const zor_int* lda, zor_int* jpvt,
@@ -86,26 +91,28 @@ ZOR_API void zgeqp3(const zor_int* m, const zor_int* n, zor_complex_double* a, c
 
 ZOR_API void dorgqr(const zor_int* m, const zor_int* n, const zor_int* k, double* a, const zor_int* lda,
                     const double* tau, double* work, const zor_int* lwork, zor_int* info) {
-    generate_export("DORGQR", zor::orgqr<double>, m, n, k, a, lda, tau, work, lwork, info);
+    generate_export("DORGQR", zor::check_orgqr<double>, zor::orgqr<double>, m, n, k, a, lda, tau, work, lwork,
+                    info);
 }
 
 ZOR_API void zungqr(const zor_int* m, const zor_int* n, const zor_int* k, zor_complex_double* a,
                     const zor_int* lda, const zor_complex_double* tau, zor_complex_double* work,
                     const zor_int* lwork, zor_int* info) {
-    generate_export("ZUNGQR", zor::orgqr<zor::zcomplex>, m, n, k, as_complex(a), lda, as_complex(tau),
-                    as_complex(work), lwork, info);
+    generate_export("ZUNGQR", zor::check_orgqr<zor::zcomplex>, zor::orgqr<zor::zcomplex>, m, n, k,
+                    as_complex(a), lda, as_complex(tau), as_complex(work), lwork, info);
 }
 
 ZOR_API void dorglq(const zor_int* m, const zor_int* n, const zor_int* k, double* a, const zor_int* lda,
                     const double* tau, double* work, const zor_int* lwork, zor_int* info) {
-    generate_export("DORGLQ", zor::orglq<double>, m, n, k, a, lda, tau, work, lwork, info);
+    generate_export("DORGLQ", zor::check_orglq<double>, zor::orglq<double>, m, n, k, a, lda, tau, work, lwork,
+                    info);
 }
 
 ZOR_API void zunglq(const zor_int* m, const zor_int* n, const zor_int* k, zor_complex_double* a,
                     const zor_int* lda, const zor_complex_double* tau, zor_complex_double* work,
                     const zor_int* lwork, zor_int* info) {
-    generate_export("ZUNGLQ", zor::orglq<zor::zcomplex>, m, n, k, as_complex(a), lda, as_complex(tau),
-                    as_complex(work), lwork, info);
+    generate_export("ZUNGLQ", zor::check_orglq<zor::zcomplex>, zor::orglq<zor::zcomplex>, m, n, k,
+                    as_complex(a), lda, as_complex(tau), as_complex(work), lwork, info);
 }
 
 ZOR_API void dorghr(const zor_int* n, const zor_int* ilo, const zor_int* ihi, double* a, const zor_int* lda,

@@ -8,22 +8,41 @@
 
 namespace zor {
 
+namespace {
+
+// Real data keeps the two norm vectors in work, complex data in rwork.
+template <class T>
+zint norm_room(zint n) {
+    return kIsComplex<T> ? 0 : 2 * n;
+}
+
+// The least workspace: the norms (real data) and n + 1 elements.
+template <class T>
+zint least_workspace(zint m, zint n) {
+    return min_of(m, n) > 0 ? norm_room<T>(n) + n + 1 : 1;
+}
+
+}  // namespace
+
+template <class T>
+zint check_geqp3(zint m, zint n, zint lda, zint lwork) {
+    return check_arguments(routine_name<T>("DGEQP3", "ZGEQP3"),
+                           {{m < 0, 1},
+                            {n < 0, 2},
+                            {lda < max_of(1, m), 4},
+                            {lwork != -1 && lwork < least_workspace<T>(m, n), 8}});
+}
+
 template <class T>
 void geqp3(zint m, zint n, T* a, zint lda, zint* jpvt, T* tau, T* work, zint lwork, double* rwork,
            zint& info) {
     const char* name = routine_name<T>("DGEQP3", "ZGEQP3");
     const zint minmn = min_of(m, n);
     const bool query = lwork == -1;
-    // Real data keeps the two norm vectors in work, complex data in rwork.
-    const zint norm_room = kIsComplex<T> ? 0 : 2 * n;
-    zint needed = 1, optimal = 1;
-    if (minmn > 0) {
-        needed = norm_room + n + 1;
-        optimal = norm_room + (n + 1) * ilaenv(1, name, " ", m, n, -1, -1);
-    }
-    info = check_arguments(name,
-                           {{m < 0, 1}, {n < 0, 2}, {lda < max_of(1, m), 4}, {lwork < needed && !query, 8}});
+    info = check_geqp3<T>(m, n, lda, lwork);
     if (info != 0) return;
+    const zint needed = least_workspace<T>(m, n);
+    const zint optimal = minmn > 0 ? norm_room<T>(n) + (n + 1) * ilaenv(1, name, " ", m, n, -1, -1) : 1;
     work[0] = from_real<T>(static_cast<double>(optimal));
     if (query || minmn == 0) return;
     const auto A = [&](zint i, zint j) -> T* { return a + i + j * lda; };
@@ -60,7 +79,7 @@ void geqp3(zint m, zint n, T* a, zint lda, zint* jpvt, T* tau, T* work, zint lwo
 
     if (fixed < minmn) {
         const zint sm = m - fixed, sn = n - fixed, sminmn = minmn - fixed;
-        const zint room = kIsComplex<T> ? 0 : 2 * sn;
+        const zint room = norm_room<T>(sn);
         zint nb = ilaenv(1, name, " ", sm, sn, -1, -1);
         zint nbmin = 2, crossover = 0;
         if (nb > 1 && nb < sminmn) {
@@ -100,3 +119,4 @@ void geqp3(zint m, zint n, T* a, zint lda, zint* jpvt, T* tau, T* work, zint lwo
 }  // namespace zor
 
 ZOR_INSTANTIATE(geqp3)
+ZOR_INSTANTIATE(check_geqp3)

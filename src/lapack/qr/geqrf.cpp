@@ -71,13 +71,19 @@ void factor_panel(zint m, zint n, T* a, zint lda, T* tau, T* t, zint ldt, zint l
 }  // namespace
 
 template <class T>
+zint check_geqrf(zint m, zint n, zint lda, zint lwork) {
+    const zint least = min_of(m, n) > 0 ? max_of(1, n) : 1;
+    return check_arguments(
+        routine_name<T>("DGEQRF", "ZGEQRF"),
+        {{m < 0, 1}, {n < 0, 2}, {lda < max_of(1, m), 4}, {lwork != -1 && lwork < least, 7}});
+}
+
+template <class T>
 bool geqrf(zint m, zint n, T* a, zint lda, T* tau, T* work, zint lwork, zint& info) {
     const char* name = routine_name<T>("DGEQRF", "ZGEQRF");
     const zint k = min_of(m, n);
     const bool query = lwork == -1;
-    info = check_arguments(
-        name,
-        {{m < 0, 1}, {n < 0, 2}, {lda < max_of(1, m), 4}, {!query && lwork < (k > 0 ? max_of(1, n) : 1), 7}});
+    info = check_geqrf<T>(m, n, lda, lwork);
     if (info != 0) return false;
     // work: the panel's T (ib by ib) in the first rows of an n by nb array, larfb's W below it.
     ReflectorBlocking plan = plan_reflector_blocks(name, " ", m, n, -1, k, n, 0, lwork, kAnyBlock, true);
@@ -114,3 +120,4 @@ bool geqrf(zint m, zint n, T* a, zint lda, T* tau, T* work, zint lwork, zint& in
 }  // namespace zor
 
 ZOR_INSTANTIATE(geqrf)
+ZOR_INSTANTIATE(check_geqrf)

@@ -8,14 +8,19 @@
 namespace zor {
 
 template <class T>
+zint check_orghr(zint n, zint ilo, zint ihi, zint lda, zint lwork) {
+    return check_arguments(routine_name<T>("DORGHR", "ZUNGHR"),
+                           {{n < 0, 1},
+                            {ilo < 1 || ilo > max_of(1, n), 2},
+                            {ihi < min_of(ilo, n) || ihi > n, 3},
+                            {lda < max_of(1, n), 5},
+                            {lwork != -1 && lwork < max_of(1, ihi - ilo), 8}});
+}
+
+template <class T>
 void orghr(zint n, zint ilo, zint ihi, T* a, zint lda, const T* tau, T* work, zint lwork, zint& info) {
     const bool query = lwork == -1;
-    info =
-        check_arguments(routine_name<T>("DORGHR", "ZUNGHR"), {{n < 0, 1},
-                                                              {ilo < 1 || ilo > max_of(1, n), 2},
-                                                              {ihi < min_of(ilo, n) || ihi > n, 3},
-                                                              {lda < max_of(1, n), 5},
-                                                              {lwork < max_of(1, ihi - ilo) && !query, 8}});
+    info = check_orghr<T>(n, ilo, ihi, lda, lwork);
     if (info != 0) return;
     const zint nh = max_of(ihi - ilo, 0);
     T* q = a + ilo + ilo * lda;
@@ -51,3 +56,4 @@ void orghr(zint n, zint ilo, zint ihi, T* a, zint lda, const T* tau, T* work, zi
 }  // namespace zor
 
 ZOR_INSTANTIATE(orghr)
+ZOR_INSTANTIATE(check_orghr)

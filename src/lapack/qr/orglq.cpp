@@ -9,14 +9,19 @@
 namespace zor {
 
 template <class T>
+zint check_orglq(zint m, zint n, zint k, zint lda, zint lwork) {
+    return check_arguments(routine_name<T>("DORGLQ", "ZUNGLQ"), {{m < 0, 1},
+                                                                 {n < m, 2},
+                                                                 {k < 0 || k > m, 3},
+                                                                 {lda < max_of(1, m), 5},
+                                                                 {lwork != -1 && lwork < max_of(1, m), 8}});
+}
+
+template <class T>
 void orglq(zint m, zint n, zint k, T* a, zint lda, const T* tau, T* work, zint lwork, zint& info) {
     const char* name = routine_name<T>("DORGLQ", "ZUNGLQ");
     const bool query = lwork == -1;
-    info = check_arguments(name, {{m < 0, 1},
-                                  {n < m, 2},
-                                  {k < 0 || k > m, 3},
-                                  {lda < max_of(1, m), 5},
-                                  {lwork < max_of(1, m) && !query, 8}});
+    info = check_orglq<T>(m, n, k, lda, lwork);
     if (info != 0) return;
     // work: T (ib by ib) in the first rows of an m by nb array, W below it.
     const ReflectorBlocking plan = plan_reflector_blocks(name, " ", m, n, k, k, m, 0, lwork, kAnyBlock, true);
@@ -57,3 +62,4 @@ void orglq(zint m, zint n, zint k, T* a, zint lda, const T* tau, T* work, zint l
 }  // namespace zor
 
 ZOR_INSTANTIATE(orglq)
+ZOR_INSTANTIATE(check_orglq)

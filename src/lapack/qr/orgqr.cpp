@@ -9,14 +9,19 @@
 namespace zor {
 
 template <class T>
+zint check_orgqr(zint m, zint n, zint k, zint lda, zint lwork) {
+    return check_arguments(routine_name<T>("DORGQR", "ZUNGQR"), {{m < 0, 1},
+                                                                 {n < 0 || n > m, 2},
+                                                                 {k < 0 || k > n, 3},
+                                                                 {lda < max_of(1, m), 5},
+                                                                 {lwork != -1 && lwork < max_of(1, n), 8}});
+}
+
+template <class T>
 void orgqr(zint m, zint n, zint k, T* a, zint lda, const T* tau, T* work, zint lwork, zint& info) {
     const char* name = routine_name<T>("DORGQR", "ZUNGQR");
     const bool query = lwork == -1;
-    info = check_arguments(name, {{m < 0, 1},
-                                  {n < 0 || n > m, 2},
-                                  {k < 0 || k > n, 3},
-                                  {lda < max_of(1, m), 5},
-                                  {lwork < max_of(1, n) && !query, 8}});
+    info = check_orgqr<T>(m, n, k, lda, lwork);
     if (info != 0) return;
     // work: T (ib by ib) in the first rows of an n by nb array, W below it.
     const ReflectorBlocking plan = plan_reflector_blocks(name, " ", m, n, k, k, n, 0, lwork, kAnyBlock, true);
@@ -57,3 +62,4 @@ void orgqr(zint m, zint n, zint k, T* a, zint lda, const T* tau, T* work, zint l
 }  // namespace zor
 
 ZOR_INSTANTIATE(orgqr)
+ZOR_INSTANTIATE(check_orgqr)

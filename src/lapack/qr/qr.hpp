@@ -79,4 +79,19 @@ void orglq(zint m, zint n, zint k, T* a, zint lda, const T* tau, T* work, zint l
 template <class T>
 void orghr(zint n, zint ilo, zint ihi, T* a, zint lda, const T* tau, T* work, zint lwork, zint& info);
 
+// The argument checks of the exported routines, run by the exports before any array of the caller
+// is touched and by the routines themselves: 0, or -k after reporting parameter k.
+template <class T>
+zint check_geqrf(zint m, zint n, zint lda, zint lwork);
+template <class T>
+zint check_gelqf(zint m, zint n, zint lda, zint lwork);
+template <class T>
+zint check_geqp3(zint m, zint n, zint lda, zint lwork);
+template <class T>
+zint check_orgqr(zint m, zint n, zint k, zint lda, zint lwork);
+template <class T>
+zint check_orglq(zint m, zint n, zint k, zint lda, zint lwork);
+template <class T>
+zint check_orghr(zint n, zint ilo, zint ihi, zint lda, zint lwork);
+
 }  // namespace zor
