@@ -1,6 +1,7 @@
-// gelqf: the LQ factorization in panels of NB rows, each factored recursively with its triangular
-// factor T (the mirror of geqrf's panels, see panel.hpp), the rows below updated with one larfb.
-// The last rows (fewer than the crossover NX, or all of them for small matrices) go through gelq2.
+// gelqf: the LQ factorization in panels of NB rows (the QR's block size for Aᴴ), each factored
+// recursively with its triangular factor T (the mirror of geqrf's panels, see panel.hpp), the rows
+// below updated with one larfb. The last rows (fewer than the crossover NX, or all of them for
+// small matrices) go through gelq2.
 
 #include "lapack/householder/blocking.hpp"
 #include "lapack/householder/householder.hpp"
@@ -88,7 +89,10 @@ bool gelqf(zint m, zint n, T* a, zint lda, T* tau, T* work, zint lwork, zint& in
     info = check_gelqf<T>(m, n, lda, lwork);
     if (info != 0) return false;
     // work: the panel's T (ib by ib) in the first rows of an m by nb array, larfb's W below it.
-    ReflectorBlocking plan = plan_reflector_blocks(name, " ", m, n, -1, k, m, 0, lwork, kAnyBlock, true);
+    // The LQ factorization of A is the QR factorization of Aᴴ: its block size, minimum block and
+    // crossover are the QR's for the transposed shape.
+    ReflectorBlocking plan = plan_reflector_blocks(routine_name<T>("DGEQRF", "ZGEQRF"), " ", n, m, -1, k, m, 0,
+                                                   lwork, kAnyBlock, true);
     if (k == 0) plan.optimal = 1;
     work[0] = from_real<T>(static_cast<double>(plan.optimal));
     if (query || k == 0) return false;
