@@ -28,8 +28,9 @@ template <class T>
 bool geqrf(zint m, zint n, T* a, zint lda, T* tau, T* work, zint lwork, zint& info);
 
 // A = L Q of the m by n matrix A: gelq2 row by row (work: m elements), gelqf in panels of
-// NB = ilaenv(1, "DGELQF") rows (lwork >= m when min(m, n) > 0, else >= 1; optimal m·NB), with
-// progress after each panel (rows done, "DGELQF"/"ZGELQF") as geqrf.
+// NB = ilaenv(1, "DGEQRF", " ", n, m) rows, the QR's block for Aᴴ (lwork >= m when min(m, n) > 0,
+// else >= 1; optimal m·NB), with progress after each panel (rows done, "DGELQF"/"ZGELQF") as
+// geqrf.
 template <class T>
 void gelq2(zint m, zint n, T* a, zint lda, T* tau, T* work, zint& info);
 template <class T>
