@@ -16,9 +16,11 @@
 
 #include <immintrin.h>
 
+#if !defined(__clang__)
 // GCC 12 flags the undefined pass-through operand inside its own AVX-512 intrinsics (its bug 105593).
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #pragma GCC diagnostic ignored "-Wuninitialized"
+#endif
 
 #define ZOR_AVX512 __attribute__((target("avx512f")))
 
