@@ -1,12 +1,14 @@
 // The LU and Cholesky factorisations and solvers through the Fortran-style interface: dgetrf,
 // zgetrf, dpotrf, zpotrf, dgesv (one right-hand side), dgetri (from the factors) and dpptrf at
-// n = 200, 1000 and 3000, with dgemm at the same orders as the ceiling to read them against; in
-// GFLOP/s (the usual operation counts), single-threaded. Every call works on a fresh copy of its
-// input; the time of the copy is measured alone and taken off.
+// n = 200, 1000 and 3000; the orthogonal factorizations dgeqrf, zgeqrf, dgelqf, dgeqp3 and dorgqr
+// (Q from dgeqrf's reflectors) at n = 500, 1000, 2000 and 4000; dgemm at all these orders as the
+// ceiling to read them against; in GFLOP/s (the usual operation counts), single-threaded. Every
+// call works on a fresh copy of its input; the time of the copy is measured alone and taken off.
 //
-// The peers to compare with: openblas-avx512 (OpenBLAS's own LU and Cholesky on its AVX-512
+// The peers to compare with: openblas-avx512 (OpenBLAS's own LU, Cholesky and QR on its AVX-512
 // kernels) and reference-lapack (the reference routines on the same BLAS).
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -23,6 +25,11 @@ using Potrf = void(const char*, const int*, double*, const int*, int*, std::size
 using Gesv = void(const int*, const int*, double*, const int*, int*, double*, const int*, int*);
 using Getri = void(const int*, double*, const int*, const int*, double*, const int*, int*);
 using Pptrf = void(const char*, const int*, double*, int*, std::size_t);
+// dgeqrf, zgeqrf and dgelqf share this form (complex arrays as pairs of doubles).
+using Geqrf = void(const int*, const int*, double*, const int*, double*, double*, const int*, int*);
+using Geqp3 = void(const int*, const int*, double*, const int*, int*, double*, double*, const int*, int*);
+using Orgqr = void(const int*, const int*, const int*, double*, const int*, const double*, double*,
+                   const int*, int*);
 // cblas_dgemm: zor exports the CBLAS level 3, not the Fortran-style dgemm.
 using Dgemm = void(int, int, int, int, int, int, double, const double*, int, const double*, int, double,
                    double*, int);
@@ -71,17 +78,94 @@ void fill_matrix(const Array& a, int n, bool complex, bool positive_definite) {
     }
 }
 
-// Seconds of `call` on a fresh copy of `input` in `work`, less the copy's own time.
-double timed_on_copy(const Array& input, const Array& work, const std::function<void()>& call) {
-    const double with_copy = bench::seconds_per_call([&] {
-        work.copy_from(input);
-        call();
-    });
+// Seconds of `call` on a fresh copy of `input` in `work`, less the copy's own time. Calls of
+// seconds (`long_calls`) are timed once after the warming call.
+double timed_on_copy(const Array& input, const Array& work, const std::function<void()>& call,
+                     bool long_calls = false) {
+    const int repeats = long_calls ? 1 : 3;
+    const double with_copy = bench::seconds_per_call(
+        [&] {
+            work.copy_from(input);
+            call();
+        },
+        0.05, repeats);
     const double copy = bench::seconds_per_call([&] { work.copy_from(input); });
     return with_copy - copy;
 }
 
+// The optimal workspace of a routine that answers lwork = -1 in `query(lwork, work)`.
+std::vector<double> optimal_work(const std::function<void(const int*, double*)>& query, bool complex) {
+    double answer[2] = {0, 0};
+    const int minus_one = -1;
+    query(&minus_one, answer);
+    return std::vector<double>(static_cast<std::size_t>(answer[0] + 1) * (complex ? 2 : 1));
+}
+
+// The orthogonal factorizations: A = Q R (dgeqrf, zgeqrf), A = L Q (dgelqf), A P = Q R (dgeqp3),
+// and Q from dgeqrf's reflectors (dorgqr), square.
+double measure_orthogonal(const bench::Library& library, const std::string& routine, int n) {
+    const bool complex = routine[0] == 'z';
+    const std::size_t nn = static_cast<std::size_t>(n) * n * (complex ? 2 : 1);
+    const bool long_calls = static_cast<double>(n) * n * n * (complex ? 4 : 1) > 3e9;
+    std::vector<double> tau(static_cast<std::size_t>(n) * 2);
+    int info = 0;
+    Array a(nn), w(nn);
+    fill_random(a.get(), nn, 0x51ED2701u + static_cast<std::uint64_t>(n));
+    if (routine == "dgeqrf" || routine == "zgeqrf" || routine == "dgelqf") {
+        auto* f = library.function<Geqrf>(routine == "dgelqf" ? "dgelqf_" : complex ? "zgeqrf_" : "dgeqrf_");
+        if (!f) return -1;
+        std::vector<double> work =
+            optimal_work([&](const int* lwork,
+                             double* answer) { f(&n, &n, w.get(), &n, tau.data(), answer, lwork, &info); },
+                         complex);
+        const int lwork = static_cast<int>(work.size() / (complex ? 2 : 1));
+        return timed_on_copy(
+            a, w, [&] { f(&n, &n, w.get(), &n, tau.data(), work.data(), &lwork, &info); }, long_calls);
+    }
+    if (routine == "dgeqp3") {
+        auto* f = library.function<Geqp3>("dgeqp3_");
+        if (!f) return -1;
+        std::vector<int> jpvt(static_cast<std::size_t>(n));
+        std::vector<double> work = optimal_work(
+            [&](const int* lwork, double* answer) {
+                f(&n, &n, w.get(), &n, jpvt.data(), tau.data(), answer, lwork, &info);
+            },
+            false);
+        const int lwork = static_cast<int>(work.size());
+        // Every column free: the pivots are cleared with each fresh copy (a cost next to nothing).
+        return timed_on_copy(
+            a, w,
+            [&] {
+                std::memset(jpvt.data(), 0, jpvt.size() * sizeof(int));
+                f(&n, &n, w.get(), &n, jpvt.data(), tau.data(), work.data(), &lwork, &info);
+            },
+            long_calls);
+    }
+    if (routine == "dorgqr") {
+        auto* geqrf = library.function<Geqrf>("dgeqrf_");
+        auto* f = library.function<Orgqr>("dorgqr_");
+        if (!f || !geqrf) return -1;
+        std::vector<double> work = optimal_work(
+            [&](const int* lwork, double* answer) {
+                geqrf(&n, &n, a.get(), &n, tau.data(), answer, lwork, &info);
+                const int generate_query = -1;
+                double generate_answer[2] = {0, 0};
+                f(&n, &n, &n, a.get(), &n, tau.data(), generate_answer, &generate_query, &info);
+                answer[0] = std::max(answer[0], generate_answer[0]);
+            },
+            false);
+        const int lwork = static_cast<int>(work.size());
+        geqrf(&n, &n, a.get(), &n, tau.data(), work.data(), &lwork, &info);
+        return timed_on_copy(
+            a, w, [&] { f(&n, &n, &n, w.get(), &n, tau.data(), work.data(), &lwork, &info); }, long_calls);
+    }
+    return -1;
+}
+
 double measure(const bench::Library& library, const std::string& routine, int n) {
+    if (routine == "dgeqrf" || routine == "zgeqrf" || routine == "dgelqf" || routine == "dgeqp3" ||
+        routine == "dorgqr")
+        return measure_orthogonal(library, routine, n);
     const bool complex = routine[0] == 'z';
     const std::size_t nn = static_cast<std::size_t>(n) * n * (complex ? 2 : 1);
     std::vector<int> ipiv(static_cast<std::size_t>(n));
@@ -157,20 +241,31 @@ double flops(const std::string& routine, double n) {
     if (routine == "zpotrf") return 4 * cube / 3;
     if (routine == "dgesv") return 2 * cube / 3 + 2 * n * n;
     if (routine == "dgetri") return 4 * cube / 3;
+    if (routine == "dgeqrf" || routine == "dgelqf" || routine == "dgeqp3" || routine == "dorgqr")
+        return 4 * cube / 3;
+    if (routine == "zgeqrf") return 16 * cube / 3;
     return 2 * cube;  // dgemm
 }
 
 const char* const kRoutines[] = {"dgetrf", "zgetrf", "dpotrf", "zpotrf",
                                  "dgesv",  "dgetri", "dpptrf", "dgemm"};
+const char* const kOrthogonal[] = {"dgeqrf", "zgeqrf", "dgelqf", "dgeqp3", "dorgqr", "dgemm"};
 
 }  // namespace
 
 int main(int argc, char** argv) {
     bench::Benchmark benchmark;
-    benchmark.title = "LU and Cholesky, column-major, lda = n, GFLOP/s";
+    benchmark.title = "LU, Cholesky and QR, column-major, lda = n, GFLOP/s";
     benchmark.metric = bench::Metric::GflopsPerSecond;
     for (const char* routine : kRoutines) {
         for (const int n : {200, 1000, 3000}) {
+            benchmark.cases.push_back({std::string(routine) + " n=" + std::to_string(n), flops(routine, n)});
+        }
+    }
+    for (const char* routine : kOrthogonal) {
+        for (const int n : {500, 1000, 2000, 4000}) {
+            // dgemm at 1000 is in the list already.
+            if (std::string(routine) == "dgemm" && n == 1000) continue;
             benchmark.cases.push_back({std::string(routine) + " n=" + std::to_string(n), flops(routine, n)});
         }
     }

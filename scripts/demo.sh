@@ -9,5 +9,5 @@ cmake --preset linux -DZOR_BUILD_TESTS=OFF
 cmake --build --preset linux
 ./build/linux/bin/zor-info
 echo
-./build/linux/bin/zor-bench-gemm --peak --rounds 3 --peers zor,openblas,openblas-avx512,blis \
+./build/linux/bin/zor-bench-gemm --peak --rounds 3 --peers zor,openblas,openblas-avx512,blis,blis-avx512 \
     --cases '^[dz]gemm n=(64|128|256|512|1024)$' --plot build/linux/gemm.png

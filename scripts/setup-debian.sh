@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
 # Installs what building zor needs on a Debian machine; with --tests, also what its tests need
-# (the Windows cross compilers, Wine, qemu-user, GoogleTest, valgrind); with --demo, what the
+# (the Windows cross compilers, Wine, qemu-user, GoogleTest, valgrind, and reference LAPACK with its
+# test programs, which the "reference" tests run); with --demo, what the
 # demonstration and the benchmarks compare and draw with (Debian's serial OpenBLAS and BLIS, reference
 # LAPACK, gnuplot).
 set -euo pipefail
 packages=(cmake ninja-build g++ ccache binutils)
 if [ "${1:-}" = --tests ]; then
     packages+=(googletest gcc-mingw-w64-x86-64 g++-mingw-w64-x86-64 binutils-mingw-w64-x86-64 wine64 qemu-user
-               libc-bin valgrind)
+               libc-bin valgrind liblapack3 liblapack-test libblas-test)
 fi
 if [ "${1:-}" = --demo ]; then
     packages+=(libopenblas0-serial libblis4-serial liblapack3 gnuplot-nox)

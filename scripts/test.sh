@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds the library for Linux and for Windows and runs every test: natively, under Wine, under
-# emulated processors of each level, and on Linux again with AddressSanitizer (with LeakSanitizer
+# Builds the library for Linux and for Windows and runs every test: natively (with the "reference"
+# label: reference LAPACK's test programs on the built library), under Wine, under emulated
+# processors of each level, and on Linux again with AddressSanitizer (with LeakSanitizer
 # and UBSan) and with ThreadSanitizer.
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -116,6 +116,54 @@ ZOR_FORTRAN_API void ztptrs(const char* uplo, const char* trans, const char* dia
                             const zor_int* ldb, zor_int* info, size_t uplo_length, size_t trans_length,
                             size_t diag_length);
 
+/* ---- Orthogonal factorizations ------------------------------------------------------------- */
+
+/* A = Q R of an m by n matrix: R on and above the diagonal, Q as min(m, n) elementary reflectors
+ * (vector i below the diagonal of column i, scalar tau[i]). lwork >= max(1, n) (1 when m or n is 0);
+ * lwork = -1 asks for the optimal size in work[0]. */
+ZOR_FORTRAN_API void dgeqrf(const zor_int* m, const zor_int* n, double* a, const zor_int* lda, double* tau,
+                            double* work, const zor_int* lwork, zor_int* info);
+ZOR_FORTRAN_API void zgeqrf(const zor_int* m, const zor_int* n, zor_complex_double* a, const zor_int* lda,
+                            zor_complex_double* tau, zor_complex_double* work, const zor_int* lwork,
+                            zor_int* info);
+/* A = L Q: L on and below the diagonal, Q as reflectors stored right of the diagonal of their rows.
+ * lwork >= max(1, m) (1 when m or n is 0); lwork = -1 asks for the optimal size. */
+ZOR_FORTRAN_API void dgelqf(const zor_int* m, const zor_int* n, double* a, const zor_int* lda, double* tau,
+                            double* work, const zor_int* lwork, zor_int* info);
+ZOR_FORTRAN_API void zgelqf(const zor_int* m, const zor_int* n, zor_complex_double* a, const zor_int* lda,
+                            zor_complex_double* tau, zor_complex_double* work, const zor_int* lwork,
+                            zor_int* info);
+/* A P = Q R with column pivoting: column j of A P is column jpvt[j] of A; a nonzero jpvt[j] on entry
+ * keeps column j at the front. lwork >= 3 n + 1 (zgeqp3: n + 1, with rwork of 2 n doubles); lwork =
+ * -1 asks for the optimal size (jpvt is then not read). */
+ZOR_FORTRAN_API void dgeqp3(const zor_int* m, const zor_int* n, double* a, const zor_int* lda, zor_int* jpvt,
+                            double* tau, double* work, const zor_int* lwork, zor_int* info);
+ZOR_FORTRAN_API void zgeqp3(const zor_int* m, const zor_int* n, zor_complex_double* a, const zor_int* lda,
+                            zor_int* jpvt, zor_complex_double* tau, zor_complex_double* work,
+                            const zor_int* lwork, double* rwork, zor_int* info);
+/* The first n columns of the m by m Q of dgeqrf (k reflectors; m >= n >= k), in place of the
+ * factorization. lwork >= max(1, n); lwork = -1 asks for the optimal size. */
+ZOR_FORTRAN_API void dorgqr(const zor_int* m, const zor_int* n, const zor_int* k, double* a, const zor_int* lda,
+                            const double* tau, double* work, const zor_int* lwork, zor_int* info);
+ZOR_FORTRAN_API void zungqr(const zor_int* m, const zor_int* n, const zor_int* k, zor_complex_double* a,
+                            const zor_int* lda, const zor_complex_double* tau, zor_complex_double* work,
+                            const zor_int* lwork, zor_int* info);
+/* The first m rows of the n by n Q of dgelqf (k reflectors; n >= m >= k). lwork >= max(1, m). */
+ZOR_FORTRAN_API void dorglq(const zor_int* m, const zor_int* n, const zor_int* k, double* a, const zor_int* lda,
+                            const double* tau, double* work, const zor_int* lwork, zor_int* info);
+ZOR_FORTRAN_API void zunglq(const zor_int* m, const zor_int* n, const zor_int* k, zor_complex_double* a,
+                            const zor_int* lda, const zor_complex_double* tau, zor_complex_double* work,
+                            const zor_int* lwork, zor_int* info);
+/* The n by n Q of a Hessenberg reduction (dgehrd) from the reflectors it stores below the first
+ * subdiagonal; Q is the identity outside rows and columns ilo + 1 .. ihi. lwork >= max(1, ihi -
+ * ilo). */
+ZOR_FORTRAN_API void dorghr(const zor_int* n, const zor_int* ilo, const zor_int* ihi, double* a,
+                            const zor_int* lda, const double* tau, double* work, const zor_int* lwork,
+                            zor_int* info);
+ZOR_FORTRAN_API void zunghr(const zor_int* n, const zor_int* ilo, const zor_int* ihi, zor_complex_double* a,
+                            const zor_int* lda, const zor_complex_double* tau, zor_complex_double* work,
+                            const zor_int* lwork, zor_int* info);
+
 ZOR_EXTERN_C_END
 
 #endif

@@ -13,6 +13,10 @@ namespace zor {
 // when both are NaN), and an infinite argument gives infinity.
 double lapy2(double x, double y);
 
+// sqrt(x^2 + y^2 + z^2) scaled by the largest magnitude, so that no square overflows or underflows
+// unnecessarily; NaN when an argument is NaN, infinity when one is infinite and none is NaN.
+double lapy3(double x, double y, double z);
+
 // B := A for the upper ("U") or lower ("L") trapezoid of the m by n matrix, or all of it.
 template <class T>
 void lacpy(char uplo, zint m, zint n, const T* a, zint lda, T* b, zint ldb);

@@ -1,0 +1,21 @@
+# Reference LAPACK's own test programs (Debian's liblapack-test) on the built library, label
+# "reference": each input file in the published format runs with zor loaded ahead of the reference
+# library and must fail nothing that the reference library alone passes (run-reference.sh). A
+# family adds its paths with an input file here and one line below. Linux only; not under the
+# sanitizers, whose runtime cannot be preloaded into the programs.
+set(ZOR_REFERENCE_PROGRAMS /usr/lib/x86_64-linux-gnu/lapack)
+if(NOT WIN32 AND NOT ZOR_SANITIZER AND EXISTS ${ZOR_REFERENCE_PROGRAMS}/xlintstd)
+    function(zor_add_reference_test program input)
+        get_filename_component(_name ${input} NAME_WE)
+        add_test(NAME reference_${program}_${_name}
+            COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/reference/run-reference.sh ${program}
+                    ${CMAKE_CURRENT_SOURCE_DIR}/reference/${input} $<TARGET_FILE:zor>
+                    ${CMAKE_CURRENT_BINARY_DIR}/reference)
+        set_tests_properties(reference_${program}_${_name} PROPERTIES LABELS reference
+            ENVIRONMENT_MODIFICATION "${ZOR_TEST_ENVIRONMENT}")
+    endfunction()
+
+    # The QR, LQ and pivoted QR paths of the linear-equation programs.
+    zor_add_reference_test(xlintstd lin/dqr.in)
+    zor_add_reference_test(xlintstz lin/zqr.in)
+endif()
