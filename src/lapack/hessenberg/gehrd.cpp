@@ -28,12 +28,19 @@ zint check_gehrd(zint n, zint ilo, zint ihi, zint lda, zint lwork) {
 }
 
 template <class T>
+zint gehrd_workspace(zint n, zint ilo, zint ihi) {
+    const zint nb =
+        min_of(kLargestBlock, ilaenv(1, routine_name<T>("DGEHRD", "ZGEHRD"), " ", n, ilo, ihi, -1));
+    return n == 0 ? 1 : n * nb + kTriangleSize;
+}
+
+template <class T>
 void gehrd(zint n, zint ilo, zint ihi, T* a, zint lda, T* tau, T* work, zint lwork, zint& info) {
     info = check_gehrd<T>(n, ilo, ihi, lda, lwork);
     if (info != 0) return;
     const char* name = routine_name<T>("DGEHRD", "ZGEHRD");
     zint nb = min_of(kLargestBlock, ilaenv(1, name, " ", n, ilo, ihi, -1));
-    const zint optimal = n == 0 ? 1 : n * nb + kTriangleSize;
+    const zint optimal = gehrd_workspace<T>(n, ilo, ihi);
     work[0] = from_real<T>(static_cast<double>(optimal));
     if (lwork == -1) return;
 
@@ -92,3 +99,4 @@ void gehrd(zint n, zint ilo, zint ihi, T* a, zint lda, T* tau, T* work, zint lwo
 
 ZOR_INSTANTIATE(gehrd)
 ZOR_INSTANTIATE(check_gehrd)
+ZOR_INSTANTIATE(gehrd_workspace)

@@ -39,6 +39,11 @@ void gehd2(zint n, zint ilo, zint ihi, T* a, zint lda, T* tau, T* work, zint& in
 template <class T>
 void gehrd(zint n, zint ilo, zint ihi, T* a, zint lda, T* tau, T* work, zint lwork, zint& info);
 
+// The optimal workspace of gehrd, which its query answers and which the drivers that call it
+// provide: n·NB for Y and 65·64 for the panel's T (1 when n = 0).
+template <class T>
+zint gehrd_workspace(zint n, zint ilo, zint ihi);
+
 // The panel of gehrd: reduces the nb columns of A (n rows, the first k of them above the part being
 // reduced) so that the entries below row k + 1 of each column vanish, and returns the block
 // reflector's V (in A), its upper triangular T (nb by nb) and Y = A V T (n by nb) for the update

@@ -28,7 +28,8 @@ GeesWork gees_workspace(bool wantvs, zint n) {
     const zint front = kIsComplex<T> ? n : 2 * n;
     const zint rest = kIsComplex<T> ? 0 : n;
     const zint minimum = kIsComplex<T> ? 2 * n : 3 * n;
-    zint optimal = front + n * ilaenv(1, routine_name<T>("DGEHRD", "ZGEHRD"), " ", n, 1, n, 0);
+    // gehrd's own optimum, so that a call given this much reduces with the same blocks as any other.
+    zint optimal = front + gehrd_workspace<T>(n, 1, n);
     if (wantvs)
         optimal = max_of(optimal,
                          front + (n - 1) * ilaenv(1, routine_name<T>("DORGHR", "ZUNGHR"), " ", n, 1, n, -1));

@@ -30,7 +30,8 @@ GeevWork geev_workspace(bool vectors, zint n) {
     const zint front = kIsComplex<T> ? n : 2 * n;
     const zint rest = kIsComplex<T> ? 0 : n;  // what lies before the work of hseqr and trevc3
     const zint minimum = kIsComplex<T> ? 2 * n : (vectors ? 4 * n : 3 * n);
-    zint optimal = front + n * ilaenv(1, routine_name<T>("DGEHRD", "ZGEHRD"), " ", n, 1, n, 0);
+    // gehrd's own optimum, so that a call given this much reduces with the same blocks as any other.
+    zint optimal = front + gehrd_workspace<T>(n, 1, n);
     if (vectors) {
         optimal = max_of(optimal,
                          front + (n - 1) * ilaenv(1, routine_name<T>("DORGHR", "ZUNGHR"), " ", n, 1, n, -1));
