@@ -8,7 +8,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <limits>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "lapack/auxiliary/auxiliary.hpp"
@@ -149,6 +151,87 @@ TEST_P(SchurFamilies, Complex) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Families, SchurFamilies, ::testing::ValuesIn(schur_cases()), case_name);
+
+// ---- inner ranges, non-finite input, the checks -----------------------------------------------------
+
+// A matrix already triangular outside rows and columns ilo .. ihi (as balancing leaves one): hseqr
+// copies the eigenvalues outside and factors the rest, Z updated on ilo .. ihi.
+template <class T>
+void check_inner_range(zint n, zint ilo, zint ihi) {
+    SCOPED_TRACE(std::to_string(n) + " " + std::to_string(ilo) + ".." + std::to_string(ihi));
+    Matrix<T> a = eigen_matrix<T>(Kind::Random, n, static_cast<std::uint64_t>(ilo));
+    for (zint j = 0; j < n; ++j) {
+        for (zint i = j + 1; i < n; ++i) {
+            if (j < ilo - 1 || i > ihi - 1) a(i, j) = T{};
+        }
+    }
+    Matrix<T> h, q;
+    reduce(a, ilo, ihi, h, q);
+    Spectrum<T> w(n);
+    ASSERT_EQ(run_hseqr('S', 'V', h, ilo, ihi, w, q), 0);
+    EXPECT_LT(schur_residual(a, h, q), kResidualThreshold);
+    EXPECT_TRUE(is_schur_form(h));
+    for (zint i = 0; i < n; ++i) {
+        if (i < ilo - 1 || i > ihi - 1) {
+            EXPECT_EQ(w.at(i).re, value(a(i, i)).re) << i;
+        }
+    }
+}
+
+TEST(Hseqr, FactorsTheRangeBalancingLeaves) {
+    for (const auto& [n, ilo, ihi] :
+         {std::tuple<zint, zint, zint>{5, 3, 3}, {8, 2, 6}, {40, 4, 33}, {150, 9, 140}}) {
+        check_inner_range<double>(n, ilo, ihi);
+        check_inner_range<zcomplex>(n, ilo, ihi);
+    }
+}
+
+// A NaN or an infinity in the active block ends the iteration with info > 0, at once rather than
+// after the iteration limit.
+template <class T>
+void check_not_finite(zint n, double bad) {
+    Matrix<T> h = eigen_matrix<T>(Kind::Hessenberg, n, 7), z(n, n, n);
+    h(n / 3, n / 2) = scalar<T>(bad, 0);  // in the upper triangle, where it enters every sweep
+    Spectrum<T> w(n);
+    const auto start = std::chrono::steady_clock::now();
+    const zint info = run_hseqr('S', 'I', h, 1, n, w, z);
+    EXPECT_GT(info, 0);
+    EXPECT_LE(info, n);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+}
+
+TEST(Hseqr, NonFiniteEntriesEndTheIteration) {
+    for (zint n : {12, 60, 300}) {
+        for (double bad :
+             {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
+            SCOPED_TRACE(std::to_string(n) + " " + std::to_string(bad));
+            check_not_finite<double>(n, bad);
+            check_not_finite<zcomplex>(n, bad);
+        }
+    }
+}
+
+TEST(Hseqr, WorkspaceQueryAndChecks) {
+    double work[2] = {0, 0}, h[4] = {1, 2, 3, 4}, z[4];
+    double wr[2], wi[2];
+    const Eigenvalues<double> w{wr, wi};
+    zint info = -9;
+    hseqr<double>('S', 'V', 300, 1, 300, h, 300, w, z, 300, work, -1, info);
+    EXPECT_EQ(info, 0);
+    EXPECT_EQ(work[0], 300.0);
+    ::testing::internal::CaptureStdout();
+    hseqr<double>('X', 'N', 2, 1, 2, h, 2, w, z, 1, work, 2, info);
+    EXPECT_EQ(info, -1);
+    hseqr<double>('S', 'X', 2, 1, 2, h, 2, w, z, 1, work, 2, info);
+    EXPECT_EQ(info, -2);
+    hseqr<double>('S', 'N', 2, 2, 1, h, 2, w, z, 1, work, 2, info);
+    EXPECT_EQ(info, -5);
+    hseqr<double>('S', 'V', 2, 1, 2, h, 2, w, z, 1, work, 2, info);
+    EXPECT_EQ(info, -11);
+    hseqr<double>('S', 'N', 2, 1, 2, h, 2, w, z, 1, work, 1, info);
+    EXPECT_EQ(info, -13);
+    ::testing::internal::GetCapturedStdout();
+}
 
 }  // namespace
 }  // namespace zor::test
