@@ -24,10 +24,34 @@ void rotate(zint count, double* x, zint incx, double* y, zint incy, double cs, d
     }
 }
 
+// C := H C (side "L", C 3 by n) or C H ("R", C m by 3) for H = I - tau u uᵀ of order 3, entry by
+// entry: the blocks swapped here are too narrow for the matrix-vector kernels to pay.
+void reflect(char side, zint m, zint n, const double* u, double tau, double* c, zint ldc) {
+    if (tau == 0.0) return;
+    const double t0 = tau * u[0], t1 = tau * u[1], t2 = tau * u[2];
+    if (side == 'L') {
+        for (zint j = 0; j < n; ++j) {
+            double* x = c + j * ldc;
+            const double sum = u[0] * x[0] + u[1] * x[1] + u[2] * x[2];
+            x[0] -= sum * t0;
+            x[1] -= sum * t1;
+            x[2] -= sum * t2;
+        }
+    } else {
+        for (zint i = 0; i < m; ++i) {
+            double* x = c + i;
+            const double sum = x[0] * u[0] + x[ldc] * u[1] + x[2 * ldc] * u[2];
+            x[0] -= sum * t0;
+            x[ldc] -= sum * t1;
+            x[2 * ldc] -= sum * t2;
+        }
+    }
+}
+
 }  // namespace
 
 void laexc(bool wantq, zint n, double* tp, zint ldt, double* qp, zint ldq, zint j1, zint n1, zint n2,
-           double* work, zint& info) {
+           zint& info) {
     info = 0;
     if (n == 0 || n1 == 0 || n2 == 0 || j1 + n1 > n) return;
     const auto T = [&](zint i, zint j) -> double& { return tp[(i - 1) + (j - 1) * ldt]; };
@@ -72,36 +96,36 @@ void laexc(bool wantq, zint n, double* tp, zint ldt, double* qp, zint ldq, zint 
         larfg(3, u[2], u, 1, tau);
         u[2] = 1.0;
         const double t11 = T(j1, j1);
-        larf('L', 3, 3, u, 1, tau, d, ldd, work);
-        larf('R', 3, 3, u, 1, tau, d, ldd, work);
+        reflect('L', 3, 3, u, tau, d, ldd);
+        reflect('R', 3, 3, u, tau, d, ldd);
         if (std::fmax(std::fmax(std::fabs(D(3, 1)), std::fabs(D(3, 2))), std::fabs(D(3, 3) - t11)) > thresh) {
             info = 1;
             return;
         }
-        larf('L', 3, n - j1 + 1, u, 1, tau, &T(j1, j1), ldt, work);
-        larf('R', j2, 3, u, 1, tau, &T(1, j1), ldt, work);
+        reflect('L', 3, n - j1 + 1, u, tau, &T(j1, j1), ldt);
+        reflect('R', j2, 3, u, tau, &T(1, j1), ldt);
         T(j3, j1) = 0.0;
         T(j3, j2) = 0.0;
         T(j3, j3) = t11;
-        if (wantq) larf('R', n, 3, u, 1, tau, Q(1, j1), ldq, work);
+        if (wantq) reflect('R', n, 3, u, tau, Q(1, j1), ldq);
     } else if (n2 == 1) {
         // n1 = 2: the reflector H with H (-x11, -x21, scale)ᵀ = (*, 0, 0)ᵀ.
         double u[3] = {-X(1, 1), -X(2, 1), scale}, tau;
         larfg(3, u[0], u + 1, 1, tau);
         u[0] = 1.0;
         const double t33 = T(j3, j3);
-        larf('L', 3, 3, u, 1, tau, d, ldd, work);
-        larf('R', 3, 3, u, 1, tau, d, ldd, work);
+        reflect('L', 3, 3, u, tau, d, ldd);
+        reflect('R', 3, 3, u, tau, d, ldd);
         if (std::fmax(std::fmax(std::fabs(D(2, 1)), std::fabs(D(3, 1))), std::fabs(D(1, 1) - t33)) > thresh) {
             info = 1;
             return;
         }
-        larf('R', j3, 3, u, 1, tau, &T(1, j1), ldt, work);
-        larf('L', 3, n - j1, u, 1, tau, &T(j1, j2), ldt, work);
+        reflect('R', j3, 3, u, tau, &T(1, j1), ldt);
+        reflect('L', 3, n - j1, u, tau, &T(j1, j2), ldt);
         T(j1, j1) = t33;
         T(j2, j1) = 0.0;
         T(j3, j1) = 0.0;
-        if (wantq) larf('R', n, 3, u, 1, tau, Q(1, j1), ldq, work);
+        if (wantq) reflect('R', n, 3, u, tau, Q(1, j1), ldq);
     } else {
         // Two 2 by 2 blocks: reflectors H(1), H(2) with H(2) H(1) [-X; scale I] upper triangular.
         double u1[3] = {-X(1, 1), -X(2, 1), scale}, tau1;
@@ -111,26 +135,26 @@ void laexc(bool wantq, zint n, double* tp, zint ldt, double* qp, zint ldq, zint 
         double u2[3] = {-temp * u1[1] - X(2, 2), -temp * u1[2], scale}, tau2;
         larfg(3, u2[0], u2 + 1, 1, tau2);
         u2[0] = 1.0;
-        larf('L', 3, 4, u1, 1, tau1, d, ldd, work);
-        larf('R', 4, 3, u1, 1, tau1, d, ldd, work);
-        larf('L', 3, 4, u2, 1, tau2, &D(2, 1), ldd, work);
-        larf('R', 4, 3, u2, 1, tau2, &D(1, 2), ldd, work);
+        reflect('L', 3, 4, u1, tau1, d, ldd);
+        reflect('R', 4, 3, u1, tau1, d, ldd);
+        reflect('L', 3, 4, u2, tau2, &D(2, 1), ldd);
+        reflect('R', 4, 3, u2, tau2, &D(1, 2), ldd);
         if (std::fmax(std::fmax(std::fabs(D(3, 1)), std::fabs(D(3, 2))),
                       std::fmax(std::fabs(D(4, 1)), std::fabs(D(4, 2)))) > thresh) {
             info = 1;
             return;
         }
-        larf('L', 3, n - j1 + 1, u1, 1, tau1, &T(j1, j1), ldt, work);
-        larf('R', j4, 3, u1, 1, tau1, &T(1, j1), ldt, work);
-        larf('L', 3, n - j1 + 1, u2, 1, tau2, &T(j2, j1), ldt, work);
-        larf('R', j4, 3, u2, 1, tau2, &T(1, j2), ldt, work);
+        reflect('L', 3, n - j1 + 1, u1, tau1, &T(j1, j1), ldt);
+        reflect('R', j4, 3, u1, tau1, &T(1, j1), ldt);
+        reflect('L', 3, n - j1 + 1, u2, tau2, &T(j2, j1), ldt);
+        reflect('R', j4, 3, u2, tau2, &T(1, j2), ldt);
         T(j3, j1) = 0.0;
         T(j3, j2) = 0.0;
         T(j4, j1) = 0.0;
         T(j4, j2) = 0.0;
         if (wantq) {
-            larf('R', n, 3, u1, 1, tau1, Q(1, j1), ldq, work);
-            larf('R', n, 3, u2, 1, tau2, Q(1, j2), ldq, work);
+            reflect('R', n, 3, u1, tau1, Q(1, j1), ldq);
+            reflect('R', n, 3, u2, tau2, Q(1, j2), ldq);
         }
     }
 

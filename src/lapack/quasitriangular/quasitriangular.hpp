@@ -17,16 +17,16 @@ namespace zor {
 // Moves the diagonal block of T starting at row ifst to row ilst by adjacent swaps, updating Q
 // (compq "V"; "N": no Q). Real data: ifst and ilst are moved to the first row of their blocks and
 // ilst adjusted so that the block lands whole; info = 1 when two blocks were too close to swap
-// (T and Q then hold the swaps done so far, ilst the block's position). work: n elements (real
-// data only; complex data ignores it).
+// (T and Q then hold the swaps done so far, ilst the block's position). work is the published
+// argument and is not needed (the swaps apply their small reflectors entry by entry).
 template <class T>
 void trexc(char compq, zint n, T* t, zint ldt, T* q, zint ldq, zint& ifst, zint& ilst, T* work, zint& info);
 
 // Swaps the adjacent real blocks of orders n1 and n2 (1 or 2) starting at row j1, with the new 2 by 2
 // blocks standardised; info = 1 when the swap would change T by more than about 10 eps ||block||
-// (nothing is then changed). work: n elements.
+// (nothing is then changed).
 void laexc(bool wantq, zint n, double* t, zint ldt, double* q, zint ldq, zint j1, zint n1, zint n2,
-           double* work, zint& info);
+           zint& info);
 
 // The reordering of trsen: the selected eigenvalues (a pair selected by either of its entries)
 // moved to the leading m rows of T, Q updated (compq "V"), the new order's eigenvalues in w.

@@ -20,12 +20,11 @@ struct BlockMover {
     zint ldt;
     double* q;
     zint ldq;
-    double* work;
 
     double sub(zint i, zint j) const { return t[(i - 1) + (j - 1) * ldt]; }
     bool swap(zint j1, zint n1, zint n2) {
         zint info = 0;
-        laexc(wantq, n, t, ldt, q, ldq, j1, n1, n2, work, info);
+        laexc(wantq, n, t, ldt, q, ldq, j1, n1, n2, info);
         return info == 0;
     }
     // The order of the block starting at row j (1 or 2).
@@ -94,8 +93,8 @@ struct BlockMover {
 };
 
 void real_trexc(bool wantq, zint n, double* t, zint ldt, double* q, zint ldq, zint& ifst, zint& ilst,
-                double* work, zint& info) {
-    BlockMover mover{wantq, n, t, ldt, q, ldq, work};
+                zint& info) {
+    BlockMover mover{wantq, n, t, ldt, q, ldq};
     // The first rows of the block to move and of the block at the destination, and their orders.
     if (ifst > 1 && mover.sub(ifst, ifst - 1) != 0.0) --ifst;
     const zint nbf = ifst < n ? mover.block_below(ifst) : 1;
@@ -158,15 +157,14 @@ zint check_trexc(char compq, zint n, zint ldt, zint ldq, zint ifst, zint ilst) {
 }
 
 template <class T>
-void trexc(char compq, zint n, T* t, zint ldt, T* q, zint ldq, zint& ifst, zint& ilst, T* work, zint& info) {
+void trexc(char compq, zint n, T* t, zint ldt, T* q, zint ldq, zint& ifst, zint& ilst, T*, zint& info) {
     info = check_trexc<T>(compq, n, ldt, ldq, ifst, ilst);
     if (info != 0 || n <= 1) return;
     const bool wantq = lsame(compq, 'V');
     if constexpr (kIsComplex<T>) {
         if (ifst != ilst) complex_trexc(wantq, n, t, ldt, q, ldq, ifst, ilst);
-        (void)work;
     } else {
-        real_trexc(wantq, n, t, ldt, q, ldq, ifst, ilst, work, info);
+        real_trexc(wantq, n, t, ldt, q, ldq, ifst, ilst, info);
     }
 }
 

@@ -140,7 +140,7 @@ void real_qr(bool wantt, bool wantz, zint n, zint ilo, zint ihi, double* hp, zin
                     for (zint r = 0; r < nr; ++r) v[r] = h(k + r, k - 1);
                 }
                 double t1;
-                larfg(nr, v[0], v + 1, 1, t1);
+                bulge_reflector(nr, v[0], v + 1, t1);
                 if (k > m) {
                     h(k, k - 1) = v[0];
                     h(k + 1, k - 1) = 0.0;
@@ -313,12 +313,12 @@ void complex_qr(bool wantt, bool wantz, zint n, zint ilo, zint ihi, zcomplex* hp
                     v[1] = h(k + 1, k - 1);
                 }
                 zcomplex t1;
-                larfg(2, v[0], v + 1, 1, t1);
+                bulge_reflector(2, v[0], v + 1, t1);
                 if (k > m) {
                     h(k, k - 1) = v[0];
                     h(k + 1, k - 1) = {};
                 }
-                // v(2) is real before larfg, so t1·v(2) is real too.
+                // v(2) is real before the reflector is made, so t1·v(2) is real too.
                 const zcomplex v2 = v[1];
                 const double t2 = (t1 * v2).re;
                 for (zint j = k; j <= i2; ++j) {

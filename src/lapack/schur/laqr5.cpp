@@ -161,11 +161,11 @@ void laqr5(bool wantt, bool wantz, zint kacc22, zint n, zint ktop, zint kbot, zi
                 if (k == ktop - 1) {
                     laqr1(2, h.at(k + 1, k + 1), ldh, shifts.get(2 * m22 - 2), shifts.get(2 * m22 - 1), v);
                     T beta = v[0];
-                    larfg(2, beta, v + 1, 1, v[0]);
+                    bulge_reflector(2, beta, v + 1, v[0]);
                 } else {
                     T beta = h(k + 1, k);
                     v[1] = h(k + 2, k);
-                    larfg(2, beta, v + 1, 1, v[0]);
+                    bulge_reflector(2, beta, v + 1, v[0]);
                     h(k + 1, k) = beta;
                     h(k + 2, k) = zero<T>();
                 }
@@ -189,7 +189,7 @@ void laqr5(bool wantt, bool wantz, zint kacc22, zint n, zint ktop, zint kbot, zi
                 if (k == ktop - 1) {
                     laqr1(3, h.at(ktop, ktop), ldh, shifts.get(2 * m - 2), shifts.get(2 * m - 1), v);
                     T alpha = v[0];
-                    larfg(3, alpha, v + 1, 1, v[0]);
+                    bulge_reflector(3, alpha, v + 1, v[0]);
                 } else {
                     // The row below the bulge, whose update from the left was put off: its first
                     // two entries are zero, so only the third enters.
@@ -201,7 +201,7 @@ void laqr5(bool wantt, bool wantz, zint kacc22, zint n, zint ktop, zint kbot, zi
                     T beta = h(k + 1, k);
                     v[1] = h(k + 2, k);
                     v[2] = h(k + 3, k);
-                    larfg(3, beta, v + 1, 1, v[0]);
+                    bulge_reflector(3, beta, v + 1, v[0]);
                     if (!is_zero(h(k + 3, k)) || !is_zero(h(k + 3, k + 1)) || is_zero(h(k + 3, k + 2))) {
                         h(k + 1, k) = beta;
                         h(k + 2, k) = zero<T>();
@@ -213,7 +213,7 @@ void laqr5(bool wantt, bool wantz, zint kacc22, zint n, zint ktop, zint kbot, zi
                         T vt[3];
                         laqr1(3, h.at(k + 1, k + 1), ldh, shifts.get(2 * m - 2), shifts.get(2 * m - 1), vt);
                         T alpha = vt[0];
-                        larfg(3, alpha, vt + 1, 1, vt[0]);
+                        bulge_reflector(3, alpha, vt + 1, vt[0]);
                         const T refsum2 = conj(vt[0]) * (h(k + 1, k) + conj(vt[1]) * h(k + 2, k));
                         if (abs1(h(k + 2, k) - refsum2 * vt[1]) + abs1(refsum2 * vt[2]) >
                             sw.ulp * (abs1(h(k, k)) + abs1(h(k + 1, k + 1)) + abs1(h(k + 2, k + 2)))) {
