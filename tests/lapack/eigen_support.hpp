@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -29,35 +30,39 @@ enum class Kind {
     Hessenberg
 };
 
-inline const char* kind_name(Kind kind) {
-    switch (kind) {
-        case Kind::Random:
-            return "Random";
-        case Kind::Zero:
-            return "Zero";
-        case Kind::Identity:
-            return "Identity";
-        case Kind::Jordan:
-            return "Jordan";
-        case Kind::Clustered:
-            return "Clustered";
-        case Kind::Repeated:
-            return "Repeated";
-        case Kind::Companion:
-            return "Companion";
-        case Kind::Graded:
-            return "Graded";
-        case Kind::Triangular:
-            return "Triangular";
-        case Kind::Hessenberg:
-            return "Hessenberg";
-    }
-    return "?";
-}
-
 inline constexpr Kind kAllKinds[] = {Kind::Random,     Kind::Zero,      Kind::Identity,  Kind::Jordan,
                                      Kind::Clustered,  Kind::Repeated,  Kind::Companion, Kind::Graded,
                                      Kind::Triangular, Kind::Hessenberg};
+inline constexpr const char* kKindNames[] = {"Random",   "Zero",      "Identity", "Jordan",     "Clustered",
+                                             "Repeated", "Companion", "Graded",   "Triangular", "Hessenberg"};
+
+inline const char* kind_name(Kind kind) {
+    return kKindNames[static_cast<int>(kind)];
+}
+
+// A test case of the families: a kind of matrix and its order, named "Kind_n".
+struct FamilyCase {
+    Kind kind;
+    zint n;
+};
+
+inline std::string family_case_name(const ::testing::TestParamInfo<FamilyCase>& info) {
+    return std::string(kind_name(info.param.kind)) + "_" + std::to_string(info.param.n);
+}
+
+// Every kind at the small orders, and the larger orders for the kinds given.
+inline std::vector<FamilyCase> family_cases(std::initializer_list<zint> small,
+                                            std::initializer_list<Kind> kinds,
+                                            std::initializer_list<zint> large) {
+    std::vector<FamilyCase> cases;
+    for (Kind kind : kAllKinds) {
+        for (zint n : small) cases.push_back({kind, n});
+    }
+    for (Kind kind : kinds) {
+        for (zint n : large) cases.push_back({kind, n});
+    }
+    return cases;
+}
 
 // Q B Qᴴ for a dense unitary Q (two random reflectors), in long double.
 inline Wide similar(Random& random, const Wide& b, bool complex) {

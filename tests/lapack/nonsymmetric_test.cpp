@@ -166,27 +166,14 @@ void check_geev(const Matrix<T>& a, const std::string& what, bool minimal = fals
     EXPECT_TRUE(same_contents(vl, vl2)) << "left vectors differ without the right ones";
 }
 
-struct DriverCase {
-    Kind kind;
-    zint n;
-};
-
-std::string driver_name(const ::testing::TestParamInfo<DriverCase>& info) {
-    return std::string(kind_name(info.param.kind)) + "_" + std::to_string(info.param.n);
-}
-
-std::vector<DriverCase> driver_cases() {
-    std::vector<DriverCase> cases;
-    for (Kind kind : kAllKinds) {
-        for (zint n : {0, 1, 2, 3, 6, 20, 50}) cases.push_back({kind, n});
-    }
-    for (Kind kind : {Kind::Random, Kind::Graded, Kind::Repeated, Kind::Companion})
-        cases.push_back({kind, 120});
+std::vector<FamilyCase> driver_cases() {
+    std::vector<FamilyCase> cases = family_cases(
+        {0, 1, 2, 3, 6, 20, 50}, {Kind::Random, Kind::Graded, Kind::Repeated, Kind::Companion}, {120});
     cases.push_back({Kind::Random, 200});
     return cases;
 }
 
-class DriverFamilies : public ::testing::TestWithParam<DriverCase> {};
+class DriverFamilies : public ::testing::TestWithParam<FamilyCase> {};
 
 TEST_P(DriverFamilies, GeevReal) {
     check_geev(eigen_matrix<double>(GetParam().kind, GetParam().n, 3), "real");
@@ -282,7 +269,7 @@ TEST_P(DriverFamilies, GeesComplex) {
     check_gees(a, true, "complex");
 }
 
-INSTANTIATE_TEST_SUITE_P(Families, DriverFamilies, ::testing::ValuesIn(driver_cases()), driver_name);
+INSTANTIATE_TEST_SUITE_P(Families, DriverFamilies, ::testing::ValuesIn(driver_cases()), family_case_name);
 
 // ---- scaling, workspace, non-finite input ---------------------------------------------------------
 

@@ -48,10 +48,11 @@ Matrix<T> unit(zint n) {
     return q;
 }
 
-// The eigenvalues of a Schur form, sorted by real part then imaginary part.
+// The eigenvalues of a Schur form in the order of its diagonal (a real pair: positive imaginary
+// part first), and sorted by real part then imaginary part.
 template <class T>
-std::vector<std::pair<double, double>> spectrum(const Matrix<T>& t) {
-    std::vector<std::pair<double, double>> w;
+std::vector<Exact> diagonal_eigenvalues(const Matrix<T>& t) {
+    std::vector<Exact> w;
     const zint n = t.rows;
     for (zint k = 0; k < n; ++k) {
         if constexpr (!kIsComplex<T>) {
@@ -63,8 +64,15 @@ std::vector<std::pair<double, double>> spectrum(const Matrix<T>& t) {
                 continue;
             }
         }
-        w.push_back({value(t(k, k)).re, value(t(k, k)).im});
+        w.push_back(value(t(k, k)));
     }
+    return w;
+}
+template <class T>
+std::vector<std::pair<double, double>> spectrum(const Matrix<T>& t) {
+    std::vector<std::pair<double, double>> w;
+    for (const Exact& x : diagonal_eigenvalues(t))
+        w.push_back({static_cast<double>(x.re), static_cast<double>(x.im)});
     std::sort(w.begin(), w.end());
     return w;
 }
@@ -221,26 +229,6 @@ TEST(Trsyl, ChecksItsArguments) {
 }
 
 // ---- trevc3 ------------------------------------------------------------------------------------
-
-// The eigenvalues of T in column order, as trevc3's columns hold their vectors.
-template <class T>
-std::vector<Exact> diagonal_eigenvalues(const Matrix<T>& t) {
-    std::vector<Exact> w;
-    const zint n = t.rows;
-    for (zint k = 0; k < n; ++k) {
-        if constexpr (!kIsComplex<T>) {
-            if (k + 1 < n && t(k + 1, k) != 0) {
-                const double im = std::sqrt(std::fabs(t(k, k + 1))) * std::sqrt(std::fabs(t(k + 1, k)));
-                w.push_back({t(k, k), im});
-                w.push_back({t(k, k), -im});
-                ++k;
-                continue;
-            }
-        }
-        w.push_back(value(t(k, k)));
-    }
-    return w;
-}
 
 // The vectors as complex columns: real data keeps a pair's real and imaginary parts in two columns
 // (the second of the pair is the conjugate vector).

@@ -118,30 +118,17 @@ void check_schur(const Matrix<T>& a, const std::string& what) {
     EXPECT_TRUE(same_contents(t, place)) << "T differs with and without Z";
 }
 
-struct SchurCase {
-    Kind kind;
-    zint n;
-};
-
-std::string case_name(const ::testing::TestParamInfo<SchurCase>& info) {
-    return std::string(kind_name(info.param.kind)) + "_" + std::to_string(info.param.n);
-}
-
-std::vector<SchurCase> schur_cases() {
-    std::vector<SchurCase> cases;
-    for (Kind kind : kAllKinds) {
-        for (zint n : {1, 2, 3, 5, 10, 16, 31, 60}) cases.push_back({kind, n});
-    }
-    // Past the multishift crossover (75): the sweeps, the deflation windows and the accumulated
-    // reflections run.
-    for (Kind kind : {Kind::Random, Kind::Graded, Kind::Clustered, Kind::Companion, Kind::Jordan}) {
-        for (zint n : {76, 130, 201}) cases.push_back({kind, n});
-    }
+// Past the multishift crossover (75): the sweeps, the deflation windows and the accumulated
+// reflections run.
+std::vector<FamilyCase> schur_cases() {
+    std::vector<FamilyCase> cases = family_cases(
+        {1, 2, 3, 5, 10, 16, 31, 60},
+        {Kind::Random, Kind::Graded, Kind::Clustered, Kind::Companion, Kind::Jordan}, {76, 130, 201});
     cases.push_back({Kind::Random, 300});
     return cases;
 }
 
-class SchurFamilies : public ::testing::TestWithParam<SchurCase> {};
+class SchurFamilies : public ::testing::TestWithParam<FamilyCase> {};
 
 TEST_P(SchurFamilies, Real) {
     check_schur(eigen_matrix<double>(GetParam().kind, GetParam().n, 1), "real");
@@ -150,7 +137,7 @@ TEST_P(SchurFamilies, Complex) {
     check_schur(eigen_matrix<zcomplex>(GetParam().kind, GetParam().n, 2), "complex");
 }
 
-INSTANTIATE_TEST_SUITE_P(Families, SchurFamilies, ::testing::ValuesIn(schur_cases()), case_name);
+INSTANTIATE_TEST_SUITE_P(Families, SchurFamilies, ::testing::ValuesIn(schur_cases()), family_case_name);
 
 // ---- inner ranges, non-finite input, the checks -----------------------------------------------------
 

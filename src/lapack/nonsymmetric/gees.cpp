@@ -16,27 +16,6 @@ namespace zor {
 
 namespace {
 
-struct GeesWork {
-    zint minimum, optimal;
-};
-
-// The workspace of gees: real data keeps gebal's factors in work before tau; the QR and trsen take
-// the work from tau's place on.
-template <class T>
-GeesWork gees_workspace(bool wantvs, zint n) {
-    if (n == 0) return {1, 1};
-    const zint front = kIsComplex<T> ? n : 2 * n;
-    const zint rest = kIsComplex<T> ? 0 : n;
-    const zint minimum = kIsComplex<T> ? 2 * n : 3 * n;
-    // gehrd's own optimum, so that a call given this much reduces with the same blocks as any other.
-    zint optimal = front + gehrd_workspace<T>(n, 1, n);
-    if (wantvs)
-        optimal = max_of(optimal,
-                         front + (n - 1) * ilaenv(1, routine_name<T>("DORGHR", "ZUNGHR"), " ", n, 1, n, -1));
-    optimal = max_of(optimal, rest + hseqr_workspace(n));
-    return {minimum, max_of(optimal, minimum)};
-}
-
 // The caller's answer for eigenvalue i (zero-based), in the Fortran convention.
 inline bool selected(RealSelect select, Eigenvalues<double> w, zint i) {
     return select(w.re + i, w.im + i) != 0;
@@ -104,7 +83,7 @@ template <class T>
 zint check_gees(char jobvs, char sort, zint n, zint lda, zint ldvs, zint lwork) {
     const bool wantvs = lsame(jobvs, 'V');
     const int shift = kIsComplex<T> ? 1 : 0;
-    const zint least = gees_workspace<T>(wantvs, max_of(n, 0)).minimum;
+    const zint least = driver_workspace<T>(wantvs, false, max_of(n, 0)).minimum;
     return check_arguments(routine_name<T>("DGEES ", "ZGEES "),
                            {{!wantvs && !lsame(jobvs, 'N'), 1},
                             {!lsame(sort, 'S') && !lsame(sort, 'N'), 2},
@@ -120,52 +99,36 @@ void gees(char jobvs, char sort, EigenvalueSelect<T> select, zint n, T* a, zint 
     info = check_gees<T>(jobvs, sort, n, lda, ldvs, lwork);
     if (info != 0) return;
     const bool wantvs = lsame(jobvs, 'V'), wantst = lsame(sort, 'S');
-    const GeesWork sizes = gees_workspace<T>(wantvs, n);
+    const DriverWork sizes = driver_workspace<T>(wantvs, false, n);
     work[0] = from_real<T>(static_cast<double>(sizes.optimal));
     if (lwork == -1) return;
     sdim = 0;
     if (n == 0) return;
 
-    const DriverScaling scaling = scale_into_range(n, a, lda);
-    if (not_finite<T>(scaling)) {
-        fill_nan(n, w);
-        info = n;
-        return;
-    }
-    double* balance = kIsComplex<T> ? rwork : reinterpret_cast<double*>(work);
-    T* tau = kIsComplex<T> ? work : work + n;
-    T* rest = tau + n;
-    const zint rest_size = lwork - (rest - work);
-    zint ilo = 1, ihi = n, ierr = 0;
-    gebal('P', n, a, lda, ilo, ihi, balance, ierr);
-    gehrd(n, ilo, ihi, a, lda, tau, rest, rest_size, ierr);
+    HessenbergStart<T> start;
+    if (!start_driver('P', n, a, lda, w, work, lwork, rwork, start, info)) return;
+    const DriverScaling& scaling = start.scaling;
+    const zint ilo = start.ilo, ihi = start.ihi;
+    T* tau = start.tau;
+    const zint after_tau = start.after_tau;
+    zint ierr = 0;
     if (wantvs) {
         lacpy('L', n, n, a, lda, vs, ldvs);
-        orghr(n, ilo, ihi, vs, ldvs, tau, rest, rest_size, ierr);
+        orghr(n, ilo, ihi, vs, ldvs, tau, start.rest, start.rest_size, ierr);
     }
-    const zint after_tau = lwork - (tau - work);
     zint ieval = 0;
     hseqr('S', wantvs ? 'V' : 'N', n, ilo, ihi, a, lda, w, vs, ldvs, tau, after_tau, ieval);
     if (ieval > 0) info = ieval;
 
-    const auto rescale_eigenvalues = [&](zint first, zint count) {
-        if (count <= 0) return;
-        if constexpr (kIsComplex<T>) {
-            lascl('G', 0, 0, scaling.cscale, scaling.anrm, count, 1, w.w + first, max_of(count, 1), ierr);
-        } else {
-            lascl('G', 0, 0, scaling.cscale, scaling.anrm, count, 1, w.re + first, max_of(count, 1), ierr);
-            lascl('G', 0, 0, scaling.cscale, scaling.anrm, count, 1, w.im + first, max_of(count, 1), ierr);
-        }
-    };
     if (wantst && info == 0) {
         // The caller chooses among the eigenvalues at the scale of A.
-        if (scaling.scaled) rescale_eigenvalues(0, n);
+        scale_back(scaling, w, 0, n);
         for (zint i = 0; i < n; ++i) bwork[i] = selected(select, w, i) ? 1 : 0;
         zint icond = 0;
         trsen('N', wantvs ? 'V' : 'N', bwork, n, a, lda, vs, ldvs, w, sdim, tau, after_tau, icond);
         if (icond > 0) info = n + icond;
     }
-    if (wantvs) gebak('P', 'R', n, ilo, ihi, balance, n, vs, ldvs, ierr);
+    if (wantvs) gebak('P', 'R', n, ilo, ihi, start.balance, n, vs, ldvs, ierr);
 
     if (scaling.scaled) {
         // T back to the scale of A, and the eigenvalues from it.

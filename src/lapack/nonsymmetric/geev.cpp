@@ -17,30 +17,6 @@ namespace zor {
 
 namespace {
 
-struct GeevWork {
-    zint minimum, optimal;
-};
-
-// The workspace of geev; the carving below (balancing scale factors in work for real data, then
-// tau, then the routines' own work) is what these sizes describe.
-template <class T>
-GeevWork geev_workspace(bool vectors, zint n) {
-    if (n == 0) return {1, 1};
-    // Real data keeps gebal's scale factors in work (n more elements), complex data in rwork.
-    const zint front = kIsComplex<T> ? n : 2 * n;
-    const zint rest = kIsComplex<T> ? 0 : n;  // what lies before the work of hseqr and trevc3
-    const zint minimum = kIsComplex<T> ? 2 * n : (vectors ? 4 * n : 3 * n);
-    // gehrd's own optimum, so that a call given this much reduces with the same blocks as any other.
-    zint optimal = front + gehrd_workspace<T>(n, 1, n);
-    if (vectors) {
-        optimal = max_of(optimal,
-                         front + (n - 1) * ilaenv(1, routine_name<T>("DORGHR", "ZUNGHR"), " ", n, 1, n, -1));
-        optimal = max_of(optimal, rest + trevc3_workspace<T>(n));
-    }
-    optimal = max_of(optimal, rest + hseqr_workspace(n));
-    return {minimum, max_of(optimal, minimum)};
-}
-
 // x := x / ||x||₂, then turned by a unit factor so that its largest component is real.
 void normalise(zint n, zcomplex* x, double* scratch) {
     Blas<zcomplex>::scal_real(n, 1.0 / Blas<zcomplex>::nrm2(n, x, 1), x, 1);
@@ -80,7 +56,7 @@ zint check_geev(char jobvl, char jobvr, zint n, zint lda, zint ldvl, zint ldvr, 
     const bool wantvl = lsame(jobvl, 'V'), wantvr = lsame(jobvr, 'V');
     // The complex form has no wi: its later parameters are numbered one less.
     const int shift = kIsComplex<T> ? 1 : 0;
-    const zint least = geev_workspace<T>(wantvl || wantvr, max_of(n, 0)).minimum;
+    const zint least = driver_workspace<T>(wantvl || wantvr, wantvl || wantvr, max_of(n, 0)).minimum;
     return check_arguments(routine_name<T>("DGEEV ", "ZGEEV "),
                            {{!wantvl && !lsame(jobvl, 'N'), 1},
                             {!wantvr && !lsame(jobvr, 'N'), 2},
@@ -97,35 +73,25 @@ void geev(char jobvl, char jobvr, zint n, T* a, zint lda, Eigenvalues<T> w, T* v
     info = check_geev<T>(jobvl, jobvr, n, lda, ldvl, ldvr, lwork);
     if (info != 0) return;
     const bool wantvl = lsame(jobvl, 'V'), wantvr = lsame(jobvr, 'V');
-    const GeevWork sizes = geev_workspace<T>(wantvl || wantvr, n);
+    const DriverWork sizes = driver_workspace<T>(wantvl || wantvr, wantvl || wantvr, n);
     work[0] = from_real<T>(static_cast<double>(sizes.optimal));
     if (lwork == -1 || n == 0) return;
 
-    const DriverScaling scaling = scale_into_range(n, a, lda);
-    if (not_finite<T>(scaling)) {
-        fill_nan(n, w);
-        info = n;
-        return;
-    }
-    // Balancing's scale factors: work (real data) or rwork (complex data); then tau and the work of
-    // the routines.
-    double* balance = kIsComplex<T> ? rwork : reinterpret_cast<double*>(work);
-    T* tau = kIsComplex<T> ? work : work + n;
-    T* rest = tau + n;
-    const zint rest_size = lwork - (rest - work);
-    zint ilo = 1, ihi = n, ierr = 0;
-    gebal('B', n, a, lda, ilo, ihi, balance, ierr);
-    gehrd(n, ilo, ihi, a, lda, tau, rest, rest_size, ierr);
+    HessenbergStart<T> start;
+    if (!start_driver('B', n, a, lda, w, work, lwork, rwork, start, info)) return;
+    const zint ilo = start.ilo, ihi = start.ihi;
+    zint ierr = 0;
 
     // The Schur form, with the Schur vectors in VL (and copied to VR) or VR when vectors are wanted;
     // tau is no longer needed then, so the QR and trevc3 take the work from its place on.
     char side = 'R';
-    const zint after_tau = lwork - (tau - work);
+    T* tau = start.tau;
+    const zint after_tau = start.after_tau;
     if (wantvl || wantvr) {
         T* q = wantvl ? vl : vr;
         const zint ldq = wantvl ? ldvl : ldvr;
         lacpy('L', n, n, a, lda, q, ldq);
-        orghr(n, ilo, ihi, q, ldq, tau, rest, rest_size, ierr);
+        orghr(n, ilo, ihi, q, ldq, tau, start.rest, start.rest_size, ierr);
         hseqr('S', 'V', n, ilo, ihi, a, lda, w, q, ldq, tau, after_tau, info);
         if (wantvl) side = wantvr ? 'B' : 'L';
         if (wantvl && wantvr) lacpy('A', n, n, vl, ldvl, vr, ldvr);
@@ -139,7 +105,7 @@ void geev(char jobvl, char jobvr, zint n, T* a, zint lda, Eigenvalues<T> w, T* v
                kIsComplex<T> ? rwork + n : nullptr, ierr);
         double* scratch = kIsComplex<T> ? rwork + n : reinterpret_cast<double*>(tau);
         const auto finish = [&](char which, T* v, zint ldv) {
-            gebak('B', which, n, ilo, ihi, balance, n, v, ldv, ierr);
+            gebak('B', which, n, ilo, ihi, start.balance, n, v, ldv, ierr);
             if constexpr (kIsComplex<T>) {
                 for (zint i = 0; i < n; ++i) normalise(n, v + i * ldv, scratch);
             } else {
@@ -150,23 +116,10 @@ void geev(char jobvl, char jobvr, zint n, T* a, zint lda, Eigenvalues<T> w, T* v
         if (wantvr) finish('R', vr, ldvr);
     }
 
-    if (scaling.scaled) {
-        // The eigenvalues back to the scale of A: those computed (info + 1 .. n, and 1 .. ilo - 1
-        // after a failure).
-        const auto rescale = [&](zint first, zint count) {
-            if (count <= 0) return;
-            if constexpr (kIsComplex<T>) {
-                lascl('G', 0, 0, scaling.cscale, scaling.anrm, count, 1, w.w + first, max_of(count, 1), ierr);
-            } else {
-                lascl('G', 0, 0, scaling.cscale, scaling.anrm, count, 1, w.re + first, max_of(count, 1),
-                      ierr);
-                lascl('G', 0, 0, scaling.cscale, scaling.anrm, count, 1, w.im + first, max_of(count, 1),
-                      ierr);
-            }
-        };
-        rescale(info, n - info);
-        if (info > 0) rescale(0, ilo - 1);
-    }
+    // The eigenvalues back to the scale of A: those computed (info + 1 .. n, and 1 .. ilo - 1 after
+    // a failure).
+    scale_back(start.scaling, w, info, n - info);
+    if (info > 0) scale_back(start.scaling, w, 0, ilo - 1);
     work[0] = from_real<T>(static_cast<double>(sizes.optimal));
 }
 

@@ -90,15 +90,23 @@ void laexc(bool wantq, zint n, double* tp, zint ldt, double* qp, zint ldq, zint 
           ierr);
     const auto X = [&](zint i, zint j) { return x[(i - 1) + (j - 1) * ldx]; };
 
+    // The swap by one reflector of order 3, tried on d: whether it leaves at most thresh in the two
+    // entries that must vanish and in the difference of the moved 1 by 1 block from its value t.
+    const auto acceptable = [&](const double* u, double tau, zint zero1, zint zero2, zint moved, double t) {
+        reflect('L', 3, 3, u, tau, d, ldd);
+        reflect('R', 3, 3, u, tau, d, ldd);
+        return std::fmax(std::fmax(std::fabs(d[zero1]), std::fabs(d[zero2])), std::fabs(d[moved] - t)) <=
+               thresh;
+    };
+
     if (n1 == 1) {
         // n2 = 2: the reflector H with (scale, x11, x12) H = (0, 0, *).
         double u[3] = {scale, X(1, 1), X(1, 2)}, tau;
         larfg(3, u[2], u, 1, tau);
         u[2] = 1.0;
         const double t11 = T(j1, j1);
-        reflect('L', 3, 3, u, tau, d, ldd);
-        reflect('R', 3, 3, u, tau, d, ldd);
-        if (std::fmax(std::fmax(std::fabs(D(3, 1)), std::fabs(D(3, 2))), std::fabs(D(3, 3) - t11)) > thresh) {
+        // d(3, 1) and d(3, 2) must vanish, d(3, 3) become t11.
+        if (!acceptable(u, tau, 2, 2 + ldd, 2 + 2 * ldd, t11)) {
             info = 1;
             return;
         }
@@ -114,9 +122,8 @@ void laexc(bool wantq, zint n, double* tp, zint ldt, double* qp, zint ldq, zint 
         larfg(3, u[0], u + 1, 1, tau);
         u[0] = 1.0;
         const double t33 = T(j3, j3);
-        reflect('L', 3, 3, u, tau, d, ldd);
-        reflect('R', 3, 3, u, tau, d, ldd);
-        if (std::fmax(std::fmax(std::fabs(D(2, 1)), std::fabs(D(3, 1))), std::fabs(D(1, 1) - t33)) > thresh) {
+        // d(2, 1) and d(3, 1) must vanish, d(1, 1) become t33.
+        if (!acceptable(u, tau, 1, 2, 0, t33)) {
             info = 1;
             return;
         }

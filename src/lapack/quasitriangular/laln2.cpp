@@ -63,6 +63,30 @@ void laln2(bool ltrans, zint na, zint nw, double smin, double ca, const double* 
         return;
     }
 
+    // C below smin: smin times the identity instead.
+    const auto below_smin = [&] {
+        double bnorm = 0.0;
+        for (zint r = 1; r <= 2; ++r)
+            bnorm = std::fmax(bnorm, std::fabs(B(r, 1)) + (nw == 2 ? std::fabs(B(r, 2)) : 0.0));
+        if (smini < 1.0 && bnorm > 1.0 && bnorm > bignum * smini) scale = 1.0 / bnorm;
+        const double temp = scale / smini;
+        for (zint c = 1; c <= nw; ++c) {
+            for (zint r = 1; r <= 2; ++r) X(r, c) = temp * B(r, c);
+        }
+        xnorm = temp * bnorm;
+        info = 1;
+    };
+    // Further scaling when ||C|| ||X|| could overflow.
+    const auto limit_growth = [&](double cmax) {
+        if (!(xnorm > 1.0 && cmax > 1.0 && xnorm > bignum / cmax)) return;
+        const double temp = cmax / bignum;
+        for (zint c = 1; c <= nw; ++c) {
+            for (zint r = 1; r <= 2; ++r) X(r, c) *= temp;
+        }
+        xnorm *= temp;
+        scale *= temp;
+    };
+
     // The real part of C = ca A - w D (or with Aᵀ), in column order.
     double cr[4];
     cr[0] = ca * A(1, 1) - wr * d1;
@@ -80,14 +104,7 @@ void laln2(bool ltrans, zint na, zint nw, double smin, double ca, const double* 
             }
         }
         if (cmax < smini || icmax < 0) {
-            // C is below smin: use smin times the identity.
-            const double bnorm = std::fmax(std::fabs(B(1, 1)), std::fabs(B(2, 1)));
-            if (smini < 1.0 && bnorm > 1.0 && bnorm > bignum * smini) scale = 1.0 / bnorm;
-            const double temp = scale / smini;
-            X(1, 1) = temp * B(1, 1);
-            X(2, 1) = temp * B(2, 1);
-            xnorm = temp * bnorm;
-            info = 1;
+            below_smin();
             return;
         }
         const int* order = kPivotOrder[icmax];
@@ -108,14 +125,7 @@ void laln2(bool ltrans, zint na, zint nw, double smin, double ca, const double* 
         X(1, 1) = kSecondColumn[icmax] ? xr2 : xr1;
         X(2, 1) = kSecondColumn[icmax] ? xr1 : xr2;
         xnorm = std::fmax(std::fabs(xr1), std::fabs(xr2));
-        // Further scaling if ||C|| ||X|| could overflow.
-        if (xnorm > 1.0 && cmax > 1.0 && xnorm > bignum / cmax) {
-            const double temp = cmax / bignum;
-            X(1, 1) *= temp;
-            X(2, 1) *= temp;
-            xnorm *= temp;
-            scale *= temp;
-        }
+        limit_growth(cmax);
         return;
     }
 
@@ -130,16 +140,7 @@ void laln2(bool ltrans, zint na, zint nw, double smin, double ca, const double* 
         }
     }
     if (cmax < smini || icmax < 0) {
-        const double bnorm =
-            std::fmax(std::fabs(B(1, 1)) + std::fabs(B(1, 2)), std::fabs(B(2, 1)) + std::fabs(B(2, 2)));
-        if (smini < 1.0 && bnorm > 1.0 && bnorm > bignum * smini) scale = 1.0 / bnorm;
-        const double temp = scale / smini;
-        X(1, 1) = temp * B(1, 1);
-        X(2, 1) = temp * B(2, 1);
-        X(1, 2) = temp * B(1, 2);
-        X(2, 2) = temp * B(2, 2);
-        xnorm = temp * bnorm;
-        info = 1;
+        below_smin();
         return;
     }
     const int* order = kPivotOrder[icmax];
@@ -222,15 +223,7 @@ void laln2(bool ltrans, zint na, zint nw, double smin, double ca, const double* 
         X(2, 2) = xi2;
     }
     xnorm = std::fmax(std::fabs(xr1) + std::fabs(xi1), std::fabs(xr2) + std::fabs(xi2));
-    if (xnorm > 1.0 && cmax > 1.0 && xnorm > bignum / cmax) {
-        const double temp = cmax / bignum;
-        X(1, 1) *= temp;
-        X(2, 1) *= temp;
-        X(1, 2) *= temp;
-        X(2, 2) *= temp;
-        xnorm *= temp;
-        scale *= temp;
-    }
+    limit_growth(cmax);
 }
 
 }  // namespace zor

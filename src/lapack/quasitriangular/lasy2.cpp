@@ -67,12 +67,15 @@ void lasy2(bool ltranl, bool ltranr, zint isgn, zint n1, zint n2, const double* 
 
     if (n1 + n2 == 3) {
         // One of the blocks is 1 by 1: a 2 by 2 system in tmp (column-major), right side btmp.
-        double tmp[4], btmp[2], smin;
+        // The 2 by 2 block's entries and the 1 by 1 block bound the pivots from below.
+        const auto block = [&](zint i, zint j) { return n1 == 1 ? TR(i, j) : TL(i, j); };
+        double largest = std::fabs(n1 == 1 ? TL(1, 1) : TR(1, 1));
+        for (zint i = 1; i <= 2; ++i) {
+            for (zint j = 1; j <= 2; ++j) largest = std::fmax(largest, std::fabs(block(i, j)));
+        }
+        const double smin = std::fmax(eps * largest, smlnum);
+        double tmp[4], btmp[2];
         if (n1 == 1) {
-            smin = std::fmax(eps * std::fmax(std::fmax(std::fabs(TL(1, 1)), std::fabs(TR(1, 1))),
-                                             std::fmax(std::fmax(std::fabs(TR(1, 2)), std::fabs(TR(2, 1))),
-                                                       std::fabs(TR(2, 2)))),
-                             smlnum);
             tmp[0] = TL(1, 1) + sgn * TR(1, 1);
             tmp[3] = TL(1, 1) + sgn * TR(2, 2);
             tmp[1] = sgn * (ltranr ? TR(2, 1) : TR(1, 2));
@@ -80,10 +83,6 @@ void lasy2(bool ltranl, bool ltranr, zint isgn, zint n1, zint n2, const double* 
             btmp[0] = B(1, 1);
             btmp[1] = B(1, 2);
         } else {
-            smin = std::fmax(eps * std::fmax(std::fmax(std::fabs(TR(1, 1)), std::fabs(TL(1, 1))),
-                                             std::fmax(std::fmax(std::fabs(TL(1, 2)), std::fabs(TL(2, 1))),
-                                                       std::fabs(TL(2, 2)))),
-                             smlnum);
             tmp[0] = TL(1, 1) + sgn * TR(1, 1);
             tmp[3] = TL(2, 2) + sgn * TR(1, 1);
             tmp[1] = ltranl ? TL(1, 2) : TL(2, 1);
