@@ -1,12 +1,14 @@
 // The LU and Cholesky factorisations and solvers through the Fortran-style interface: dgetrf,
 // zgetrf, dpotrf, zpotrf, dgesv (one right-hand side), dgetri (from the factors) and dpptrf at
 // n = 200, 1000 and 3000; the orthogonal factorizations dgeqrf, zgeqrf, dgelqf, dgeqp3 and dorgqr
-// (Q from dgeqrf's reflectors) at n = 500, 1000, 2000 and 4000; dgemm at all these orders as the
-// ceiling to read them against; in GFLOP/s (the usual operation counts), single-threaded. Every
-// call works on a fresh copy of its input; the time of the copy is measured alone and taken off.
+// (Q from dgeqrf's reflectors) at n = 500, 1000, 2000 and 4000; the nonsymmetric eigenproblem
+// (dgehrd, dgeev without and with vectors, zgeev with right vectors, dgees with Schur vectors) at
+// n = 250, 500, 1000 and 2000; dgemm at all these orders as the ceiling to read them against; in
+// GFLOP/s (the usual operation counts), single-threaded. Every call works on a fresh copy of its
+// input; the time of the copy is measured alone and taken off.
 //
-// The peers to compare with: openblas-avx512 (OpenBLAS's own LU, Cholesky and QR on its AVX-512
-// kernels) and reference-lapack (the reference routines on the same BLAS).
+// The peers to compare with: openblas-avx512 (OpenBLAS's own LU, Cholesky, QR and eigenproblem
+// routines on its AVX-512 kernels) and reference-lapack (the reference routines on the same BLAS).
 
 #include <algorithm>
 #include <cstdint>
