@@ -18,4 +18,7 @@ if(NOT WIN32 AND NOT ZOR_SANITIZER AND EXISTS ${ZOR_REFERENCE_PROGRAMS}/xlintstd
     # The QR, LQ and pivoted QR paths of the linear-equation programs.
     zor_add_reference_test(xlintstd lin/dqr.in)
     zor_add_reference_test(xlintstz lin/zqr.in)
+    # The symmetric eigenproblem path (SEP) of the eigenvalue programs: dsyevd and zheevd.
+    zor_add_reference_test(xeigtstd eig/dsep.in)
+    zor_add_reference_test(xeigtstz eig/zsep.in)
 endif()
