@@ -10,7 +10,8 @@
 #define ZOR_LAPACK_KERNELS(X)                                                              \
     X(dpotf2_upper) X(dpotf2_lower) X(zpotf2_upper) X(zpotf2_lower) /* Cholesky steps */   \
     X(dgtts2)                                                       /* tridiagonal solve */ \
-    X(dtpsm) X(ztpsm) X(dtpmv) X(ztpmv) X(dsprk) X(zhprk)           /* packed storage */
+    X(dtpsm) X(ztpsm) X(dtpmv) X(ztpmv) X(dsprk) X(zhprk)           /* packed storage */    \
+    X(dlatrd_symv) X(zlatrd_hemv)                                   /* tridiagonal reduction */
 // clang-format on
 
 namespace zor {

@@ -15,9 +15,11 @@
 #include <string>
 #include <vector>
 
+#include "lapack/dispatch.hpp"
 #include "lapack/factor_support.hpp"
 #include "lapack/reflector_support.hpp"
 #include "lapack/symmetric/symmetric.hpp"
+#include "service/cpu.hpp"
 #include "service/memory.hpp"
 #include "support/counting_allocator.hpp"
 #include "support/process.hpp"
@@ -578,6 +580,72 @@ TEST(QlQ, FormsAndAppliesTheProductOfTheReflectors) {
         }
     }
 }
+
+// ---- the reduction's symmetric product ---------------------------------------------------------------
+
+struct KernelPath {
+    const char* name;
+    CpuLevel level;
+    std::uint32_t extensions;
+};
+
+const KernelPath kKernelPaths[] = {
+    {"Default", CpuLevel::Default, 0},
+    {"Sse3", CpuLevel::Sse3, 0},
+    {"Ssse3", CpuLevel::Ssse3, 0},
+    {"Sse42", CpuLevel::Sse42, 0},
+    {"AvxPlain", CpuLevel::Avx, 0},
+    {"AvxFma", CpuLevel::Avx, kExtensionFma},
+    {"Avx512", CpuLevel::Avx, kExtensionFma | kExtensionAvx512f},
+};
+
+decltype(&default_::dlatrd_symv_with) const kSymv[] = {ZOR_VARIANTS(dlatrd_symv_with)};
+decltype(&default_::zlatrd_hemv_with) const kHemv[] = {ZOR_VARIANTS(zlatrd_hemv_with)};
+
+// y := A x from the stored triangle (the other one NaN, a complex diagonal with an imaginary part
+// to ignore), each element within 2n roundings of the sum of its terms' magnitudes.
+template <class T>
+void check_reduction_product(const KernelPath& path, char uplo, zint n) {
+    Random random(static_cast<std::uint64_t>(n) * 3 + (uplo == 'U'));
+    const Wide a = make_matrix<T>(Kind::Random, n).a;
+    const Matrix<T> s = stored_triangle<T>(a, uplo);
+    std::vector<T> x(static_cast<std::size_t>(n + 1)),
+        y(static_cast<std::size_t>(n + 1), scalar<T>(kNaN, kNaN));
+    for (T& e : x) e = random_element<T>(random);
+    const int level = static_cast<int>(path.level);
+    if constexpr (kIsComplex<T>) {
+        kHemv[level](path.extensions, uplo, n, s.data(), s.ld, x.data(), y.data());
+    } else {
+        kSymv[level](path.extensions, uplo, n, s.data(), s.ld, x.data(), y.data());
+    }
+    for (zint i = 0; i < n; ++i) {
+        Exact sum;
+        long double size = 0;
+        for (zint j = 0; j < n; ++j) {
+            sum = sum + a(i, j) * value(x[j]);
+            size += magnitude(a(i, j)) * magnitude(value(x[j]));
+        }
+        const Exact got = value(y[i]);
+        EXPECT_LE(magnitude(got - sum), 2 * n * epsilon() * size)
+            << type_name<T>() << " " << uplo << " n " << n << " row " << i;
+    }
+    EXPECT_TRUE(std::isnan(value(y[n]).re)) << "y is written beyond its n elements";
+}
+
+class ReductionProduct : public ::testing::TestWithParam<KernelPath> {};
+
+// Orders around the blocks of columns (1, 2, 4, 8) and the vectors of rows (1 to 8 doubles).
+TEST_P(ReductionProduct, MatchesTheProductOfTheStoredTriangle) {
+    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam().level, GetParam().extensions);
+    for (const char uplo : {'U', 'L'}) {
+        for (const zint n : {0, 1, 2, 3, 5, 8, 9, 15, 17, 34, 71}) {
+            check_reduction_product<double>(GetParam(), uplo, n);
+            check_reduction_product<zcomplex>(GetParam(), uplo, n);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Paths, ReductionProduct, ::testing::ValuesIn(kKernelPaths), NameOfParam{});
 
 // ---- processor variants -------------------------------------------------------------------------------
 

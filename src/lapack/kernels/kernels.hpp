@@ -8,6 +8,8 @@
 // starts r·ld + g·r(r-1)/2 elements after column 0, so g = 0 is ordinary storage, g = 1 the columns
 // of an upper triangle (each one longer) and g = -1 those of a lower triangle (each one shorter).
 
+#include <cstdint>
+
 #include "service/dispatch.hpp"
 #include "service/types.hpp"
 
@@ -40,7 +42,19 @@ ZOR_DECLARE_VARIANTS(
     void dsprk(const char& uplo, const zint& n, const zint& k, const double& alpha, const double* x,
                const zint& ldx, const zint& growth, double* ap);
     void zhprk(const char& uplo, const zint& n, const zint& k, const double& alpha, const zcomplex* x,
-               const zint& ldx, const zint& growth, zcomplex* ap);)
+               const zint& ldx, const zint& growth, zcomplex* ap);
+
+    // y := A x for the symmetric (Hermitian) n by n A of the stored triangle uplo, unit strides: the
+    // product of each step of the tridiagonal reduction (the Hermitian diagonal taken as real).
+    void dlatrd_symv(const char& uplo, const zint& n, const double* a, const zint& lda, const double* x,
+                     double* y);
+    void zlatrd_hemv(const char& uplo, const zint& n, const zcomplex* a, const zint& lda, const zcomplex* x,
+                     zcomplex* y);
+    // The same with the extensions beyond AVX to use (read by the Avx variant only), for the tests.
+    void dlatrd_symv_with(std::uint32_t extensions, const char& uplo, const zint& n, const double* a,
+                          const zint& lda, const double* x, double* y);
+    void zlatrd_hemv_with(std::uint32_t extensions, const char& uplo, const zint& n, const zcomplex* a,
+                          const zint& lda, const zcomplex* x, zcomplex* y);)
 
 namespace zor {
 ZOR_INLINE_BEGIN

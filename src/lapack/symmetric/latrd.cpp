@@ -70,7 +70,7 @@ void latrd(char uplo, zint n, zint nb, T* a, zint lda, double* e, T* tau, T* w, 
                 larfg(i, alpha, A(0, i), 1, tau[i - 1]);
                 e[i - 1] = real(alpha);
                 *A(i - 1, i) = one<T>();
-                Blas<T>::hemv(uplo, i, one<T>(), a, lda, A(0, i), 1, zero<T>(), W(0, iw), 1);
+                Blas<T>::latrd_hemv(uplo, i, a, lda, A(0, i), W(0, iw));
                 finish_w(i, done, A(0, i + 1), lda, W(0, iw + 1), ldw, A(0, i), tau[i - 1], W(0, iw),
                          W(i + 1, iw));
             }
@@ -86,8 +86,7 @@ void latrd(char uplo, zint n, zint nb, T* a, zint lda, double* e, T* tau, T* w, 
                 larfg(n - i - 1, alpha, A(min_of(i + 2, n - 1), i), 1, tau[i]);
                 e[i] = real(alpha);
                 *A(i + 1, i) = one<T>();
-                Blas<T>::hemv(uplo, n - i - 1, one<T>(), A(i + 1, i + 1), lda, A(i + 1, i), 1, zero<T>(),
-                              W(i + 1, i), 1);
+                Blas<T>::latrd_hemv(uplo, n - i - 1, A(i + 1, i + 1), lda, A(i + 1, i), W(i + 1, i));
                 finish_w(n - i - 1, i, A(i + 1, 0), lda, W(i + 1, 0), ldw, A(i + 1, i), tau[i], W(i + 1, i),
                          W(0, i));
             }
