@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "lapack/condensed/tridiagonal.hpp"
 #include "lapack/dispatch.hpp"
 #include "lapack/factor_support.hpp"
 #include "lapack/reflector_support.hpp"
@@ -480,6 +481,126 @@ TEST(Sytrd, ReducesToTheTridiagonalOfItsQ) {
             }
         }
     }
+}
+
+// ---- the two-stage reduction ---------------------------------------------------------------------------
+
+// The eigenvalues of the Hermitian a by the one-stage reduction and sterf, in ascending order.
+template <class T>
+std::vector<double> reference_eigenvalues(const Wide& a) {
+    const zint n = a.rows;
+    Matrix<T> s = stored_triangle<T>(a, 'L');
+    std::vector<double> w(static_cast<std::size_t>(std::max<zint>(n, 1)));
+    EXPECT_EQ(run_syevd('N', 'L', s, w, Workspace::Minimal), 0);
+    return w;
+}
+
+// max |w_i - v_i| / (n ||a||₁ eps).
+double spectrum_distance(const std::vector<double>& w, const std::vector<double>& v, const Wide& a) {
+    long double largest = 0;
+    for (std::size_t i = 0; i < w.size(); ++i)
+        largest = std::max(largest, std::fabs(static_cast<long double>(w[i]) - v[i]));
+    const zint n = a.rows;
+    return static_cast<double>(
+        largest / (std::max<zint>(n, 1) * std::max<long double>(one_norm(a), 1e-300L) * epsilon()));
+}
+
+// sb2st then sterf on a band (lower band storage, ldab = 2 kd + 1).
+template <class T>
+std::vector<double> chase(zint n, zint kd, std::vector<T> ab) {
+    std::vector<double> d(static_cast<std::size_t>(std::max<zint>(n, 1))), e(d.size());
+    std::vector<T> work(static_cast<std::size_t>(3 * kd + 1));
+    zint info = -1;
+    sb2st<T>(n, kd, ab.data(), 2 * kd + 1, d.data(), e.data(), work.data(), info);
+    EXPECT_EQ(info, 0);
+    sterf(n, d.data(), e.data(), info);
+    EXPECT_EQ(info, 0);
+    return d;
+}
+
+// sy2sb leaves a band with the eigenvalues of A (either triangle), and sb2st a tridiagonal matrix
+// with those of a band (a random one, and sy2sb's); the bands' widths on both sides of the panels.
+template <class T>
+void check_two_stages(zint n, zint kd) {
+    SCOPED_TRACE(std::string(type_name<T>()) + " n " + std::to_string(n) + " kd " + std::to_string(kd));
+    const TestMatrix m = make_matrix<T>(Kind::Random, n);
+    const std::vector<double> expected = reference_eigenvalues<T>(m.a);
+    const zint ldab = 2 * kd + 1;
+    for (const char uplo : {'U', 'L'}) {
+        Matrix<T> s = stored_triangle<T>(m.a, uplo);
+        std::vector<T> ab(static_cast<std::size_t>(ldab * std::max<zint>(n, 1)), scalar<T>(kNaN, kNaN));
+        std::vector<T> work(static_cast<std::size_t>(sy2sb_work_size(n, kd)));
+        zint info = -1;
+        sy2sb<T>(uplo, n, kd, s.data(), s.ld, ab.data(), ldab, work.data(), static_cast<zint>(work.size()),
+                 info);
+        ASSERT_EQ(info, 0);
+        EXPECT_TRUE(padding_untouched(s));
+        // The band as a dense matrix: its eigenvalues are A's.
+        Wide band(n, n);
+        for (zint j = 0; j < n; ++j) {
+            EXPECT_EQ(value(ab[static_cast<std::size_t>(j * ldab)]).im, 0) << "diagonal " << j;
+            for (zint r = 0; r <= kd && j + r < n; ++r) {
+                band(j + r, j) = value(ab[static_cast<std::size_t>(r + j * ldab)]);
+                band(j, j + r) = conj(band(j + r, j));
+            }
+        }
+        EXPECT_LT(spectrum_distance(reference_eigenvalues<T>(band), expected, m.a), kResidualThreshold)
+            << uplo;
+        EXPECT_LT(spectrum_distance(chase<T>(n, kd, ab), expected, m.a), kResidualThreshold) << uplo;
+    }
+    // A random band of its own: diagonal real, the rest complex for complex data.
+    Random random(static_cast<std::uint64_t>(n * 17 + kd));
+    std::vector<T> ab(static_cast<std::size_t>(ldab * std::max<zint>(n, 1)));
+    Wide band(n, n);
+    for (zint j = 0; j < n; ++j) {
+        for (zint r = 0; r <= kd && j + r < n; ++r) {
+            T x = random_element<T>(random);
+            if (r == 0) x = scalar<T>(value(x).re, 0);
+            ab[static_cast<std::size_t>(r + j * ldab)] = x;
+            band(j + r, j) = value(x);
+            band(j, j + r) = conj(value(x));
+        }
+    }
+    EXPECT_LT(spectrum_distance(chase<T>(n, kd, ab), reference_eigenvalues<T>(band), band),
+              kResidualThreshold);
+}
+
+TEST(TwoStageReduction, KeepsTheEigenvalues) {
+    for (const auto& [n, kd] : {std::pair<zint, zint>{1, 1},
+                                {2, 1},
+                                {5, 1},
+                                {5, 4},
+                                {6, 8},
+                                {9, 2},
+                                {17, 3},
+                                {40, 8},
+                                {41, 8},
+                                {70, 16},
+                                {130, 32}}) {
+        check_two_stages<double>(n, kd);
+        check_two_stages<zcomplex>(n, kd);
+    }
+}
+
+// The eigenvalues-only driver takes the two-stage reduction from order 2000 when the workspace
+// holds it (the optimal size does), the one-stage reduction with the minimal one; both give the known
+// spectrum.
+TEST(TwoStageReduction, TheDriverTakesItForLargeOrders) {
+    const zint n = 2000;
+    for (const Workspace kind : {Workspace::Optimal, Workspace::Minimal}) {
+        const TestMatrix m = make_matrix<double>(Kind::Cluster, n);
+        Matrix<double> s = stored_triangle<double>(m.a, 'U');
+        std::vector<double> w(static_cast<std::size_t>(n));
+        ASSERT_EQ(run_syevd('N', 'U', s, w, kind), 0);
+        std::vector<double> known(m.known.begin(), m.known.end());
+        EXPECT_LT(spectrum_distance(w, known, m.a), kResidualThreshold);
+    }
+    const TestMatrix z = make_matrix<zcomplex>(Kind::Cluster, n);
+    Matrix<zcomplex> s = stored_triangle<zcomplex>(z.a, 'L');
+    std::vector<double> w(static_cast<std::size_t>(n));
+    ASSERT_EQ(run_syevd('N', 'L', s, w, Workspace::Optimal), 0);
+    std::vector<double> known(z.known.begin(), z.known.end());
+    EXPECT_LT(spectrum_distance(w, known, z.a), kResidualThreshold);
 }
 
 // ---- the Q of a QL factorization ------------------------------------------------------------------

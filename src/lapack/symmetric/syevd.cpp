@@ -1,7 +1,8 @@
 // syevd: the symmetric (Hermitian) eigenproblem by the tridiagonal reduction and divide and
 // conquer. A is scaled into a safe range when its largest entry is near underflow or overflow,
-// reduced to T = Qᴴ A Q (sytrd), T is solved by sterf (values) or by stedc "I" (vectors of T, in
-// real arithmetic for both element types), and the vectors become Q Z (ormtr) in place of A.
+// reduced to T = Qᴴ A Q (sytrd; for eigenvalues alone of large matrices in two stages, sy2sb and
+// sb2st), T is solved by sterf (values) or by stedc "I" (vectors of T, in real arithmetic for both
+// element types), and the vectors become Q Z (ormtr) in place of A.
 
 #include <cmath>
 
@@ -19,7 +20,9 @@ namespace {
 // carving cannot disagree. Real: work holds e, tau, then the reduction's work or Z (n by n) and the
 // work of stedc and ormtr after it. Complex: e lives in rwork, with the real Z (n by n) and stedc's
 // work after it; work holds tau, then the reduction's work or the complex copy of Z and ormtr's
-// work after it.
+// work after it. The two-stage reduction of the eigenvalues-only path (from the order of
+// ilaenv(3, "DSY2SB")) puts its band (2 kd + 1 rows, room for the bulges) where tau would be and
+// its work after it; the optimal size makes room for it, and with less the one-stage reduction runs.
 struct Layout {
     zint lwork_min = 1, lrwork_min = 1, liwork_min = 1;
     zint lwork_opt = 1, lrwork_opt = 1, liwork_opt = 1;
@@ -28,7 +31,22 @@ struct Layout {
     zint after_z = 0;  // in work: ormtr's work (and real stedc's)
     zint e = 0;        // in work (real) or rwork (complex)
     zint real_z = 0;   // complex: in rwork, Z from stedc, then stedc's work after it
+    zint kd = 0;       // the band of the two-stage reduction; 0 when it does not pay
+    zint band = 0, band_rows = 0, stages = 0, two_stage_lwork = 0;  // in work
 };
+
+// The two-stage reduction's parts after `start` elements of work.
+template <class T>
+void plan_two_stages(Layout& l, zint n, zint start) {
+    const char* name = routine_name<T>("DSY2SB", "ZHE2HB");
+    if (n < ilaenv(3, name, " ", n, -1, -1, -1)) return;
+    l.kd = max_of(1, min_of(ilaenv(1, name, " ", n, -1, -1, -1), n - 1));
+    l.band = start;
+    l.band_rows = 2 * l.kd + 1;
+    l.stages = start + l.band_rows * n;
+    l.two_stage_lwork = l.stages + max_of(sy2sb_work_size(n, l.kd), 3 * l.kd);
+    l.lwork_opt = max_of(l.lwork_opt, l.two_stage_lwork);
+}
 
 template <class T>
 Layout layout_of(bool vectors, char uplo, zint n) {
@@ -54,6 +72,7 @@ Layout layout_of(bool vectors, char uplo, zint n) {
         l.reduce = 2 * n;
         l.after_z = 2 * n + nn;
     }
+    if (!vectors) plan_two_stages<T>(l, n, l.tau);
     l.liwork_min = vectors ? 3 + 5 * n : 1;
     l.lrwork_opt = l.lrwork_min;
     l.liwork_opt = l.liwork_min;
@@ -121,7 +140,12 @@ void syevd(char jobz, char uplo, zint n, T* a, zint lda, double* w, T* work, zin
         e = work + l.e;
     }
     T* tau = work + l.tau;
-    sytrd(uplo, n, a, lda, w, e, tau, work + l.reduce, lwork - l.reduce, sub_info);
+    if (l.kd > 0 && lwork >= l.two_stage_lwork) {
+        sy2sb(uplo, n, l.kd, a, lda, work + l.band, l.band_rows, work + l.stages, lwork - l.stages, sub_info);
+        sb2st(n, l.kd, work + l.band, l.band_rows, w, e, work + l.stages, sub_info);
+    } else {
+        sytrd(uplo, n, a, lda, w, e, tau, work + l.reduce, lwork - l.reduce, sub_info);
+    }
     if (!vectors) {
         sterf(n, w, e, info);
     } else {

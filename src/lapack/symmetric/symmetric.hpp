@@ -49,6 +49,22 @@ void latrd(char uplo, zint n, zint nb, T* a, zint lda, double* e, T* tau, T* w, 
 template <class T>
 void sytrd(char uplo, zint n, T* a, zint lda, double* d, double* e, T* tau, T* work, zint lwork, zint& info);
 
+// ---- the two-stage reduction, for eigenvalues only --------------------------------------------------
+
+// The first stage: A (its triangle uplo, destroyed) to a Hermitian band B of kd off-diagonals
+// unitarily similar to A (to Aᵀ for "U"), on the level-3 engine; B is returned in lower band storage,
+// ab(i - j, j) = B(i, j) for 0 <= i - j <= kd (ldab >= kd + 1), its diagonal real. The reflectors
+// are not kept. lwork >= sy2sb_work_size(n, kd).
+zint sy2sb_work_size(zint n, zint kd);
+template <class T>
+void sy2sb(char uplo, zint n, zint kd, T* a, zint lda, T* ab, zint ldab, T* work, zint lwork, zint& info);
+
+// The second stage: the band of sy2sb, in the first kd + 1 rows of ab (ldab >= 2 kd + 1: the rows
+// after them hold the bulges of the chase), to the real tridiagonal matrix d (n), e (n - 1) with the
+// same eigenvalues, by bulge chasing. ab is destroyed; work: 3 kd elements.
+template <class T>
+void sb2st(zint n, zint kd, T* ab, zint ldab, double* d, double* e, T* work, zint& info);
+
 // ---- the Q of a QL factorization -----------------------------------------------------------------
 
 // The last n columns of the m by m Q = H(k) ... H(1) of a QL factorization (m >= n >= k >= 0), the

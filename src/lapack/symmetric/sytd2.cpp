@@ -1,25 +1,12 @@
 // sytd2: the unblocked tridiagonal reduction. Each step makes a reflector of the column beside the
-// diagonal and applies it to the triangle left to reduce from both sides as one rank-2 update:
-// with x = tau A v and w = x - (tau/2)(xᴴ v) v, H A H = A - v wᴴ - w vᴴ.
+// diagonal and applies it to the triangle left to reduce from both sides as one rank-2 update.
 
 #include "lapack/householder/householder.hpp"
 #include "lapack/lapack.hpp"
+#include "lapack/symmetric/reflect.hpp"
 #include "lapack/symmetric/symmetric.hpp"
 
 namespace zor {
-
-namespace {
-
-// A(0 : order, 0 : order) := H A H for the reflector (v, tau) of that order; x: order elements.
-template <class T>
-void reflect_both_sides(char uplo, zint order, T* a, zint lda, const T* v, T tau, T* x) {
-    Blas<T>::hemv(uplo, order, tau, a, lda, v, 1, zero<T>(), x, 1);
-    const T alpha = (-0.5 * tau) * Blas<T>::dotc(order, x, 1, v, 1);
-    Blas<T>::axpy(order, alpha, v, 1, x, 1);
-    Blas<T>::her2(uplo, order, from_real<T>(-1.0), v, 1, x, 1, a, lda);
-}
-
-}  // namespace
 
 template <class T>
 void sytd2(char uplo, zint n, T* a, zint lda, double* d, double* e, T* tau, zint& info) {
@@ -37,7 +24,7 @@ void sytd2(char uplo, zint n, T* a, zint lda, double* d, double* e, T* tau, zint
             e[i] = real(alpha);
             if (!is_zero(taui)) {
                 A(i, i + 1) = one<T>();
-                reflect_both_sides(uplo, i + 1, a, lda, &A(0, i + 1), taui, tau);
+                reflect_hermitian(uplo, i + 1, a, lda, &A(0, i + 1), taui, tau);
             } else {
                 A(i, i) = real_part(A(i, i));
             }
@@ -55,7 +42,7 @@ void sytd2(char uplo, zint n, T* a, zint lda, double* d, double* e, T* tau, zint
             e[i] = real(alpha);
             if (!is_zero(taui)) {
                 A(i + 1, i) = one<T>();
-                reflect_both_sides(uplo, n - i - 1, &A(i + 1, i + 1), lda, &A(i + 1, i), taui, tau + i);
+                reflect_hermitian(uplo, n - i - 1, &A(i + 1, i + 1), lda, &A(i + 1, i), taui, tau + i);
             } else {
                 A(i + 1, i + 1) = real_part(A(i + 1, i + 1));
             }
