@@ -18,9 +18,8 @@ namespace zor {
 
 namespace {
 
-// The Hermitian product X = A V is taken by blocks of this many columns of A: the diagonal blocks
-// copied out whole, so that every product runs on gemm.
-constexpr zint kProductBlock = 256;
+// The Hermitian product X = A V is taken by blocks of this many columns of A, every product on gemm.
+constexpr zint kProductBlock = 128;
 
 // The parts of the workspace: the panel and its V (n by kd), X and then W (n by kd), T and S
 // (kd by kd each), tau (kd), geqr2's scratch (kd) and a diagonal block of A (kProductBlock²).
@@ -41,10 +40,11 @@ BandWork band_work(zint n, zint kd) {
     return w;
 }
 
-// X := A V for the n by n Hermitian A of the stored triangle uplo and V n by k. Block column J of
-// the triangle: its diagonal block, made whole in `block`, times V_J; the blocks beside it (below
-// for "L", above for "U") times V_J into the rows they face, and their adjoints times those rows of
-// V into X_J.
+// X := A V for the n by n Hermitian A of the stored triangle uplo and V n by k, all on gemm. Block
+// column J of the triangle: its diagonal block D is copied out as the stored triangle with half the
+// diagonal and zeros across, so that D V_J + Dᴴ V_J is its product (halving is exact, and the copy
+// runs along the columns); the blocks beside it (below for "L", above for "U") multiply V_J into
+// the rows they face, and their adjoints multiply those rows of V into X_J.
 template <class T>
 void hermitian_product(bool upper, zint n, zint k, const T* a, zint lda, const T* v, zint ldv, T* x, zint ldx,
                        T* block) {
@@ -53,14 +53,14 @@ void hermitian_product(bool upper, zint n, zint k, const T* a, zint lda, const T
         const zint b = min_of(kProductBlock, n - j);
         const T* diagonal = a + j + j * lda;
         for (zint c = 0; c < b; ++c) {
-            block[c + c * b] = real_part(diagonal[c + c * lda]);
-            for (zint r = c + 1; r < b; ++r) {
-                const T stored = upper ? diagonal[c + r * lda] : diagonal[r + c * lda];
-                block[r + c * b] = upper ? conj(stored) : stored;
-                block[c + r * b] = upper ? stored : conj(stored);
+            for (zint r = 0; r < b; ++r) {
+                const bool stored = upper ? r < c : r > c;
+                block[r + c * b] = stored ? diagonal[r + c * lda] : zero;
             }
+            block[c + c * b] = from_real<T>(0.5 * real(diagonal[c + c * lda]));
         }
         Blas<T>::gemm('N', 'N', b, k, b, one, block, b, v + j, ldv, zero, x + j, ldx);
+        Blas<T>::gemm(kAdjoint<T>, 'N', b, k, b, one, block, b, v + j, ldv, one, x + j, ldx);
     }
     for (zint j = 0; j < n; j += kProductBlock) {
         const zint b = min_of(kProductBlock, n - j);
