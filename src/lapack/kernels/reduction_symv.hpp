@@ -13,7 +13,6 @@
 #include <immintrin.h>
 
 #include "blas/kernel.hpp"
-#include "blas/vector.hpp"
 #include "service/element.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
@@ -42,23 +41,13 @@ void reduction_sweep(zint r0, zint r1, const double* const* c, const double* xk,
                      double* t) {
     using V = typename L::Vec;
     V sums[K], factors[K];
-    double head[K];
     for (int k = 0; k < K; ++k) {
         sums[k] = L::zero();
         factors[k] = L::broadcast(xk + k);
-        head[k] = 0.0;
     }
+    // No peel to an alignment boundary: the rows go by vectors from the first, so that copies of a
+    // matrix at other addresses give the same bits.
     zint i = r0;
-    // Rows one at a time until the first column's are on a vector boundary (every column's, when
-    // the leading dimension is a multiple of the vector).
-    for (; i < r1 && address(c[0] + i) % (8 * L::kLanes) != 0; ++i) {
-        double yi = y[i];
-        for (int k = 0; k < K; ++k) {
-            yi += c[k][i] * xk[k];
-            head[k] += c[k][i] * x[i];
-        }
-        y[i] = yi;
-    }
     for (; r1 - i >= L::kLanes; i += L::kLanes) {
         for (int k = 0; k < K; ++k)
             _mm_prefetch(reinterpret_cast<const char*>(c[k] + i + kAhead), _MM_HINT_T0);
@@ -74,7 +63,7 @@ void reduction_sweep(zint r0, zint r1, const double* const* c, const double* xk,
     for (int k = 0; k < K; ++k) {
         alignas(64) double lanes[L::kLanes];
         L::storeu(lanes, sums[k]);
-        double s = head[k];
+        double s = 0.0;
         for (int l = 0; l < L::kLanes; ++l) s += lanes[l];
         t[k] = s;
     }

@@ -19,15 +19,16 @@ void orgtr(char uplo, zint n, T* a, zint lda, const T* tau, T* work, zint lwork,
     if (info != 0) return;
     const zint order = max_of(n - 1, 0);
     const auto A = [&](zint i, zint j) -> T& { return a[i + j * lda]; };
-    const auto generate = [&](zint work_size, zint& sub_info) {
+    const auto generate = [&](T* q, zint work_size, zint& sub_info) {
         if (upper) {
-            orgql(order, order, order, a, lda, tau, work, work_size, sub_info);
+            orgql(order, order, order, q, lda, tau, work, work_size, sub_info);
         } else {
-            orgqr(order, order, order, n > 0 ? &A(1, 1) : a, lda, tau, work, work_size, sub_info);
+            orgqr(order, order, order, q, lda, tau, work, work_size, sub_info);
         }
     };
     if (query) {
-        generate(-1, info);
+        // A query reads no array but work: the generator is asked with the caller's pointer.
+        generate(a, -1, info);
         return;
     }
     if (n == 0) {
@@ -49,7 +50,7 @@ void orgtr(char uplo, zint n, T* a, zint lda, const T* tau, T* work, zint lwork,
     }
     A(upper ? n - 1 : 0, upper ? n - 1 : 0) = one<T>();
     zint sub_info = 0;
-    generate(lwork, sub_info);
+    generate(upper || n == 1 ? a : &A(1, 1), lwork, sub_info);
 }
 
 }  // namespace zor

@@ -31,16 +31,16 @@ void ormtr(char side, char uplo, char trans, zint m, zint n, T* a, zint lda, con
     const zint k = max_of(nq - 1, 0);
     const zint mi = left ? k : m;
     const zint ni = left ? n : k;
-    T* c_sub = upper ? c : (left ? c + 1 : c + ldc);
-    const auto product = [&](zint work_size, zint& sub_info) {
+    const auto product = [&](T* a_sub, T* c_sub, zint work_size, zint& sub_info) {
         if (upper) {
-            ormql(side, trans, mi, ni, k, a + lda, lda, tau, c_sub, ldc, work, work_size, sub_info);
+            ormql(side, trans, mi, ni, k, a_sub, lda, tau, c_sub, ldc, work, work_size, sub_info);
         } else {
-            ormqr(side, trans, mi, ni, k, a + 1, lda, tau, c_sub, ldc, work, work_size, sub_info);
+            ormqr(side, trans, mi, ni, k, a_sub, lda, tau, c_sub, ldc, work, work_size, sub_info);
         }
     };
     if (query) {
-        product(-1, info);
+        // A query reads no array but work: the sub-problem is asked with the caller's pointers.
+        product(a, c, -1, info);
         return;
     }
     if (m == 0 || n == 0 || nq == 1) {
@@ -48,7 +48,7 @@ void ormtr(char side, char uplo, char trans, zint m, zint n, T* a, zint lda, con
         return;
     }
     zint sub_info = 0;
-    product(lwork, sub_info);
+    product(upper ? a + lda : a + 1, upper ? c : (left ? c + 1 : c + ldc), lwork, sub_info);
 }
 
 }  // namespace zor
