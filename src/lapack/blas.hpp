@@ -23,7 +23,8 @@
     /* the LAPACK layer's kernels */                                                                \
     X(potf2_upper, dpotf2_upper, zpotf2_upper) X(potf2_lower, dpotf2_lower, zpotf2_lower)          \
     X(tpsm, dtpsm, ztpsm) X(tpmv, dtpmv, ztpmv) X(hprk, dsprk, zhprk)                               \
-    X(latrd_hemv, dlatrd_symv, zlatrd_hemv)
+    X(latrd_hemv, dlatrd_symv, zlatrd_hemv) X(sb2st_right, dsb2st_right, zhb2st_right)              \
+    X(sb2st_left, dsb2st_left, zhb2st_left)
 // clang-format on
 
 namespace zor {

@@ -582,11 +582,11 @@ TEST(TwoStageReduction, KeepsTheEigenvalues) {
     }
 }
 
-// The eigenvalues-only driver takes the two-stage reduction from order 2000 when the workspace
+// The eigenvalues-only driver takes the two-stage reduction from order 1500 when the workspace
 // holds it (the optimal size does), the one-stage reduction with the minimal one; both give the known
 // spectrum.
 TEST(TwoStageReduction, TheDriverTakesItForLargeOrders) {
-    const zint n = 2000;
+    const zint n = 1500;
     for (const Workspace kind : {Workspace::Optimal, Workspace::Minimal}) {
         const TestMatrix m = make_matrix<double>(Kind::Cluster, n);
         Matrix<double> s = stored_triangle<double>(m.a, 'U');
@@ -767,6 +767,110 @@ TEST_P(ReductionProduct, MatchesTheProductOfTheStoredTriangle) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Paths, ReductionProduct, ::testing::ValuesIn(kKernelPaths), NameOfParam{});
+
+decltype(&default_::dsb2st_right_with) const kChaseRight[] = {ZOR_VARIANTS(dsb2st_right_with)};
+decltype(&default_::zhb2st_right_with) const kChaseRightComplex[] = {ZOR_VARIANTS(zhb2st_right_with)};
+decltype(&default_::dsb2st_left_with) const kChaseLeft[] = {ZOR_VARIANTS(dsb2st_left_with)};
+decltype(&default_::zhb2st_left_with) const kChaseLeftComplex[] = {ZOR_VARIANTS(zhb2st_left_with)};
+
+// A unitary reflector of order n in long double and as stored: v(0) = 1, tau with |1 - tau vᴴv| = 1.
+template <class T>
+std::vector<Exact> chase_reflector(Random& random, zint n, std::vector<T>& v, T& tau) {
+    v.assign(static_cast<std::size_t>(n), T{});
+    std::vector<Exact> exact(static_cast<std::size_t>(n));
+    long double squares = 0;
+    for (zint i = 0; i < n; ++i) {
+        v[i] = i == 0 ? scalar<T>(1, 0) : random_element<T>(random);
+        exact[i] = value(v[i]);
+        squares += magnitude(exact[i]) * magnitude(exact[i]);
+    }
+    const double theta = kIsComplex<T> ? random.uniform() * 3 : 0.0;
+    tau = narrow_to<T>({(1 + std::cos(theta)) / squares, std::sin(theta) / squares});
+    return exact;
+}
+
+// The chase steps against H = I - tau v vᴴ applied in long double: B H (right), Hᴴ B and Hᴴ D H
+// (left; D Hermitian of the lower triangle, the rest of its storage NaN).
+template <class T>
+void check_chase_steps(const KernelPath& path, zint rows, zint cols) {
+    SCOPED_TRACE(std::string(type_name<T>()) + " " + std::to_string(rows) + "x" + std::to_string(cols));
+    Random random(static_cast<std::uint64_t>(rows * 100 + cols));
+    const int level = static_cast<int>(path.level);
+    const zint ld = std::max(rows, cols) + 3;
+    std::vector<T> w(static_cast<std::size_t>(std::max(rows, cols) + 1));
+    // Right: B (rows by cols) H, H of order cols.
+    {
+        Matrix<T> b = random_matrix<T>(random, rows, cols, ld - rows);
+        std::vector<T> v;
+        T tau;
+        const std::vector<Exact> ve = chase_reflector(random, cols, v, tau);
+        Wide expected = op(widen_matrix(b), 'C');
+        apply_reflector(expected, ve, value(tau), true);  // (B H)ᴴ = Hᴴ Bᴴ
+        expected = op(expected, 'C');
+        if constexpr (kIsComplex<T>) {
+            kChaseRightComplex[level](path.extensions, rows, cols, b.data(), b.ld, v.data(), tau, w.data());
+        } else {
+            kChaseRight[level](path.extensions, rows, cols, b.data(), b.ld, v.data(), tau, w.data());
+        }
+        EXPECT_LT(scaled_distance(expected, widen_matrix(b), std::max(rows, cols)), kResidualThreshold)
+            << "right";
+        EXPECT_TRUE(padding_untouched(b));
+    }
+    // Left: Hᴴ B and Hᴴ D H, H of order rows; B and D share their leading dimension.
+    {
+        const Wide a = make_matrix<T>(Kind::Random, rows).a;
+        Matrix<T> d = stored_triangle<T>(a, 'L');
+        Matrix<T> b = random_matrix<T>(random, rows, cols, d.ld - rows);
+        std::vector<T> v;
+        T tau;
+        const std::vector<Exact> ve = chase_reflector(random, rows, v, tau);
+        Wide expected_b = widen_matrix(b);
+        apply_reflector(expected_b, ve, value(tau), true);
+        Wide expected_d = a;
+        apply_reflector(expected_d, ve, value(tau), true);
+        expected_d = op(expected_d, 'C');
+        apply_reflector(expected_d, ve, value(tau), true);  // (Hᴴ D H)ᴴ = Hᴴ (Hᴴ D)ᴴ
+        if constexpr (kIsComplex<T>) {
+            kChaseLeftComplex[level](path.extensions, rows, cols, b.data(), d.data(), d.ld, v.data(), tau,
+                                     w.data());
+        } else {
+            kChaseLeft[level](path.extensions, rows, cols, b.data(), d.data(), d.ld, v.data(), tau, w.data());
+        }
+        EXPECT_LT(scaled_distance(expected_b, widen_matrix(b), rows), kResidualThreshold) << "left";
+        Wide got(rows, rows);
+        for (zint j = 0; j < rows; ++j) {
+            EXPECT_EQ(value(d(j, j)).im, 0) << "diagonal " << j;
+            for (zint i = j; i < rows; ++i) got(i, j) = value(d(i, j));
+            for (zint i = 0; i < j; ++i) got(i, j) = conj(value(d(j, i)));
+            for (zint i = 0; i < j; ++i)
+                EXPECT_TRUE(std::isnan(d.at(i, j).re)) << "the upper triangle is not touched";
+        }
+        EXPECT_LT(scaled_distance(expected_d, got, rows), kResidualThreshold) << "both sides";
+    }
+}
+
+class ChaseSteps : public ::testing::TestWithParam<KernelPath> {};
+
+// Blocks around the vectors (1 to 8 doubles), the register chunks (8 vectors) and the lane groups.
+TEST_P(ChaseSteps, MatchTheReflectorsDefinition) {
+    ZOR_SKIP_UNLESS_PATH_RUNS(GetParam().level, GetParam().extensions);
+    for (const auto& [rows, cols] : {std::pair<zint, zint>{1, 1},
+                                     {2, 3},
+                                     {5, 4},
+                                     {8, 8},
+                                     {9, 17},
+                                     {16, 16},
+                                     {31, 32},
+                                     {33, 30},
+                                     {64, 64},
+                                     {65, 40},
+                                     {70, 66}}) {
+        check_chase_steps<double>(GetParam(), rows, cols);
+        check_chase_steps<zcomplex>(GetParam(), rows, cols);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Paths, ChaseSteps, ::testing::ValuesIn(kKernelPaths), NameOfParam{});
 
 // ---- processor variants -------------------------------------------------------------------------------
 

@@ -12,7 +12,6 @@
 
 #include "lapack/householder/householder.hpp"
 #include "lapack/lapack.hpp"
-#include "lapack/symmetric/reflect.hpp"
 #include "lapack/symmetric/symmetric.hpp"
 
 namespace zor {
@@ -29,22 +28,6 @@ void take_reflector(zint count, T* head, T* v, T& tau) {
         head[i] = zero<T>();
     }
     larfg(count, *head, v + 1, 1, tau);
-}
-
-// C := C H (rows by cols, H = I - tau v vᴴ of order cols); w: rows elements.
-template <class T>
-void reflect_right(zint rows, zint cols, const T* v, T tau, T* c, zint ldc, T* w) {
-    if (rows == 0 || cols == 0 || is_zero(tau)) return;
-    Blas<T>::gemv('N', rows, cols, one<T>(), c, ldc, v, 1, zero<T>(), w, 1);
-    Blas<T>::gerc(rows, cols, -tau, w, 1, v, 1, c, ldc);
-}
-
-// C := Hᴴ C (rows by cols, H of order rows); w: cols elements.
-template <class T>
-void reflect_left(zint rows, zint cols, const T* v, T tau, T* c, zint ldc, T* w) {
-    if (rows == 0 || cols == 0 || is_zero(tau)) return;
-    Blas<T>::gemv(kAdjoint<T>, rows, cols, one<T>(), c, ldc, v, 1, zero<T>(), w, 1);
-    Blas<T>::gerc(rows, cols, -conj(tau), v, 1, w, 1, c, ldc);
 }
 
 }  // namespace
@@ -69,17 +52,16 @@ void sb2st(zint n, zint kd, T* ab, zint ldab, double* d, double* e, T* work, zin
             zint first = s + 1, last = min_of(s + kd, n - 1);
             T tau;
             take_reflector(last - first + 1, A(first, s), v, tau);
-            reflect_hermitian('L', last - first + 1, A(first, first), ld, v, tau, scratch);
+            Blas<T>::sb2st_left(last - first + 1, 0, A(first, first), A(first, first), ld, v, tau, scratch);
             // Down the band: the block below the last diagonal block, rows below .. bottom.
             for (zint below = last + 1; below < n; below = last + 1) {
                 const zint bottom = min_of(last + kd, n - 1);
                 const zint rows = bottom - below + 1, cols = last - first + 1;
                 T* block = A(below, first);
-                reflect_right(rows, cols, v, tau, block, ld, scratch);
+                Blas<T>::sb2st_right(rows, cols, block, ld, v, tau, scratch);
                 T next_tau;
                 take_reflector(rows, block, next, next_tau);
-                reflect_left(rows, cols - 1, next, next_tau, block + ld, ld, scratch);
-                reflect_hermitian('L', rows, A(below, below), ld, next, next_tau, scratch);
+                Blas<T>::sb2st_left(rows, cols - 1, block + ld, A(below, below), ld, next, next_tau, scratch);
                 first = below;
                 last = bottom;
                 tau = next_tau;

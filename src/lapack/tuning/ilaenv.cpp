@@ -263,8 +263,8 @@ constexpr TuningEntry kTuningTable[] = {
     {3, kReal, "OR", kQFamilies, 128},
     {3, kComplex, "UN", kQFamilies, 128},
     {3, kAny, "GG", "HD3", 128},
-    {3, kReal, "SY", "2SB", 2000},
-    {3, kComplex, "HE", "2HB", 2000},
+    {3, kReal, "SY", "2SB", 1500},
+    {3, kComplex, "HE", "2HB", 1500},
     // Query 7: the algorithm switch of the generalized Hessenberg reduction and QZ.
     {7, kAny, "HG", "EQZ", 0, &qz_switch},
     {7, kAny, "GG", "HRD", 0, &qz_switch},
