@@ -14,73 +14,64 @@
 
 namespace zor::ZOR_LEVEL_NS {
 
-void dlatrd_symv_with(std::uint32_t extensions, const char& uplo, const zint& n, const double* a,
-                      const zint& lda, const double* x, double* y) {
-    const bool upper = lsame(uplo, 'U');
-    if constexpr (kLevel == CpuLevel::Avx) {
-        if (extensions & kExtensionAvx512f) return dlatrd_symv_avx512(upper, n, a, lda, x, y);
-        if (extensions & kExtensionFma) return dlatrd_symv_fma(upper, n, a, lda, x, y);
-    }
-    (void)extensions;
-    reduction_product<WideVec, 4>(upper, n, a, lda, x, y);
-}
+namespace {
 
-void zlatrd_hemv_with(std::uint32_t extensions, const char& uplo, const zint& n, const zcomplex* a,
-                      const zint& lda, const zcomplex* x, zcomplex* y) {
-    const bool upper = lsame(uplo, 'U');
-    if constexpr (kLevel == CpuLevel::Avx) {
-        if (extensions & kExtensionAvx512f) return zlatrd_hemv_avx512(upper, n, a, lda, x, y);
-        if (extensions & kExtensionFma) return zlatrd_hemv_fma(upper, n, a, lda, x, y);
-    }
-    (void)extensions;
-    reduction_product<WideVec, 2>(upper, n, a, lda, x, y);
-}
+constinit const ReductionKernels kPlain = make_reduction_kernels<WideVec, 4, 2>();
 
-void dsb2st_right_with(std::uint32_t extensions, const zint& rows, const zint& cols, double* b,
-                       const zint& ldb, const double* v, const double& tau, double* w) {
+const ReductionKernels& kernels_for(std::uint32_t extensions) {
     if constexpr (kLevel == CpuLevel::Avx) {
-        if (extensions & kExtensionAvx512f) return dsb2st_right_avx512(rows, cols, b, ldb, v, tau, w);
-        if (extensions & kExtensionFma) return dsb2st_right_fma(rows, cols, b, ldb, v, tau, w);
+        if (extensions & kExtensionAvx512f) return reduction_kernels_avx512();
+        if (extensions & kExtensionFma) return reduction_kernels_fma();
     }
     (void)extensions;
-    chase_right<WideVec>(rows, cols, b, ldb, v, tau, w);
-}
-
-void zhb2st_right_with(std::uint32_t extensions, const zint& rows, const zint& cols, zcomplex* b,
-                       const zint& ldb, const zcomplex* v, const zcomplex& tau, zcomplex* w) {
-    if constexpr (kLevel == CpuLevel::Avx) {
-        if (extensions & kExtensionAvx512f) return zhb2st_right_avx512(rows, cols, b, ldb, v, tau, w);
-        if (extensions & kExtensionFma) return zhb2st_right_fma(rows, cols, b, ldb, v, tau, w);
-    }
-    (void)extensions;
-    chase_right<WideVec>(rows, cols, b, ldb, v, tau, w);
-}
-
-void dsb2st_left_with(std::uint32_t extensions, const zint& rows, const zint& cols, double* b, double* d,
-                      const zint& ld, const double* v, const double& tau, double* w) {
-    if constexpr (kLevel == CpuLevel::Avx) {
-        if (extensions & kExtensionAvx512f) return dsb2st_left_avx512(rows, cols, b, d, ld, v, tau, w);
-        if (extensions & kExtensionFma) return dsb2st_left_fma(rows, cols, b, d, ld, v, tau, w);
-    }
-    (void)extensions;
-    chase_left<WideVec>(rows, cols, b, ld, v, tau);
-    chase_both_sides<WideVec, 4>(rows, d, ld, v, tau, w);
-}
-
-void zhb2st_left_with(std::uint32_t extensions, const zint& rows, const zint& cols, zcomplex* b, zcomplex* d,
-                      const zint& ld, const zcomplex* v, const zcomplex& tau, zcomplex* w) {
-    if constexpr (kLevel == CpuLevel::Avx) {
-        if (extensions & kExtensionAvx512f) return zhb2st_left_avx512(rows, cols, b, d, ld, v, tau, w);
-        if (extensions & kExtensionFma) return zhb2st_left_fma(rows, cols, b, d, ld, v, tau, w);
-    }
-    (void)extensions;
-    chase_left<WideVec>(rows, cols, b, ld, v, tau);
-    chase_both_sides<WideVec, 2>(rows, d, ld, v, tau, w);
+    return kPlain;
 }
 
 // The extensions this processor offers the Avx variant (none below it).
 std::uint32_t usable_extensions() {
     return kLevel == CpuLevel::Avx ? detect_avx_extensions() : 0;
+}
+
+}  // namespace
+
+void dlatrd_symv_with(std::uint32_t extensions, const char& uplo, const zint& n, const double* a,
+                      const zint& lda, const double* x, double* y) {
+    kernels_for(extensions).dsymv(lsame(uplo, 'U'), n, a, lda, x, y);
+}
+
+void zlatrd_hemv_with(std::uint32_t extensions, const char& uplo, const zint& n, const zcomplex* a,
+                      const zint& lda, const zcomplex* x, zcomplex* y) {
+    kernels_for(extensions).zhemv(lsame(uplo, 'U'), n, a, lda, x, y);
+}
+
+void dsb2st_right_with(std::uint32_t extensions, const zint& rows, const zint& cols, double* b,
+                       const zint& ldb, const double* v, const double& tau, double* w) {
+    kernels_for(extensions).dright(rows, cols, b, ldb, v, tau, w);
+}
+
+void zhb2st_right_with(std::uint32_t extensions, const zint& rows, const zint& cols, zcomplex* b,
+                       const zint& ldb, const zcomplex* v, const zcomplex& tau, zcomplex* w) {
+    kernels_for(extensions).zright(rows, cols, b, ldb, v, tau, w);
+}
+
+void dsb2st_left_with(std::uint32_t extensions, const zint& rows, const zint& cols, double* b, double* d,
+                      const zint& ld, const double* v, const double& tau, double* w) {
+    kernels_for(extensions).dleft(rows, cols, b, d, ld, v, tau, w);
+}
+
+void zhb2st_left_with(std::uint32_t extensions, const zint& rows, const zint& cols, zcomplex* b, zcomplex* d,
+                      const zint& ld, const zcomplex* v, const zcomplex& tau, zcomplex* w) {
+    kernels_for(extensions).zleft(rows, cols, b, d, ld, v, tau, w);
+}
+
+void dlatrd_symv(const char& uplo, const zint& n, const double* a, const zint& lda, const double* x,
+                 double* y) {
+    dlatrd_symv_with(usable_extensions(), uplo, n, a, lda, x, y);
+}
+
+void zlatrd_hemv(const char& uplo, const zint& n, const zcomplex* a, const zint& lda, const zcomplex* x,
+                 zcomplex* y) {
+    zlatrd_hemv_with(usable_extensions(), uplo, n, a, lda, x, y);
 }
 
 void dsb2st_right(const zint& rows, const zint& cols, double* b, const zint& ldb, const double* v,
@@ -101,16 +92,6 @@ void dsb2st_left(const zint& rows, const zint& cols, double* b, double* d, const
 void zhb2st_left(const zint& rows, const zint& cols, zcomplex* b, zcomplex* d, const zint& ld,
                  const zcomplex* v, const zcomplex& tau, zcomplex* w) {
     zhb2st_left_with(usable_extensions(), rows, cols, b, d, ld, v, tau, w);
-}
-
-void dlatrd_symv(const char& uplo, const zint& n, const double* a, const zint& lda, const double* x,
-                 double* y) {
-    dlatrd_symv_with(usable_extensions(), uplo, n, a, lda, x, y);
-}
-
-void zlatrd_hemv(const char& uplo, const zint& n, const zcomplex* a, const zint& lda, const zcomplex* x,
-                 zcomplex* y) {
-    zlatrd_hemv_with(usable_extensions(), uplo, n, a, lda, x, y);
 }
 
 }  // namespace zor::ZOR_LEVEL_NS

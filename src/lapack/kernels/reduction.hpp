@@ -23,6 +23,22 @@
 #include "blas/kernel.hpp"
 #include "service/element.hpp"
 
+namespace zor {
+
+// The kernels of one path of a level, by element type (the flag of the products: upper triangle).
+struct ReductionKernels {
+    void (*dsymv)(bool upper, zint n, const double* a, zint lda, const double* x, double* y);
+    void (*zhemv)(bool upper, zint n, const zcomplex* a, zint lda, const zcomplex* x, zcomplex* y);
+    void (*dright)(zint rows, zint cols, double* b, zint ldb, const double* v, double tau, double* w);
+    void (*zright)(zint rows, zint cols, zcomplex* b, zint ldb, const zcomplex* v, zcomplex tau, zcomplex* w);
+    void (*dleft)(zint rows, zint cols, double* b, double* d, zint ld, const double* v, double tau,
+                  double* w);
+    void (*zleft)(zint rows, zint cols, zcomplex* b, zcomplex* d, zint ld, const zcomplex* v, zcomplex tau,
+                  zcomplex* w);
+};
+
+}  // namespace zor
+
 namespace zor::ZOR_LEVEL_NS {
 namespace {
 
@@ -230,6 +246,43 @@ zcomplex chase_dotc(zint count, const zcomplex* x, const zcomplex* y) {
     return s;
 }
 
+// f.template operator()<R>() for R = count, 0 <= count <= 8: the register-held kernels below are
+// instantiated for each number of vectors. Returns false for a larger count.
+template <class F>
+bool with_vector_count(zint count, F&& f) {
+    switch (count) {
+        case 0:
+            f.template operator()<0>();
+            return true;
+        case 1:
+            f.template operator()<1>();
+            return true;
+        case 2:
+            f.template operator()<2>();
+            return true;
+        case 3:
+            f.template operator()<3>();
+            return true;
+        case 4:
+            f.template operator()<4>();
+            return true;
+        case 5:
+            f.template operator()<5>();
+            return true;
+        case 6:
+            f.template operator()<6>();
+            return true;
+        case 7:
+            f.template operator()<7>();
+            return true;
+        case 8:
+            f.template operator()<8>();
+            return true;
+        default:
+            return false;
+    }
+}
+
 // B := B H for the rows by cols B and H = I - tau v vᴴ: w = B v, B := B - tau w vᴴ. Real data goes
 // by chunks of up to 8 vectors of rows whose w stays in registers over both passes; complex data
 // column by column through w in memory.
@@ -258,31 +311,8 @@ void chase_right(zint rows, zint cols, T* b, zint ldb, const T* v, T tau, T* w) 
         constexpr zint kChunk = 8 * L::kLanes;
         zint i = 0;
         for (; rows - i >= kChunk; i += kChunk) chase_right_chunk<L, 8>(cols, b + i, ldb, v, tau);
-        switch ((rows - i) / L::kLanes) {
-            case 7:
-                chase_right_chunk<L, 7>(cols, b + i, ldb, v, tau);
-                break;
-            case 6:
-                chase_right_chunk<L, 6>(cols, b + i, ldb, v, tau);
-                break;
-            case 5:
-                chase_right_chunk<L, 5>(cols, b + i, ldb, v, tau);
-                break;
-            case 4:
-                chase_right_chunk<L, 4>(cols, b + i, ldb, v, tau);
-                break;
-            case 3:
-                chase_right_chunk<L, 3>(cols, b + i, ldb, v, tau);
-                break;
-            case 2:
-                chase_right_chunk<L, 2>(cols, b + i, ldb, v, tau);
-                break;
-            case 1:
-                chase_right_chunk<L, 1>(cols, b + i, ldb, v, tau);
-                break;
-            default:
-                break;
-        }
+        with_vector_count((rows - i) / L::kLanes,
+                          [&]<int R>() { chase_right_chunk<L, R>(cols, b + i, ldb, v, tau); });
         // The last rows, fewer than a vector, one at a time.
         for (zint r = i + (rows - i) / L::kLanes * L::kLanes; r < rows; ++r) {
             double s = 0.0;
@@ -381,37 +411,8 @@ void chase_left_registers(zint rows, zint cols, double* b, zint ldb, const doubl
 template <class L, class T>
 void chase_left(zint rows, zint cols, T* b, zint ldb, const T* v, T tau) {
     if constexpr (!kIsComplex<T>) {
-        switch (rows / L::kLanes) {
-            case 0:
-                chase_left_registers<L, 0>(rows, cols, b, ldb, v, tau);
-                return;
-            case 1:
-                chase_left_registers<L, 1>(rows, cols, b, ldb, v, tau);
-                return;
-            case 2:
-                chase_left_registers<L, 2>(rows, cols, b, ldb, v, tau);
-                return;
-            case 3:
-                chase_left_registers<L, 3>(rows, cols, b, ldb, v, tau);
-                return;
-            case 4:
-                chase_left_registers<L, 4>(rows, cols, b, ldb, v, tau);
-                return;
-            case 5:
-                chase_left_registers<L, 5>(rows, cols, b, ldb, v, tau);
-                return;
-            case 6:
-                chase_left_registers<L, 6>(rows, cols, b, ldb, v, tau);
-                return;
-            case 7:
-                chase_left_registers<L, 7>(rows, cols, b, ldb, v, tau);
-                return;
-            case 8:
-                chase_left_registers<L, 8>(rows, cols, b, ldb, v, tau);
-                return;
-            default:
-                break;
-        }
+        const auto registers = [&]<int R>() { chase_left_registers<L, R>(rows, cols, b, ldb, v, tau); };
+        if (with_vector_count(rows / L::kLanes, registers)) return;
     }
     for (zint j = 0; j < cols; ++j) {
         T* column = b + j * ldb;
@@ -502,27 +503,26 @@ void chase_both_sides(zint order, T* d, zint ldd, const T* v, T tau, T* x) {
     }
 }
 
+// B := Hᴴ B, then D := Hᴴ D H: one step of the chase after its reflector is made.
+template <class L, int K, class T>
+void chase_left_both(zint rows, zint cols, T* b, T* d, zint ld, const T* v, T tau, T* w) {
+    chase_left<L>(rows, cols, b, ld, v, tau);
+    chase_both_sides<L, K>(rows, d, ld, v, tau, w);
+}
+
+// The table of a path: the products with real blocks of KR columns and complex of KC.
+template <class L, int KR, int KC>
+constexpr ReductionKernels make_reduction_kernels() {
+    return {&reduction_product<L, KR, double>, &reduction_product<L, KC, zcomplex>,
+            &chase_right<L, double>,           &chase_right<L, zcomplex>,
+            &chase_left_both<L, KR, double>,   &chase_left_both<L, KC, zcomplex>};
+}
+
 }  // namespace
 
 // The Avx variant's paths for processors with AVX-512F, and with FMA but not AVX-512F (defined in
 // the Avx variant only; the other levels never call them).
-void dlatrd_symv_avx512(bool upper, zint n, const double* a, zint lda, const double* x, double* y);
-void zlatrd_hemv_avx512(bool upper, zint n, const zcomplex* a, zint lda, const zcomplex* x, zcomplex* y);
-void dlatrd_symv_fma(bool upper, zint n, const double* a, zint lda, const double* x, double* y);
-void zlatrd_hemv_fma(bool upper, zint n, const zcomplex* a, zint lda, const zcomplex* x, zcomplex* y);
-void dsb2st_right_avx512(zint rows, zint cols, double* b, zint ldb, const double* v, double tau, double* w);
-void zhb2st_right_avx512(zint rows, zint cols, zcomplex* b, zint ldb, const zcomplex* v, zcomplex tau,
-                         zcomplex* w);
-void dsb2st_left_avx512(zint rows, zint cols, double* b, double* d, zint ld, const double* v, double tau,
-                        double* w);
-void zhb2st_left_avx512(zint rows, zint cols, zcomplex* b, zcomplex* d, zint ld, const zcomplex* v,
-                        zcomplex tau, zcomplex* w);
-void dsb2st_right_fma(zint rows, zint cols, double* b, zint ldb, const double* v, double tau, double* w);
-void zhb2st_right_fma(zint rows, zint cols, zcomplex* b, zint ldb, const zcomplex* v, zcomplex tau,
-                      zcomplex* w);
-void dsb2st_left_fma(zint rows, zint cols, double* b, double* d, zint ld, const double* v, double tau,
-                     double* w);
-void zhb2st_left_fma(zint rows, zint cols, zcomplex* b, zcomplex* d, zint ld, const zcomplex* v, zcomplex tau,
-                     zcomplex* w);
+const ReductionKernels& reduction_kernels_avx512();
+const ReductionKernels& reduction_kernels_fma();
 
 }  // namespace zor::ZOR_LEVEL_NS

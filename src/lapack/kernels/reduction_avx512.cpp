@@ -18,33 +18,14 @@
 
 namespace zor::avx {
 
-void dlatrd_symv_avx512(bool upper, zint n, const double* a, zint lda, const double* x, double* y) {
-    reduction_product<Vec8, 8>(upper, n, a, lda, x, y);
-}
+namespace {
 
-void zlatrd_hemv_avx512(bool upper, zint n, const zcomplex* a, zint lda, const zcomplex* x, zcomplex* y) {
-    reduction_product<Vec8, 4>(upper, n, a, lda, x, y);
-}
+constinit const ReductionKernels kKernels = make_reduction_kernels<Vec8, 8, 4>();
 
-void dsb2st_right_avx512(zint rows, zint cols, double* b, zint ldb, const double* v, double tau, double* w) {
-    chase_right<Vec8>(rows, cols, b, ldb, v, tau, w);
-}
+}  // namespace
 
-void zhb2st_right_avx512(zint rows, zint cols, zcomplex* b, zint ldb, const zcomplex* v, zcomplex tau,
-                         zcomplex* w) {
-    chase_right<Vec8>(rows, cols, b, ldb, v, tau, w);
-}
-
-void dsb2st_left_avx512(zint rows, zint cols, double* b, double* d, zint ld, const double* v, double tau,
-                        double* w) {
-    chase_left<Vec8>(rows, cols, b, ld, v, tau);
-    chase_both_sides<Vec8, 8>(rows, d, ld, v, tau, w);
-}
-
-void zhb2st_left_avx512(zint rows, zint cols, zcomplex* b, zcomplex* d, zint ld, const zcomplex* v,
-                        zcomplex tau, zcomplex* w) {
-    chase_left<Vec8>(rows, cols, b, ld, v, tau);
-    chase_both_sides<Vec8, 4>(rows, d, ld, v, tau, w);
+const ReductionKernels& reduction_kernels_avx512() {
+    return kKernels;
 }
 
 }  // namespace zor::avx

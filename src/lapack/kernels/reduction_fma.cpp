@@ -15,33 +15,14 @@
 
 namespace zor::avx {
 
-void dlatrd_symv_fma(bool upper, zint n, const double* a, zint lda, const double* x, double* y) {
-    reduction_product<Vec4Fused, 4>(upper, n, a, lda, x, y);
-}
+namespace {
 
-void zlatrd_hemv_fma(bool upper, zint n, const zcomplex* a, zint lda, const zcomplex* x, zcomplex* y) {
-    reduction_product<Vec4Fused, 2>(upper, n, a, lda, x, y);
-}
+constinit const ReductionKernels kKernels = make_reduction_kernels<Vec4Fused, 4, 2>();
 
-void dsb2st_right_fma(zint rows, zint cols, double* b, zint ldb, const double* v, double tau, double* w) {
-    chase_right<Vec4Fused>(rows, cols, b, ldb, v, tau, w);
-}
+}  // namespace
 
-void zhb2st_right_fma(zint rows, zint cols, zcomplex* b, zint ldb, const zcomplex* v, zcomplex tau,
-                      zcomplex* w) {
-    chase_right<Vec4Fused>(rows, cols, b, ldb, v, tau, w);
-}
-
-void dsb2st_left_fma(zint rows, zint cols, double* b, double* d, zint ld, const double* v, double tau,
-                     double* w) {
-    chase_left<Vec4Fused>(rows, cols, b, ld, v, tau);
-    chase_both_sides<Vec4Fused, 4>(rows, d, ld, v, tau, w);
-}
-
-void zhb2st_left_fma(zint rows, zint cols, zcomplex* b, zcomplex* d, zint ld, const zcomplex* v, zcomplex tau,
-                     zcomplex* w) {
-    chase_left<Vec4Fused>(rows, cols, b, ld, v, tau);
-    chase_both_sides<Vec4Fused, 2>(rows, d, ld, v, tau, w);
+const ReductionKernels& reduction_kernels_fma() {
+    return kKernels;
 }
 
 }  // namespace zor::avx
