@@ -17,7 +17,9 @@ typedef struct zor_complex_double {
 
 /* ZOR_API marks an exported function. ZOR_FORTRAN_API marks an exported Fortran-style routine,
  * which ELF builds also export with a trailing underscore (dgesv_), the Fortran linkage convention
- * there. The build takes the list of exports from these declarations in the public headers. */
+ * there. ZOR_FORTRAN_BLAS_API marks the Fortran-style BLAS routines, which only the build with
+ * ZOR_FORTRAN_BLAS_NAMES exports (as Fortran-style routines). The build takes the list of exports
+ * from these declarations in the public headers. */
 #if defined(_WIN32)
 #define ZOR_API
 #elif defined(__GNUC__)
@@ -26,6 +28,8 @@ typedef struct zor_complex_double {
 #define ZOR_API
 #endif
 #define ZOR_FORTRAN_API ZOR_API
+/* The Fortran-style BLAS routines (zor_blas.h): exported only by the build that asks for them. */
+#define ZOR_FORTRAN_BLAS_API ZOR_API
 
 #ifdef __cplusplus
 #define ZOR_EXTERN_C_BEGIN extern "C" {

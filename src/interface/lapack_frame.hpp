@@ -106,14 +106,6 @@ class LapackCall {
     bool failed_ = false;
 };
 
-// The caller's complex arrays as the library's complex type (the same two doubles).
-inline zcomplex* as_complex(zor_complex_double* x) {
-    return reinterpret_cast<zcomplex*>(x);
-}
-inline const zcomplex* as_complex(const zor_complex_double* x) {
-    return reinterpret_cast<const zcomplex*>(x);
-}
-
 // The integer workspace dgelsd sizes for itself (the caller's iwork is only told its size):
 // (3 nlvl + 14) min(m, n) entries, at least 1, where nlvl counts the levels of the
 // divide-and-conquer tree over n columns.

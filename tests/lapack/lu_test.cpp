@@ -575,3 +575,33 @@ TEST(LuProgress, ReportsEachLeafAndStopsAtOnceWhenAsked) {
 
 }  // namespace
 }  // namespace zor::test
+
+namespace zor::test {
+namespace {
+
+// Copies of one matrix factor to the same bits wherever they lie (the kernels above Default take
+// no alignment peels), as programs comparing two factorisations of one matrix expect.
+TEST(LuReproducibility, CopiesAtAnyAddressFactorAlike) {
+    Random random(17);
+    const zint m = 30, n = 40;
+    const Matrix<double> a = random_matrix<double>(random, m, n, 0);
+    std::vector<double> first;
+    for (std::size_t offset = 0; offset < 8; ++offset) {
+        std::vector<double> storage(a.v.size() + 16);
+        double* base = storage.data();
+        while (reinterpret_cast<std::uintptr_t>(base) % 64 != 0) ++base;
+        std::copy(a.v.begin(), a.v.end(), base + offset);
+        std::vector<zint> ipiv(m);
+        zint info = 0;
+        getrf<double>(m, n, base + offset, m, ipiv.data(), info);
+        std::vector<double> factors(base + offset, base + offset + a.v.size());
+        if (offset == 0) {
+            first = factors;
+        } else if (detect_cpu_level() != CpuLevel::Default) {
+            EXPECT_EQ(factors, first) << offset;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace zor::test

@@ -137,23 +137,17 @@ void gemv_n_block(zint m, zint n, double alpha, const double* a, zint lda, const
 }
 
 // y(j) += alpha * A(0..m, j)' x for n columns, x of unit stride. Four columns a pass, two vector
-// sums per column. With kPeel (lda even) rows are first taken singly until the first column
-// reaches a vector boundary; every column is then on a 16-byte boundary at least.
-template <class L, bool kPeel>
+// sums per column, the lanes starting at row 0 whatever the address (loads unaligned), so that the
+// result does not depend on where A lies; the rows beyond the last whole step are summed singly.
+template <class L>
 void gemv_t_block(zint m, zint n, double alpha, const double* a, zint lda, const double* x, double* ys,
                   zint incy) {
     using V = typename L::Vec;
-    constexpr zint kBytes = 8 * L::kLanes;
     zint j = 0;
     for (; n - j >= 4; j += 4) {
         const double* c[4] = {a + j * lda, a + (j + 1) * lda, a + (j + 2) * lda, a + (j + 3) * lda};
         double s[4] = {0.0, 0.0, 0.0, 0.0};
         zint i = 0;
-        if constexpr (kPeel) {
-            for (; i < m && address(c[0] + i) % kBytes != 0; ++i) {
-                for (int k = 0; k < 4; ++k) s[k] += c[k][i] * x[i];
-            }
-        }
         V sum0[4] = {L::zero(), L::zero(), L::zero(), L::zero()};
         V sum1[4] = {L::zero(), L::zero(), L::zero(), L::zero()};
         for (; m - i >= 2 * L::kLanes; i += 2 * L::kLanes) {
@@ -224,11 +218,7 @@ void gather(zint count, const double* vs, zint inc, double* buffer) {
         return;
     }
     auto sweep = [&](zint rows, const double* ablock, const double* xblock) {
-        if (lda % 2 == 0) {
-            gemv_t_block<L, true>(rows, n, alpha, ablock, lda, xblock, ys, incy);
-        } else {
-            gemv_t_block<L, false>(rows, n, alpha, ablock, lda, xblock, ys, incy);
-        }
+        gemv_t_block<L>(rows, n, alpha, ablock, lda, xblock, ys, incy);
     };
     if (incx == 1) {
         sweep(m, a, xs);

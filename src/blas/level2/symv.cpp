@@ -13,11 +13,13 @@
 // - then each column's sweep over its stored rows outside the block (a single column: outside the
 //   diagonal, and y(j) := y(j) + A(j,j)*t1 first), rows in increasing order, each row's y(i)
 //   taking the group's columns in order; then y(j) += t2*alpha. Each t2 has two lanes: rows go
-//   singly into the low lane until y is on a 16-byte boundary (unit strides only), then in pairs
-//   (low, high), a last row into the low lane; t2 = low + high.
-// The Avx variant runs the same scheme with four lanes (y to a 32-byte boundary, then quads, the
-// last rows into lane 0, t2 = (l0 + l2) + (l1 + l3)); in its vector steps a row's y(i) adds the
-// group's products summed pairwise, and t2 alternates between two sets of sums.
+//   singly into the low lane until y is on a 16-byte boundary (unit strides, Default only: the
+//   levels above take no peel, so that their results do not depend on where the vectors lie), then
+//   in pairs (low, high), a last row into the low lane; t2 = low + high.
+// The Avx variant runs the same scheme with four lanes and no peel, so that its results do not
+// depend on where the vectors lie: quads from the sweep's first row, the last rows into lane 0,
+// t2 = (l0 + l2) + (l1 + l3); every row's y(i) adds the group's products summed pairwise, and t2
+// alternates between two sets of sums.
 
 #include "blas/kernel.hpp"
 #include "blas/level2/level2.hpp"
@@ -46,7 +48,13 @@ void symv_sweep(zint r0, zint r1, const double* const* c, const double* t1, cons
         y[i] = yi;
     };
     zint i = r0;
-    for (; i < r1 && address(y + i) % kBytes != 0; ++i) row(i, low);
+    // Default peels to y's boundary, as its order is described; the levels above start their lanes
+    // at the sweep's first row whatever the address, so that a row's arithmetic never depends on
+    // where the vectors lie.
+    constexpr bool kPeel = kLevel == CpuLevel::Default;
+    if constexpr (kPeel) {
+        for (; i < r1 && address(y + i) % kBytes != 0; ++i) row(i, low);
+    }
     V sums[K], factors[K];
     for (int k = 0; k < K; ++k) {
         sums[k] = L::first_lane(low[k]);
@@ -56,11 +64,15 @@ void symv_sweep(zint r0, zint r1, const double* const* c, const double* t1, cons
         const V xv = L::loadu(x + r);
         for (int k = 0; k < K; ++k) sum[k] = L::add(sum[k], L::mul(L::loadu(c[k] + r), xv));
         if constexpr (kPairwise) {
-            L::store(y + r, L::add(L::load(y + r), column_products<L, K>(c, factors, r)));
+            L::storeu(y + r, L::add(L::loadu(y + r), column_products<L, K>(c, factors, r)));
         } else {
-            V yv = L::load(y + r);
+            V yv = kPeel ? L::load(y + r) : L::loadu(y + r);
             for (int k = 0; k < K; ++k) yv = L::add(yv, L::mul(L::loadu(c[k] + r), factors[k]));
-            L::store(y + r, yv);
+            if constexpr (kPeel) {
+                L::store(y + r, yv);
+            } else {
+                L::storeu(y + r, yv);
+            }
         }
     };
     if constexpr (kPairwise) {
@@ -82,7 +94,15 @@ void symv_sweep(zint r0, zint r1, const double* const* c, const double* t1, cons
     for (; r1 - i >= L::kLanes; i += L::kLanes) step(i, sums);
     double last[K];
     for (int k = 0; k < K; ++k) last[k] = L::first(sums[k]);
-    for (; i < r1; ++i) row(i, last);
+    for (; i < r1; ++i) {
+        if constexpr (kPairwise) {
+            // The same products, summed pairwise, as the vector steps give every row.
+            y[i] += column_products<K>(c, t1, i);
+            for (int k = 0; k < K; ++k) last[k] += c[k][i] * x[i];
+        } else {
+            row(i, last);
+        }
+    }
     for (int k = 0; k < K; ++k) t2[k] = L::sum_with_first(sums[k], last[k]);
 }
 
