@@ -21,6 +21,6 @@ if(NOT WIN32 AND NOT ZOR_SANITIZER AND EXISTS ${ZOR_REFERENCE_PROGRAMS}/xlintstd
     # The least-squares path (dgelsd among the drivers) and the SVD path of the eigenproblem
     # programs (dgesdd, zgesdd), on inputs of the project's own in the published format.
     zor_add_reference_test(xlintstd lin/dls.in)
-    zor_add_reference_test(xeigtstd eig/svd.in)
-    zor_add_reference_test(xeigtstz eig/svd.in)
+    zor_add_reference_test(xeigtstd eig/dsvd.in)
+    zor_add_reference_test(xeigtstz eig/zsvd.in)
 endif()
