@@ -11,6 +11,7 @@
 #include "lapack/householder/householder.hpp"
 #include "lapack/lapack.hpp"
 #include "lapack/qr/qr.hpp"
+#include "lapack/svd/scaling.hpp"
 #include "lapack/svd/svd.hpp"
 
 namespace zor {
@@ -24,10 +25,6 @@ struct GelsdPlan {
     zint ldl;           // the LQ path: leading dimension of L's copy in work
 };
 
-double answer(double* w) {
-    return w[0];
-}
-
 GelsdPlan plan_gelsd(zint m, zint n, zint nrhs, zint lda, zint lwork) {
     GelsdPlan p{1, 1, ilaenv(9, "DGELSD", " ", 0, 0, 0, 0), false, 0};
     const zint k = min_of(m, n);
@@ -40,12 +37,12 @@ GelsdPlan plan_gelsd(zint m, zint n, zint nrhs, zint lda, zint lwork) {
     // The optimal workspaces of the routines on each path, from their own queries.
     const auto brd = [&](zint r, zint c) {
         gebrd(r, c, w, r, dd, dd, w, w, w, -1, sub);
-        return static_cast<zint>(answer(w));
+        return static_cast<zint>(w[0]);
     };
     const auto mbr = [&](char vect, char trans, zint r, zint kk) {
         ormbr(vect, 'L', trans, r, nrhs, kk, w, max_of(1, vect == 'Q' ? r : min_of(r, kk)), w, w, max_of(1, r), w,
               -1, sub);
-        return static_cast<zint>(answer(w));
+        return static_cast<zint>(w[0]);
     };
     if (m >= n) {
         zint mm = m, optimal = 0;
@@ -53,9 +50,9 @@ GelsdPlan plan_gelsd(zint m, zint n, zint nrhs, zint lda, zint lwork) {
         if (p.factor_first) {
             mm = n;
             geqrf(m, n, w, m, w, w, -1, sub);
-            optimal = max_of(optimal, n + static_cast<zint>(answer(w)));
+            optimal = max_of(optimal, n + static_cast<zint>(w[0]));
             ormqr('L', 'T', m, nrhs, n, w, m, w, w, m, w, -1, sub);
-            optimal = max_of(optimal, n + static_cast<zint>(answer(w)));
+            optimal = max_of(optimal, n + static_cast<zint>(w[0]));
         }
         optimal = max_of(optimal, 3 * n + brd(mm, n));
         optimal = max_of(optimal, 3 * n + mbr('Q', 'T', mm, n));
@@ -69,12 +66,12 @@ GelsdPlan plan_gelsd(zint m, zint n, zint nrhs, zint lda, zint lwork) {
         zint optimal = 0;
         if (n >= crossover) {
             gelqf(m, n, w, m, w, w, -1, sub);
-            optimal = m + static_cast<zint>(answer(w));
+            optimal = m + static_cast<zint>(w[0]);
             optimal = max_of(optimal, m * m + 4 * m + brd(m, m));
             optimal = max_of(optimal, m * m + 4 * m + mbr('Q', 'T', m, m));
             optimal = max_of(optimal, m * m + 4 * m + mbr('P', 'N', m, m));
             ormlq('L', 'T', n, nrhs, m, w, m, w, w, n, w, -1, sub);
-            optimal = max_of(optimal, m + static_cast<zint>(answer(w)));
+            optimal = max_of(optimal, m + static_cast<zint>(w[0]));
             optimal = max_of(optimal, lq_least);
             p.factor_first = lwork == -1 || lwork >= lq_least;
         } else {
@@ -138,58 +135,53 @@ void gelsd(zint m, zint n, zint nrhs, double* a, zint lda, double* b, zint ldb, 
         work[0] = static_cast<double>(plan.optimal);
         iwork[0] = liwork;
     };
-    const double eps = dlamch("P"), sfmin = dlamch("S");
-    const double smlnum = sfmin / eps, bignum = 1.0 / smlnum;
+    const double smlnum = dlamch("S") / dlamch("P");
     double dummy[1];
     zint sub = 0;
-    // A into [smlnum, bignum]; a zero A has the zero solution.
+    // A into [smlnum, 1 / smlnum]; a zero A has the zero solution.
     const double anrm = lange('M', m, n, a, lda, dummy);
-    double a_to = 0;
-    if (anrm > 0 && anrm < smlnum) {
-        a_to = smlnum;
-    } else if (anrm > bignum) {
-        a_to = bignum;
-    } else if (anrm == 0) {
+    if (anrm == 0) {
         laset('F', max_of(m, n), nrhs, 0.0, 0.0, b, ldb);
         laset('F', k, 1, 0.0, 0.0, s, 1);
         rank = 0;
         finish();
         return;
     }
+    const double a_to = range_target(anrm, smlnum);
     if (a_to != 0) lascl('G', 0, 0, anrm, a_to, m, n, a, lda, sub);
     // B likewise.
     const double bnrm = lange('M', m, nrhs, b, ldb, dummy);
-    double b_to = 0;
-    if (bnrm > 0 && bnrm < smlnum) {
-        b_to = smlnum;
-    } else if (bnrm > bignum) {
-        b_to = bignum;
-    }
+    const double b_to = range_target(bnrm, smlnum);
     if (b_to != 0) lascl('G', 0, 0, bnrm, b_to, m, nrhs, b, ldb, sub);
     // The solution's rows below m start at zero.
     if (m < n) laset('F', n - m, nrhs, 0.0, 0.0, b + m, ldb);
 
     const auto A = [&](zint i, zint j) { return a + i + j * lda; };
     const zint smlsiz = plan.smlsiz;
+    // The bidiagonal problem of the rows by cols matrix r (its scalars and lalsd's work from `at`
+    // on): B := Qᵀ B, the solve with its rank decision, B := P B.
+    const auto solve = [&](char uplo, zint rows, zint cols, double* r, zint ldr, double* at) {
+        double* e = at;
+        double* tauq = at + k;
+        double* taup = at + 2 * k;
+        double* rest = at + 3 * k;
+        const zint left = lwork - (rest - work);
+        gebrd(rows, cols, r, ldr, s, e, tauq, taup, rest, left, sub);
+        ormbr('Q', 'L', 'T', rows, nrhs, cols, r, ldr, tauq, b, ldb, rest, left, sub);
+        lalsd(uplo, smlsiz, k, nrhs, s, e, b, ldb, rcond, rank, rest, iwork, info);
+        if (info == 0) ormbr('P', 'L', 'N', cols, nrhs, rows, r, ldr, taup, b, ldb, rest, left, sub);
+        return info == 0;
+    };
     if (m >= n) {
-        zint mm = m;
+        zint rows = m;
         if (plan.factor_first) {
             // A = Q R; B := Qᵀ B; R is then reduced.
             if (geqrf(m, n, a, lda, work, work + n, lwork - n, sub)) return;
             ormqr('L', 'T', m, nrhs, n, a, lda, work, b, ldb, work + n, lwork - n, sub);
             if (n > 1) laset('L', n - 1, n - 1, 0.0, 0.0, A(1, 0), lda);
-            mm = n;
+            rows = n;
         }
-        double* e = work;
-        double* tauq = work + n;
-        double* taup = work + 2 * n;
-        double* rest = work + 3 * n;
-        const zint left = lwork - 3 * n;
-        gebrd(mm, n, a, lda, s, e, tauq, taup, rest, left, sub);
-        ormbr('Q', 'L', 'T', mm, nrhs, n, a, lda, tauq, b, ldb, rest, left, sub);
-        lalsd('U', smlsiz, n, nrhs, s, e, b, ldb, rcond, rank, rest, iwork, info);
-        if (info != 0) return;
-        ormbr('P', 'L', 'N', n, nrhs, n, a, lda, taup, b, ldb, rest, left, sub);
+        if (!solve('U', rows, n, a, lda, work)) return;
     } else if (plan.factor_first) {
         // A = L Q; the m by m L is reduced in work and the solution carried back by Qᵀ.
         const zint ldl = plan.ldl;
@@ -198,30 +190,12 @@ void gelsd(zint m, zint n, zint nrhs, double* a, zint lda, double* b, zint ldb, 
         double* l = work + m;
         lacpy('L', m, m, a, lda, l, ldl);
         if (m > 1) laset('U', m - 1, m - 1, 0.0, 0.0, l + ldl, ldl);
-        double* e = l + ldl * m;
-        double* tauq = e + m;
-        double* taup = tauq + m;
-        double* rest = taup + m;
-        const zint left = lwork - (rest - work);
-        gebrd(m, m, l, ldl, s, e, tauq, taup, rest, left, sub);
-        ormbr('Q', 'L', 'T', m, nrhs, m, l, ldl, tauq, b, ldb, rest, left, sub);
-        lalsd('U', smlsiz, m, nrhs, s, e, b, ldb, rcond, rank, rest, iwork, info);
-        if (info != 0) return;
-        ormbr('P', 'L', 'N', m, nrhs, m, l, ldl, taup, b, ldb, rest, left, sub);
+        if (!solve('U', m, m, l, ldl, l + ldl * m)) return;
         laset('F', n - m, nrhs, 0.0, 0.0, b + m, ldb);
         ormlq('L', 'T', n, nrhs, m, a, lda, tau, b, ldb, work + m, lwork - m, sub);
     } else {
         // The lower bidiagonal reduction of A itself.
-        double* e = work;
-        double* tauq = work + m;
-        double* taup = work + 2 * m;
-        double* rest = work + 3 * m;
-        const zint left = lwork - 3 * m;
-        gebrd(m, n, a, lda, s, e, tauq, taup, rest, left, sub);
-        ormbr('Q', 'L', 'T', m, nrhs, n, a, lda, tauq, b, ldb, rest, left, sub);
-        lalsd('L', smlsiz, m, nrhs, s, e, b, ldb, rcond, rank, rest, iwork, info);
-        if (info != 0) return;
-        ormbr('P', 'L', 'N', n, nrhs, m, a, lda, taup, b, ldb, rest, left, sub);
+        if (!solve('L', m, n, a, lda, work)) return;
     }
     // Undo the scaling: the solution scales with B over A, the values with A.
     if (a_to != 0) {

@@ -18,6 +18,7 @@
 #include "lapack/condensed/bidiagonal.hpp"
 #include "lapack/lapack.hpp"
 #include "lapack/qr/qr.hpp"
+#include "lapack/svd/scaling.hpp"
 #include "lapack/svd/svd.hpp"
 
 namespace zor {
@@ -230,8 +231,7 @@ class Gesdd {
     // info > 0: bdsdc failed; the vectors are then left as they are. Returns false when the progress
     // handler stopped the QR or LQ factorization.
     bool run(zint& info) {
-        if (m_ >= n_) return plan_.factor_first ? tall_factored(info) : tall_direct(info);
-        return plan_.factor_first ? wide_factored(info) : wide_direct(info);
+        return plan_.factor_first ? factored(info) : direct(info);
     }
 
   private:
@@ -270,228 +270,171 @@ class Gesdd {
         gebrd(m, n, a, lda, s_, sc.e, sc.tauq, sc.taup, W(sc.end), left(sc.end), sub);
     }
 
-    // ---- m >= n ----
-
-    bool tall_factored(zint& info) {
+    // A QR (m >= n) or LQ (m < n) factorization first; its triangle R (L) is reduced, and Q carries
+    // the vectors of the triangle to those of A.
+    bool factored(zint& info) {
         const zint m = m_, n = n_, k = k_;
+        const bool tall = m >= n;
         const T zero = zor::zero<T>(), one = zor::one<T>();
         zint sub = 0;
-        // Layout: [block (R or the piece) | vectors of B (k by k) | tau, then the scalars | rest].
-        zint block_rows = 0, ub = 0;
+        // Work: [block (the triangle, then the pieces of "O") | vectors of the triangle (k by k) |
+        // tau, then the scalars | rest]. "A" keeps the triangle in A and its vectors at the front.
+        zint block = 0;
         switch (job_) {
             case Job::None: break;
-            case Job::Overwrite: block_rows = plan_.piece, ub = block_rows * k; break;
-            case Job::Some: block_rows = k, ub = k * k; break;
-            case Job::All: ub = 0; break;
-        }
-        const zint tau = job_ == Job::None ? 0 : (job_ == Job::All ? k * k : ub + (job_ == Job::Overwrite ? k * k : 0));
-        if (geqrf(m, n, a_, lda_, W(tau), W(tau + k), left(tau + k), sub)) return false;
-        const Scalars<T> sc = scalars_at(work_, tau, k, parts_);
-        if (job_ == Job::None || job_ == Job::All) {
-            if (job_ == Job::All) {
-                lacpy('L', m, n, a_, lda_, u_, ldu_);
-                orgqr(m, m, n, u_, ldu_, W(tau), W(tau + k), left(tau + k), sub);
-            }
-            if (n > 1) laset('L', n - 1, n - 1, zero, zero, A(1, 0), lda_);
-            reduce(n, n, a_, lda_, sc);
-            if (job_ == Job::None) {
-                bidiagonal('U', sc, nullptr, 1, nullptr, 1, sc.end, info);
-                return true;
-            }
-            bidiagonal('U', sc, W(0), k, vt_, ldvt_, sc.end, info);
-            if (info != 0) return true;
-            apply('Q', 'L', n, n, n, a_, lda_, sc.tauq, W(0), k, sc.end);
-            apply('P', 'R', n, n, n, a_, lda_, sc.taup, vt_, ldvt_, sc.end);
-            Blas<T>::gemm('N', 'N', m, n, n, one, u_, ldu_, W(0), k, zero, a_, lda_);
-            lacpy('F', m, n, a_, lda_, u_, ldu_);
-            return true;
-        }
-        // "O" and "S": R is reduced in the block, Q formed in A.
-        const zint ldr = block_rows;
-        lacpy('U', n, n, a_, lda_, W(0), ldr);
-        if (n > 1) laset('L', n - 1, n - 1, zero, zero, W(1), ldr);
-        orgqr(m, n, n, a_, lda_, W(tau), W(tau + k), left(tau + k), sub);
-        reduce(n, n, W(0), ldr, sc);
-        T* ublock = job_ == Job::Overwrite ? W(ub) : u_;
-        const zint ldub = job_ == Job::Overwrite ? k : ldu_;
-        bidiagonal('U', sc, ublock, ldub, vt_, ldvt_, sc.end, info);
-        if (info != 0) return true;
-        apply('Q', 'L', n, n, n, W(0), ldr, sc.tauq, ublock, ldub, sc.end);
-        apply('P', 'R', n, n, n, W(0), ldr, sc.taup, vt_, ldvt_, sc.end);
-        if (job_ == Job::Some) {
-            lacpy('F', n, n, u_, ldu_, W(0), k);
-            Blas<T>::gemm('N', 'N', m, n, n, one, a_, lda_, W(0), k, zero, u_, ldu_);
-            return true;
-        }
-        // U = Q (in A) times the vectors of R, a piece of rows at a time through the block.
-        for (zint i = 0; i < m; i += ldr) {
-            const zint rows = min_of(m - i, ldr);
-            Blas<T>::gemm('N', 'N', rows, n, n, one, A(i, 0), lda_, W(ub), k, zero, W(0), ldr);
-            lacpy('F', rows, n, W(0), ldr, A(i, 0), lda_);
-        }
-        return true;
-    }
-
-    bool tall_direct(zint& info) {
-        const zint m = m_, n = n_, k = k_;
-        const T zero = zor::zero<T>(), one = zor::one<T>();
-        const Scalars<T> sc = scalars_at(work_, 0, k, parts_);
-        reduce(m, n, a_, lda_, sc);
-        switch (job_) {
-            case Job::None:
-                bidiagonal('U', sc, nullptr, 1, nullptr, 1, sc.end, info);
-                break;
-            case Job::Some:
-            case Job::All: {
-                const zint ucols = job_ == Job::All ? m : n;
-                laset('F', m, ucols, zero, zero, u_, ldu_);
-                bidiagonal('U', sc, u_, ldu_, vt_, ldvt_, sc.end, info);
-                if (info != 0) break;
-                if (job_ == Job::All && m > n) laset('F', m - n, m - n, zero, one, u_ + n + n * ldu_, ldu_);
-                apply('Q', 'L', m, ucols, n, a_, lda_, sc.tauq, u_, ldu_, sc.end);
-                apply('P', 'R', n, n, m, a_, lda_, sc.taup, vt_, ldvt_, sc.end);
-                break;
-            }
-            case Job::Overwrite: {
-                const zint iu = sc.end;
-                if (plan_.whole) {
-                    // U in work (m by n), then copied over A.
-                    laset('F', m, n, zero, zero, W(iu), m);
-                    const zint rest = iu + m * n;
-                    bidiagonal('U', sc, W(iu), m, vt_, ldvt_, rest, info);
-                    if (info != 0) break;
-                    apply('P', 'R', n, n, n, a_, lda_, sc.taup, vt_, ldvt_, rest);
-                    apply('Q', 'L', m, n, n, a_, lda_, sc.tauq, W(iu), m, rest);
-                    lacpy('F', m, n, W(iu), m, a_, lda_);
-                    break;
-                }
-                // Q formed in A and multiplied by the real vectors of B a piece of rows at a time.
-                const zint rest = iu + (kIsComplex<T> ? 0 : k * k);
-                bidiagonal('U', sc, kIsComplex<T> ? nullptr : W(iu), k, vt_, ldvt_, rest, info);
-                if (info != 0) break;
-                const double* ur = real_vectors_u(W(iu));
-                apply('P', 'R', n, n, n, a_, lda_, sc.taup, vt_, ldvt_, rest);
-                zint sub = 0;
-                orgbr('Q', m, n, n, a_, lda_, sc.tauq, W(rest), left(rest), sub);
-                for (zint i = 0; i < m; i += plan_.piece) {
-                    const zint rows = min_of(m - i, plan_.piece);
-                    times_real(rows, n, A(i, 0), lda_, ur, k, W(rest), plan_.piece);
-                    lacpy('F', rows, n, W(rest), plan_.piece, A(i, 0), lda_);
-                }
-                break;
-            }
-        }
-        return true;
-    }
-
-    // ---- m < n ----
-
-    bool wide_factored(zint& info) {
-        const zint m = m_, n = n_, k = k_;
-        const T zero = zor::zero<T>(), one = zor::one<T>();
-        zint sub = 0;
-        // Layout: [vectors of B (k by k) | block (L or the piece, k rows) | tau, then the scalars | rest].
-        zint block = 0, block_cols = 0;
-        switch (job_) {
-            case Job::None: break;
-            case Job::Overwrite: block = k * k, block_cols = plan_.piece; break;
-            case Job::Some: block = 0, block_cols = k; break;
+            case Job::Overwrite: block = plan_.piece * k; break;
+            case Job::Some: block = k * k; break;
             case Job::All: block = 0; break;
         }
-        const zint tau = job_ == Job::None ? 0 : (job_ == Job::All ? k * k : block + block_cols * k);
-        if (gelqf(m, n, a_, lda_, W(tau), W(tau + k), left(tau + k), sub)) return false;
+        const zint vectors = block;
+        const zint tau = job_ == Job::None ? 0 : block + (job_ == Job::Some ? 0 : k * k);
+        const bool stopped = tall ? geqrf(m, n, a_, lda_, W(tau), W(tau + k), left(tau + k), sub)
+                                  : gelqf(m, n, a_, lda_, W(tau), W(tau + k), left(tau + k), sub);
+        if (stopped) return false;
         const Scalars<T> sc = scalars_at(work_, tau, k, parts_);
+        // The triangle's vectors: U of R into the vectors block (or U for "S"), VT of L likewise.
+        T* small = job_ == Job::Some ? (tall ? u_ : vt_) : W(vectors);
+        const zint ldsmall = job_ == Job::Some ? (tall ? ldu_ : ldvt_) : k;
+        T* ub = tall ? small : u_;
+        T* vtb = tall ? vt_ : small;
+        const zint ldub = tall ? ldsmall : ldu_, ldvtb = tall ? ldvt_ : ldsmall;
         if (job_ == Job::None || job_ == Job::All) {
             if (job_ == Job::All) {
-                lacpy('U', m, n, a_, lda_, vt_, ldvt_);
-                orglq(n, n, m, vt_, ldvt_, W(tau), W(tau + k), left(tau + k), sub);
+                // The whole Q (Qᴴ of the LQ) into U (VT).
+                if (tall) {
+                    lacpy('L', m, n, a_, lda_, u_, ldu_);
+                    orgqr(m, m, n, u_, ldu_, W(tau), W(tau + k), left(tau + k), sub);
+                } else {
+                    lacpy('U', m, n, a_, lda_, vt_, ldvt_);
+                    orglq(n, n, m, vt_, ldvt_, W(tau), W(tau + k), left(tau + k), sub);
+                }
             }
-            if (m > 1) laset('U', m - 1, m - 1, zero, zero, A(0, 1), lda_);
-            reduce(m, m, a_, lda_, sc);
-            if (job_ == Job::None) {
-                bidiagonal('U', sc, nullptr, 1, nullptr, 1, sc.end, info);
-                return true;
+            if (k > 1) laset(tall ? 'L' : 'U', k - 1, k - 1, zero, zero, tall ? A(1, 0) : A(0, 1), lda_);
+            reduce(k, k, a_, lda_, sc);
+            bidiagonal('U', sc, ub, ldub, vtb, ldvtb, sc.end, info);
+            if (job_ == Job::None || info != 0) return true;
+            apply('Q', 'L', k, k, k, a_, lda_, sc.tauq, ub, ldub, sc.end);
+            apply('P', 'R', k, k, k, a_, lda_, sc.taup, vtb, ldvtb, sc.end);
+            if (tall) {
+                Blas<T>::gemm('N', 'N', m, n, n, one, u_, ldu_, small, k, zero, a_, lda_);
+            } else {
+                Blas<T>::gemm('N', 'N', m, n, m, one, small, k, vt_, ldvt_, zero, a_, lda_);
             }
-            bidiagonal('U', sc, u_, ldu_, W(0), k, sc.end, info);
-            if (info != 0) return true;
-            apply('Q', 'L', m, m, m, a_, lda_, sc.tauq, u_, ldu_, sc.end);
-            apply('P', 'R', m, m, m, a_, lda_, sc.taup, W(0), k, sc.end);
-            Blas<T>::gemm('N', 'N', m, n, m, one, W(0), k, vt_, ldvt_, zero, a_, lda_);
-            lacpy('F', m, n, a_, lda_, vt_, ldvt_);
+            lacpy('F', m, n, a_, lda_, tall ? u_ : vt_, tall ? ldu_ : ldvt_);
             return true;
         }
-        // "O" and "S": L is reduced in the block, Q formed in A.
-        T* l = W(block);
-        lacpy('L', m, m, a_, lda_, l, k);
-        if (m > 1) laset('U', m - 1, m - 1, zero, zero, l + k, k);
-        orglq(m, n, m, a_, lda_, W(tau), W(tau + k), left(tau + k), sub);
-        reduce(m, m, l, k, sc);
-        T* vtblock = job_ == Job::Overwrite ? W(0) : vt_;
-        const zint ldvtb = job_ == Job::Overwrite ? k : ldvt_;
-        bidiagonal('U', sc, u_, ldu_, vtblock, ldvtb, sc.end, info);
+        // "O" and "S": the triangle is reduced in the block, Q formed in A.
+        const zint ldt = tall ? block / k : k;
+        if (tall) {
+            lacpy('U', n, n, a_, lda_, W(0), ldt);
+            if (n > 1) laset('L', n - 1, n - 1, zero, zero, W(1), ldt);
+            orgqr(m, n, n, a_, lda_, W(tau), W(tau + k), left(tau + k), sub);
+        } else {
+            lacpy('L', m, m, a_, lda_, W(0), ldt);
+            if (m > 1) laset('U', m - 1, m - 1, zero, zero, W(ldt), ldt);
+            orglq(m, n, m, a_, lda_, W(tau), W(tau + k), left(tau + k), sub);
+        }
+        reduce(k, k, W(0), ldt, sc);
+        bidiagonal('U', sc, ub, ldub, vtb, ldvtb, sc.end, info);
         if (info != 0) return true;
-        apply('Q', 'L', m, m, m, l, k, sc.tauq, u_, ldu_, sc.end);
-        apply('P', 'R', m, m, m, l, k, sc.taup, vtblock, ldvtb, sc.end);
+        apply('Q', 'L', k, k, k, W(0), ldt, sc.tauq, ub, ldub, sc.end);
+        apply('P', 'R', k, k, k, W(0), ldt, sc.taup, vtb, ldvtb, sc.end);
         if (job_ == Job::Some) {
-            lacpy('F', m, m, vt_, ldvt_, l, k);
-            Blas<T>::gemm('N', 'N', m, n, m, one, l, k, a_, lda_, zero, vt_, ldvt_);
+            // U = Q times U of R (VT = VT of L times Q), through the block.
+            lacpy('F', k, k, small, ldsmall, W(0), k);
+            if (tall) {
+                Blas<T>::gemm('N', 'N', m, n, n, one, a_, lda_, W(0), k, zero, u_, ldu_);
+            } else {
+                Blas<T>::gemm('N', 'N', m, n, m, one, W(0), k, a_, lda_, zero, vt_, ldvt_);
+            }
             return true;
         }
-        // VT = the vectors of L times Q (in A), a piece of columns at a time through the block.
-        for (zint j = 0; j < n; j += block_cols) {
-            const zint cols = min_of(n - j, block_cols);
-            Blas<T>::gemm('N', 'N', m, cols, m, one, W(0), k, A(0, j), lda_, zero, l, k);
-            lacpy('F', m, cols, l, k, A(0, j), lda_);
+        // "O": the same products a piece of rows (columns) of A at a time through the block.
+        const zint piece = plan_.piece;
+        for (zint j = 0; j < (tall ? m : n); j += piece) {
+            const zint part = min_of((tall ? m : n) - j, piece);
+            if (tall) {
+                Blas<T>::gemm('N', 'N', part, n, n, one, A(j, 0), lda_, small, k, zero, W(0), piece);
+                lacpy('F', part, n, W(0), piece, A(j, 0), lda_);
+            } else {
+                Blas<T>::gemm('N', 'N', m, part, m, one, small, k, A(0, j), lda_, zero, W(0), k);
+                lacpy('F', m, part, W(0), k, A(0, j), lda_);
+            }
         }
         return true;
     }
 
-    bool wide_direct(zint& info) {
+    // The reduction of A itself: B upper bidiagonal for m >= n, lower for m < n. The vectors of the
+    // longer side (U for m >= n, Vᴴ otherwise) start as those of B bordered by the unit matrix.
+    bool direct(zint& info) {
         const zint m = m_, n = n_, k = k_;
+        const bool tall = m >= n;
+        const char uplo = tall ? 'U' : 'L';
         const T zero = zor::zero<T>(), one = zor::one<T>();
         const Scalars<T> sc = scalars_at(work_, 0, k, parts_);
         reduce(m, n, a_, lda_, sc);
-        switch (job_) {
-            case Job::None:
-                bidiagonal('L', sc, nullptr, 1, nullptr, 1, sc.end, info);
-                break;
-            case Job::Some:
-            case Job::All: {
-                const zint vrows = job_ == Job::All ? n : m;
+        if (job_ == Job::None) {
+            bidiagonal(uplo, sc, nullptr, 1, nullptr, 1, sc.end, info);
+            return true;
+        }
+        if (job_ != Job::Overwrite) {
+            const bool all = job_ == Job::All;
+            const zint ucols = tall && all ? m : k, vrows = !tall && all ? n : k;
+            if (tall) {
+                laset('F', m, ucols, zero, zero, u_, ldu_);
+            } else {
                 laset('F', vrows, n, zero, zero, vt_, ldvt_);
-                bidiagonal('L', sc, u_, ldu_, vt_, ldvt_, sc.end, info);
-                if (info != 0) break;
-                if (job_ == Job::All && n > m) laset('F', n - m, n - m, zero, one, vt_ + m + m * ldvt_, ldvt_);
-                apply('Q', 'L', m, m, n, a_, lda_, sc.tauq, u_, ldu_, sc.end);
-                apply('P', 'R', vrows, n, m, a_, lda_, sc.taup, vt_, ldvt_, sc.end);
-                break;
             }
-            case Job::Overwrite: {
-                const zint ivt = sc.end;
-                if (plan_.whole) {
-                    laset('F', m, n, zero, zero, W(ivt), m);
-                    const zint rest = ivt + m * n;
-                    bidiagonal('L', sc, u_, ldu_, W(ivt), m, rest, info);
-                    if (info != 0) break;
-                    apply('Q', 'L', m, m, n, a_, lda_, sc.tauq, u_, ldu_, rest);
-                    apply('P', 'R', m, n, m, a_, lda_, sc.taup, W(ivt), m, rest);
-                    lacpy('F', m, n, W(ivt), m, a_, lda_);
-                    break;
-                }
-                // Pᴴ formed in A and multiplied by the real vectors of B a piece of columns at a time.
-                const zint rest = ivt + (kIsComplex<T> ? 0 : k * k);
-                bidiagonal('L', sc, u_, ldu_, kIsComplex<T> ? nullptr : W(ivt), m, rest, info);
-                if (info != 0) break;
-                const double* vr = real_vectors_vt(W(ivt));
-                apply('Q', 'L', m, m, n, a_, lda_, sc.tauq, u_, ldu_, rest);
-                zint sub = 0;
-                orgbr('P', m, n, m, a_, lda_, sc.taup, W(rest), left(rest), sub);
-                for (zint j = 0; j < n; j += plan_.piece) {
-                    const zint cols = min_of(n - j, plan_.piece);
-                    real_times(m, cols, vr, k, A(0, j), lda_, W(rest), m, parts_.work);
-                    lacpy('F', m, cols, W(rest), m, A(0, j), lda_);
-                }
-                break;
+            bidiagonal(uplo, sc, u_, ldu_, vt_, ldvt_, sc.end, info);
+            if (info != 0) return true;
+            if (all && m != n) {
+                const zint extra = max_of(m, n) - k;
+                T* corner = tall ? u_ + n + n * ldu_ : vt_ + m + m * ldvt_;
+                laset('F', extra, extra, zero, one, corner, tall ? ldu_ : ldvt_);
+            }
+            apply('Q', 'L', m, ucols, n, a_, lda_, sc.tauq, u_, ldu_, sc.end);
+            apply('P', 'R', vrows, n, m, a_, lda_, sc.taup, vt_, ldvt_, sc.end);
+            return true;
+        }
+        // "O": the vectors of the longer side overwrite A.
+        const zint block = sc.end;
+        if (plan_.whole) {
+            // They are formed whole in work (m by n) and copied over A.
+            laset('F', m, n, zero, zero, W(block), m);
+            const zint rest = block + m * n;
+            bidiagonal(uplo, sc, tall ? W(block) : u_, tall ? m : ldu_, tall ? vt_ : W(block), tall ? ldvt_ : m, rest,
+                       info);
+            if (info != 0) return true;
+            apply('Q', 'L', m, tall ? n : m, n, a_, lda_, sc.tauq, tall ? W(block) : u_, tall ? m : ldu_, rest);
+            apply('P', 'R', tall ? n : m, n, m, a_, lda_, sc.taup, tall ? vt_ : W(block), tall ? ldvt_ : m, rest);
+            lacpy('F', m, n, W(block), m, a_, lda_);
+            return true;
+        }
+        // Q (Pᴴ) is formed in A and multiplied by the real vectors of B a piece of rows (columns) at a
+        // time; real data keep those vectors in work (k by k), complex data in rwork.
+        const zint rest = block + (kIsComplex<T> ? 0 : k * k);
+        T* real_block = kIsComplex<T> ? nullptr : W(block);
+        bidiagonal(uplo, sc, tall ? real_block : u_, tall ? k : ldu_, tall ? vt_ : real_block, tall ? ldvt_ : k, rest,
+                   info);
+        if (info != 0) return true;
+        zint sub = 0;
+        if (tall) {
+            apply('P', 'R', n, n, n, a_, lda_, sc.taup, vt_, ldvt_, rest);
+            orgbr('Q', m, n, n, a_, lda_, sc.tauq, W(rest), left(rest), sub);
+        } else {
+            apply('Q', 'L', m, m, n, a_, lda_, sc.tauq, u_, ldu_, rest);
+            orgbr('P', m, n, m, a_, lda_, sc.taup, W(rest), left(rest), sub);
+        }
+        const double* vectors = real_vectors(tall, W(block));
+        const zint piece = plan_.piece;
+        for (zint j = 0; j < (tall ? m : n); j += piece) {
+            const zint part = min_of((tall ? m : n) - j, piece);
+            if (tall) {
+                times_real(part, n, A(j, 0), lda_, vectors, k, W(rest), piece);
+                lacpy('F', part, n, W(rest), piece, A(j, 0), lda_);
+            } else {
+                real_times(m, part, vectors, k, A(0, j), lda_, W(rest), m, parts_.work);
+                lacpy('F', m, part, W(rest), m, A(0, j), lda_);
             }
         }
         return true;
@@ -499,19 +442,12 @@ class Gesdd {
 
     // The "O" paths with a short workspace multiply by the vectors of B in real storage: for complex
     // data rwork's, for real data the block that bdsdc wrote.
-    const double* real_vectors_u(T* block) const {
+    const double* real_vectors(bool tall, T* block) const {
         if constexpr (kIsComplex<T>) {
             (void)block;
-            return parts_.u;
+            return tall ? parts_.u : parts_.vt;
         } else {
-            return block;
-        }
-    }
-    const double* real_vectors_vt(T* block) const {
-        if constexpr (kIsComplex<T>) {
-            (void)block;
-            return parts_.vt;
-        } else {
+            (void)tall;
             return block;
         }
     }
@@ -566,7 +502,7 @@ void gesdd(char jobz, zint m, zint n, T* a, zint lda, double* s, T* u, zint ldu,
     if (lwork == -1 || m == 0 || n == 0) return;
     const zint k = min_of(m, n);
     // Scale A into [smlnum, bignum] when its largest entry lies outside.
-    const double eps = dlamch("P"), smlnum = std::sqrt(dlamch("S")) / eps, bignum = 1.0 / smlnum;
+    const double smlnum = std::sqrt(dlamch("S")) / dlamch("P");
     double dummy[1];
     const double anrm = lange('M', m, n, a, lda, dummy);
     if (std::isnan(anrm)) {
@@ -574,12 +510,7 @@ void gesdd(char jobz, zint m, zint n, T* a, zint lda, double* s, T* u, zint ldu,
         return;
     }
     zint sub = 0;
-    double scaled_to = 0;
-    if (anrm > 0 && anrm < smlnum) {
-        scaled_to = smlnum;
-    } else if (anrm > bignum) {
-        scaled_to = bignum;
-    }
+    const double scaled_to = range_target(anrm, smlnum);
     if (scaled_to != 0) lascl('G', 0, 0, anrm, scaled_to, m, n, a, lda, sub);
     Gesdd<T> call(job_of(jobz), m, n, a, lda, s, u, ldu, vt, ldvt, work, lwork, rwork, iwork, plan);
     if (!call.run(info)) return;
