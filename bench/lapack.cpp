@@ -201,8 +201,8 @@ double measure_svd(const bench::Library& library, const std::string& routine, ch
         return timed_on_copy(
             a, w,
             [&] {
-                f(&m, &n, &nrhs, w.get(), &m, w.get() + mn, &ldb, sv.data(), &rcond, &rank, work.data(), &lwork,
-                  iwork.data(), &info);
+                f(&m, &n, &nrhs, w.get(), &m, w.get() + mn, &ldb, sv.data(), &rcond, &rank, work.data(),
+                  &lwork, iwork.data(), &info);
             },
             long_calls);
     }
@@ -212,7 +212,8 @@ double measure_svd(const bench::Library& library, const std::string& routine, ch
     if (complex) {
         auto* f = library.function<Zgesdd>("zgesdd_");
         if (!f) return -1;
-        std::vector<double> rwork(static_cast<std::size_t>(std::max(5 * k * k + 5 * k, 2 * x * k + 2 * k * k + k)));
+        std::vector<double> rwork(
+            static_cast<std::size_t>(std::max(5 * k * k + 5 * k, 2 * x * k + 2 * k * k + k)));
         double query[2] = {0, 0};
         f(job, &m, &n, w.get(), &m, sv.data(), u.data(), &m, vt.data(), &k, query, &minus_one, rwork.data(),
           iwork.data(), &info, 1);
@@ -229,14 +230,15 @@ double measure_svd(const bench::Library& library, const std::string& routine, ch
     auto* f = library.function<Dgesdd>("dgesdd_");
     if (!f) return -1;
     double query = 0;
-    f(job, &m, &n, w.get(), &m, sv.data(), u.data(), &m, vt.data(), &k, &query, &minus_one, iwork.data(), &info, 1);
+    f(job, &m, &n, w.get(), &m, sv.data(), u.data(), &m, vt.data(), &k, &query, &minus_one, iwork.data(),
+      &info, 1);
     std::vector<double> work(static_cast<std::size_t>(query) + 1);
     const int lwork = static_cast<int>(work.size());
     return timed_on_copy(
         a, w,
         [&] {
-            f(job, &m, &n, w.get(), &m, sv.data(), u.data(), &m, vt.data(), &k, work.data(), &lwork, iwork.data(),
-              &info, 1);
+            f(job, &m, &n, w.get(), &m, sv.data(), u.data(), &m, vt.data(), &k, work.data(), &lwork,
+              iwork.data(), &info, 1);
         },
         long_calls);
 }
@@ -357,17 +359,19 @@ int main(int argc, char** argv) {
         }
     }
     for (const char* routine : kSvd) {
-        for (const auto& [m, n] : {std::pair{500, 500}, std::pair{1000, 1000}, std::pair{2000, 2000},
-                                   std::pair{4000, 500}}) {
-            benchmark.cases.push_back({std::string(routine) + " " + std::to_string(m) + "x" + std::to_string(n),
-                                       svd_flops(routine, m, n)});
+        for (const auto& [m, n] :
+             {std::pair{500, 500}, std::pair{1000, 1000}, std::pair{2000, 2000}, std::pair{4000, 500}}) {
+            benchmark.cases.push_back(
+                {std::string(routine) + " " + std::to_string(m) + "x" + std::to_string(n),
+                 svd_flops(routine, m, n)});
         }
     }
     benchmark.measure = [](const bench::Library& library, const bench::Case& c) {
         const std::string routine = c.name.substr(0, c.name.find(' '));
         if (routine.rfind("dgesdd", 0) == 0 || routine.rfind("zgesdd", 0) == 0 || routine == "dgelsd") {
             const std::size_t x = c.name.find('x', c.name.find(' '));
-            const int m = std::atoi(c.name.c_str() + c.name.find(' ') + 1), n = std::atoi(c.name.c_str() + x + 1);
+            const int m = std::atoi(c.name.c_str() + c.name.find(' ') + 1),
+                      n = std::atoi(c.name.c_str() + x + 1);
             const char jobz = routine.size() > 7 ? routine[7] : 'N';
             return measure_svd(library, routine.substr(0, 6), jobz, m, n);
         }

@@ -14,9 +14,9 @@ using zor::zint;
 namespace {
 
 template <class T>
-void gesdd_export(const char* name, const char* jobz, const zor_int* m, const zor_int* n, T* a, const zor_int* lda,
-                  double* s, T* u, const zor_int* ldu, T* vt, const zor_int* ldvt, T* work, const zor_int* lwork,
-                  double* rwork, zor_int* iwork, zor_int* info) {
+void gesdd_export(const char* name, const char* jobz, const zor_int* m, const zor_int* n, T* a,
+                  const zor_int* lda, double* s, T* u, const zor_int* ldu, T* vt, const zor_int* ldvt,
+                  T* work, const zor_int* lwork, double* rwork, zor_int* iwork, zor_int* info) {
     const zint m_ = widen(m), n_ = widen(n), lda_ = widen(lda), ldu_ = widen(ldu), ldvt_ = widen(ldvt),
                lwork_ = widen(lwork);
     LapackCall call(name, info, zor::check_gesdd<T>(*jobz, m_, n_, lda_, ldu_, ldvt_, lwork_));
@@ -34,23 +34,23 @@ void gesdd_export(const char* name, const char* jobz, const zor_int* m, const zo
 
 extern "C" {
 
-ZOR_API void dgesdd(const char* jobz, const zor_int* m, const zor_int* n, double* a, const zor_int* lda, double* s,
-                    double* u, const zor_int* ldu, double* vt, const zor_int* ldvt, double* work,
+ZOR_API void dgesdd(const char* jobz, const zor_int* m, const zor_int* n, double* a, const zor_int* lda,
+                    double* s, double* u, const zor_int* ldu, double* vt, const zor_int* ldvt, double* work,
                     const zor_int* lwork, zor_int* iwork, zor_int* info, size_t) {
     gesdd_export("DGESDD", jobz, m, n, a, lda, s, u, ldu, vt, ldvt, work, lwork, nullptr, iwork, info);
 }
 
 ZOR_API void zgesdd(const char* jobz, const zor_int* m, const zor_int* n, zor_complex_double* a,
                     const zor_int* lda, double* s, zor_complex_double* u, const zor_int* ldu,
-                    zor_complex_double* vt, const zor_int* ldvt, zor_complex_double* work, const zor_int* lwork,
-                    double* rwork, zor_int* iwork, zor_int* info, size_t) {
+                    zor_complex_double* vt, const zor_int* ldvt, zor_complex_double* work,
+                    const zor_int* lwork, double* rwork, zor_int* iwork, zor_int* info, size_t) {
     gesdd_export("ZGESDD", jobz, m, n, as_complex(a), lda, s, as_complex(u), ldu, as_complex(vt), ldvt,
                  as_complex(work), lwork, rwork, iwork, info);
 }
 
 ZOR_API void dgelsd(const zor_int* m, const zor_int* n, const zor_int* nrhs, double* a, const zor_int* lda,
-                    double* b, const zor_int* ldb, double* s, const double* rcond, zor_int* rank, double* work,
-                    const zor_int* lwork, zor_int* iwork, zor_int* info) {
+                    double* b, const zor_int* ldb, double* s, const double* rcond, zor_int* rank,
+                    double* work, const zor_int* lwork, zor_int* iwork, zor_int* info) {
     const zint m_ = widen(m), n_ = widen(n), nrhs_ = widen(nrhs), lda_ = widen(lda), ldb_ = widen(ldb),
                lwork_ = widen(lwork);
     LapackCall call("DGELSD", info, zor::check_gelsd(m_, n_, nrhs_, lda_, ldb_, lwork_));

@@ -58,7 +58,9 @@ TEST(SvdExports, PublishedLeastWorkspacesAndQueries) {
             const zor_int dleast = j == 'N'   ? 3 * k + std::max(x, 7 * k)
                                    : j == 'O' ? 3 * k + std::max(x, 5 * k * k + 4 * k)
                                               : 4 * k * k + 6 * k + x;
-            const zor_int zleast = j == 'N' ? 2 * k + x : j == 'O' ? 2 * k * k + 2 * k + x : k * k + 2 * k + x;
+            const zor_int zleast = j == 'N'   ? 2 * k + x
+                                   : j == 'O' ? 2 * k * k + 2 * k + x
+                                              : k * k + 2 * k + x;
             std::vector<double> a(static_cast<std::size_t>(m * n)), u(static_cast<std::size_t>(m * m)),
                 vt(static_cast<std::size_t>(n * n)), s(static_cast<std::size_t>(k)), work(1);
             for (std::size_t i = 0; i < a.size(); ++i) a[i] = std::sin(1.0 + static_cast<double>(i));
@@ -70,19 +72,20 @@ TEST(SvdExports, PublishedLeastWorkspacesAndQueries) {
             ASSERT_EQ(info, 0);
             EXPECT_GE(work[0], 1.0);
             work.assign(static_cast<std::size_t>(dleast), 0.0);
-            dgesdd(jobz, &m, &n, a.data(), &m, s.data(), u.data(), &ldu, vt.data(), &ldvt, work.data(), &dleast,
-                   iwork.data(), &info, 1);
+            dgesdd(jobz, &m, &n, a.data(), &m, s.data(), u.data(), &ldu, vt.data(), &ldvt, work.data(),
+                   &dleast, iwork.data(), &info, 1);
             EXPECT_EQ(info, 0) << m << "x" << n << j;
             std::vector<zor_complex_double> za(a.size()), zu(u.size()), zvt(vt.size()), zwork(1);
             for (std::size_t i = 0; i < a.size(); ++i) za[i] = {a[i], -a[i]};
-            std::vector<double> rwork(static_cast<std::size_t>(std::max(5 * k * k + 5 * k, 2 * x * k + 2 * k * k + k)));
-            zgesdd(jobz, &m, &n, nullptr, &m, nullptr, nullptr, &ldu, nullptr, &ldvt, zwork.data(), &minus_one,
-                   nullptr, nullptr, &info, 1);
+            std::vector<double> rwork(
+                static_cast<std::size_t>(std::max(5 * k * k + 5 * k, 2 * x * k + 2 * k * k + k)));
+            zgesdd(jobz, &m, &n, nullptr, &m, nullptr, nullptr, &ldu, nullptr, &ldvt, zwork.data(),
+                   &minus_one, nullptr, nullptr, &info, 1);
             ASSERT_EQ(info, 0);
             EXPECT_GE(zwork[0].real, 1.0);
             zwork.assign(static_cast<std::size_t>(zleast), {0, 0});
-            zgesdd(jobz, &m, &n, za.data(), &m, s.data(), zu.data(), &ldu, zvt.data(), &ldvt, zwork.data(), &zleast,
-                   rwork.data(), iwork.data(), &info, 1);
+            zgesdd(jobz, &m, &n, za.data(), &m, s.data(), zu.data(), &ldu, zvt.data(), &ldvt, zwork.data(),
+                   &zleast, rwork.data(), iwork.data(), &info, 1);
             EXPECT_EQ(info, 0) << m << "x" << n << j;
         }
     }
@@ -163,42 +166,46 @@ const ErrorCase kErrorCases[] = {
     {"DGESDD", 10,
      [] {
          return info_after([](zor_int* i) {
-             dgesdd("A", &kTwo, &kThree, g_a, &kTwo, g_a, g_a, &kTwo, g_a, &kTwo, g_work, &kBig, g_iwork, i, 1);
+             dgesdd("A", &kTwo, &kThree, g_a, &kTwo, g_a, g_a, &kTwo, g_a, &kTwo, g_work, &kBig, g_iwork, i,
+                    1);
          });
      }},
     {"ZGESDD", 8,
      [] {
          return info_after([](zor_int* i) {
-             zgesdd("S", &kThree, &kTwo, g_z, &kThree, g_a, g_z, &kTwo, g_z, &kTwo, g_zwork, &kBig, g_a, g_iwork, i,
-                    1);
+             zgesdd("S", &kThree, &kTwo, g_z, &kThree, g_a, g_z, &kTwo, g_z, &kTwo, g_zwork, &kBig, g_a,
+                    g_iwork, i, 1);
          });
      }},
     {"ZGESDD", 12,
      [] {
          return info_after([](zor_int* i) {
-             zgesdd("A", &kThree, &kTwo, g_z, &kThree, g_a, g_z, &kThree, g_z, &kTwo, g_zwork, &kThree, g_a, g_iwork,
-                    i, 1);
+             zgesdd("A", &kThree, &kTwo, g_z, &kThree, g_a, g_z, &kThree, g_z, &kTwo, g_zwork, &kThree, g_a,
+                    g_iwork, i, 1);
          });
      }},
     {"DGELSD", 3,
      [] {
          return info_after([](zor_int* i) {
              zor_int rank = 0;
-             dgelsd(&kTwo, &kTwo, &kMinus, g_a, &kTwo, g_a, &kTwo, g_a, &g_rcond, &rank, g_work, &kBig, g_iwork, i);
+             dgelsd(&kTwo, &kTwo, &kMinus, g_a, &kTwo, g_a, &kTwo, g_a, &g_rcond, &rank, g_work, &kBig,
+                    g_iwork, i);
          });
      }},
     {"DGELSD", 7,
      [] {
          return info_after([](zor_int* i) {
              zor_int rank = 0;
-             dgelsd(&kTwo, &kThree, &kOne, g_a, &kTwo, g_a, &kTwo, g_a, &g_rcond, &rank, g_work, &kBig, g_iwork, i);
+             dgelsd(&kTwo, &kThree, &kOne, g_a, &kTwo, g_a, &kTwo, g_a, &g_rcond, &rank, g_work, &kBig,
+                    g_iwork, i);
          });
      }},
     {"DGELSD", 12,
      [] {
          return info_after([](zor_int* i) {
              zor_int rank = 0;
-             dgelsd(&kTwo, &kTwo, &kOne, g_a, &kTwo, g_a, &kTwo, g_a, &g_rcond, &rank, g_work, &kThree, g_iwork, i);
+             dgelsd(&kTwo, &kTwo, &kOne, g_a, &kTwo, g_a, &kTwo, g_a, &g_rcond, &rank, g_work, &kThree,
+                    g_iwork, i);
          });
      }},
 };
@@ -211,13 +218,12 @@ TEST_P(SvdExportErrors, APrintedMessageAndTheParameterInInfo) {
     const zor_int info = c.call();
     const std::string printed = ::testing::internal::GetCapturedStdout();
     EXPECT_EQ(info, -c.parameter);
-    EXPECT_EQ(printed, "\nZOR ERROR: Parameter " + std::to_string(c.parameter) + " was incorrect on entry to " +
-                           c.name + "\n");
+    EXPECT_EQ(printed, "\nZOR ERROR: Parameter " + std::to_string(c.parameter) +
+                           " was incorrect on entry to " + c.name + "\n");
 }
 
-INSTANTIATE_TEST_SUITE_P(Exports, SvdExportErrors, ::testing::ValuesIn(kErrorCases),
-                         [](const auto& info) {
-                             return std::string(info.param.name) + "_" + std::to_string(info.param.parameter);
-                         });
+INSTANTIATE_TEST_SUITE_P(Exports, SvdExportErrors, ::testing::ValuesIn(kErrorCases), [](const auto& info) {
+    return std::string(info.param.name) + "_" + std::to_string(info.param.parameter);
+});
 
 }  // namespace

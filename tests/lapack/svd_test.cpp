@@ -75,7 +75,8 @@ Mat<T> product(const Mat<T>& a, char ta, const Mat<T>& b, char tb) {
     const zint m = ta == 'N' ? a.rows : a.cols, k = ta == 'N' ? a.cols : a.rows;
     const zint n = tb == 'N' ? b.cols : b.rows;
     Mat<T> c(m, n);
-    Blas<T>::gemm(ta, tb, m, n, k, zor::one<T>(), a.data(), a.ld, b.data(), b.ld, zor::zero<T>(), c.data(), c.ld);
+    Blas<T>::gemm(ta, tb, m, n, k, zor::one<T>(), a.data(), a.ld, b.data(), b.ld, zor::zero<T>(), c.data(),
+                  c.ld);
     return c;
 }
 
@@ -105,7 +106,6 @@ Mat<T> leading(const Mat<T>& a, zint m, zint n) {
     }
     return b;
 }
-
 
 // ---- bidiagonal reduction -----------------------------------------------------------------------
 
@@ -175,7 +175,8 @@ void check_reduction(Shape s) {
             const zint lwork = variant == 0 ? std::max<zint>(m, n) : optimal;
             EXPECT_GE(optimal, std::max<zint>(m, n));
             work.assign(static_cast<std::size_t>(lwork), zor::zero<T>());
-            gebrd(m, n, f.data(), f.ld, d.data(), e.data(), tauq.data(), taup.data(), work.data(), lwork, info);
+            gebrd(m, n, f.data(), f.ld, d.data(), e.data(), tauq.data(), taup.data(), work.data(), lwork,
+                  info);
         }
         ASSERT_EQ(info, 0);
         const Reduction<T> r = explicit_factors(f, d, e, tauq, taup);
@@ -193,15 +194,18 @@ void check_reduction(Shape s) {
             const zint order = x.rows;
             for (const char side : {'L', 'R'}) {
                 for (const char trans : {'N', adjoint<T>}) {
-                    const Mat<T> c = side == 'L' ? random_mat<T>(random, order, 3) : random_mat<T>(random, 3, order);
+                    const Mat<T> c =
+                        side == 'L' ? random_mat<T>(random, order, 3) : random_mat<T>(random, 3, order);
                     Mat<T> out = c;
                     // Q for "Q", P for "P": the explicit P is the adjoint of the formed Pᴴ.
                     const char op = vect == 'Q' ? trans : (trans == 'N' ? adjoint<T> : 'N');
                     const Mat<T> expected = side == 'L' ? product(x, op, c, 'N') : product(c, 'N', x, op);
                     ormbr(vect, side, trans, out.rows, out.cols, vect == 'Q' ? n : m, f.data(), f.ld,
-                          vect == 'Q' ? tauq.data() : taup.data(), out.data(), out.ld, mwork.data(), lw, info);
+                          vect == 'Q' ? tauq.data() : taup.data(), out.data(), out.ld, mwork.data(), lw,
+                          info);
                     ASSERT_EQ(info, 0);
-                    EXPECT_LT(norm1(difference(expected, out)) / (order * norm1(c) * epsilon()), kResidualThreshold)
+                    EXPECT_LT(norm1(difference(expected, out)) / (order * norm1(c) * epsilon()),
+                              kResidualThreshold)
                         << vect << side << trans;
                 }
             }
@@ -231,13 +235,20 @@ enum class Family { Random, Zero, RankOne, Repeated, Graded, Tiny, Huge };
 
 const char* family_name(Family f) {
     switch (f) {
-        case Family::Random: return "random";
-        case Family::Zero: return "zero";
-        case Family::RankOne: return "rank_one";
-        case Family::Repeated: return "repeated";
-        case Family::Graded: return "graded";
-        case Family::Tiny: return "tiny";
-        case Family::Huge: return "huge";
+        case Family::Random:
+            return "random";
+        case Family::Zero:
+            return "zero";
+        case Family::RankOne:
+            return "rank_one";
+        case Family::Repeated:
+            return "repeated";
+        case Family::Graded:
+            return "graded";
+        case Family::Tiny:
+            return "tiny";
+        case Family::Huge:
+            return "huge";
     }
     return "";
 }
@@ -246,7 +257,8 @@ const char* family_name(Family f) {
 template <class T>
 Mat<T> orthonormal(Random& random, zint m, zint n) {
     Mat<T> q = random_mat<T>(random, m, n);
-    std::vector<T> tau(static_cast<std::size_t>(std::max<zint>(n, 1))), work(static_cast<std::size_t>(64 * std::max<zint>(n, 1)));
+    std::vector<T> tau(static_cast<std::size_t>(std::max<zint>(n, 1))),
+        work(static_cast<std::size_t>(64 * std::max<zint>(n, 1)));
     zint info = 0;
     geqrf(m, n, q.data(), q.ld, tau.data(), work.data(), static_cast<zint>(work.size()), info);
     orgqr(m, n, n, q.data(), q.ld, tau.data(), work.data(), static_cast<zint>(work.size()), info);
@@ -290,7 +302,8 @@ Mat<T> family_matrix(Family family, zint m, zint n, std::vector<double>& values)
             for (T& v : x) nx += abs_squared(v = random_element<T>(random));
             for (T& v : y) ny += abs_squared(v = random_element<T>(random));
             for (zint j = 0; j < n; ++j) {
-                for (zint i = 0; i < m; ++i) a(i, j) = x[static_cast<std::size_t>(i)] * zor::conj(y[static_cast<std::size_t>(j)]);
+                for (zint i = 0; i < m; ++i)
+                    a(i, j) = x[static_cast<std::size_t>(i)] * zor::conj(y[static_cast<std::size_t>(j)]);
             }
             values.assign(static_cast<std::size_t>(k), 0.0);
             values[0] = std::sqrt(nx * ny);
@@ -301,7 +314,8 @@ Mat<T> family_matrix(Family family, zint m, zint n, std::vector<double>& values)
             for (zint i = 0; i < k; ++i) values.push_back(i < k / 3 ? 2.0 : i < 2 * k / 3 ? 1.0 : 0.5);
             return with_values<T>(random, m, n, values);
         case Family::Graded:
-            for (zint i = 0; i < k; ++i) values.push_back(std::pow(10.0, -12.0 * i / std::max<zint>(1, k - 1)));
+            for (zint i = 0; i < k; ++i)
+                values.push_back(std::pow(10.0, -12.0 * i / std::max<zint>(1, k - 1)));
             return with_values<T>(random, m, n, values);
     }
     return Mat<T>(m, n);
@@ -338,22 +352,23 @@ void check_gesdd(const SvdCase& c) {
     constexpr zint kTail = 8;
     std::vector<T> work(static_cast<std::size_t>(lwork + kTail), from_real<T>(kPoison));
     const zint mx = std::max(m, n);
-    const std::size_t lrwork =
-        static_cast<std::size_t>(std::max<zint>(1, jobz == 'N' ? 5 * k : std::max(5 * k * k + 5 * k, 2 * mx * k + 2 * k * k + k)));
+    const std::size_t lrwork = static_cast<std::size_t>(
+        std::max<zint>(1, jobz == 'N' ? 5 * k : std::max(5 * k * k + 5 * k, 2 * mx * k + 2 * k * k + k)));
     std::vector<double> rwork(lrwork + kTail, kPoison);
     std::vector<zint> iwork(static_cast<std::size_t>(std::max<zint>(1, 8 * k)));
     std::vector<double> s(static_cast<std::size_t>(std::max<zint>(k, 1)));
     zint info = 0;
     std::vector<T> query(1);
-    gesdd(jobz, m, n, f.data(), f.ld, s.data(), u.data(), u.ld, vt.data(), vt.ld, query.data(), -1, rwork.data(),
-          iwork.data(), info);
+    gesdd(jobz, m, n, f.data(), f.ld, s.data(), u.data(), u.ld, vt.data(), vt.ld, query.data(), -1,
+          rwork.data(), iwork.data(), info);
     ASSERT_EQ(info, 0);
     EXPECT_EQ(static_cast<zint>(zor::real(query[0])), sizes.optimal);
-    gesdd(jobz, m, n, f.data(), f.ld, s.data(), u.data(), u.ld, vt.data(), vt.ld, work.data(), lwork, rwork.data(),
-          iwork.data(), info);
+    gesdd(jobz, m, n, f.data(), f.ld, s.data(), u.data(), u.ld, vt.data(), vt.ld, work.data(), lwork,
+          rwork.data(), iwork.data(), info);
     ASSERT_EQ(info, 0);
     for (zint i = 0; i < kTail; ++i) {
-        EXPECT_TRUE(std::isnan(zor::real(work[static_cast<std::size_t>(lwork + i)]))) << "work written past lwork";
+        EXPECT_TRUE(std::isnan(zor::real(work[static_cast<std::size_t>(lwork + i)])))
+            << "work written past lwork";
         if (kIsComplex<T>) {
             EXPECT_TRUE(std::isnan(rwork[lrwork + static_cast<std::size_t>(i)])) << "rwork overrun";
         }
@@ -369,7 +384,8 @@ void check_gesdd(const SvdCase& c) {
     const double smax = k > 0 ? s[0] : 0.0;
     const double tolerance = kResidualThreshold * std::max<zint>(mx, 1) * epsilon();
     for (std::size_t i = 0; i < prescribed.size(); ++i)
-        EXPECT_LE(std::fabs(s[i] - prescribed[i]), tolerance * std::max(smax, prescribed[0])) << "value " << i;
+        EXPECT_LE(std::fabs(s[i] - prescribed[i]), tolerance * std::max(smax, prescribed[0]))
+            << "value " << i;
     if (jobz != 'N') {
         // The values without vectors agree with these.
         Mat<T> g(m, n);
@@ -380,11 +396,12 @@ void check_gesdd(const SvdCase& c) {
         std::vector<T> w2(static_cast<std::size_t>(values_only.minimal));
         std::vector<double> s2(s.size());
         T dummy[1];
-        gesdd('N', m, n, g.data(), g.ld, s2.data(), dummy, 1, dummy, 1, w2.data(), values_only.minimal, rwork.data(),
-              iwork.data(), info);
+        gesdd('N', m, n, g.data(), g.ld, s2.data(), dummy, 1, dummy, 1, w2.data(), values_only.minimal,
+              rwork.data(), iwork.data(), info);
         ASSERT_EQ(info, 0);
         for (zint i = 0; i < k; ++i)
-            EXPECT_LE(std::fabs(s[static_cast<std::size_t>(i)] - s2[static_cast<std::size_t>(i)]), tolerance * smax);
+            EXPECT_LE(std::fabs(s[static_cast<std::size_t>(i)] - s2[static_cast<std::size_t>(i)]),
+                      tolerance * smax);
         // A = U Σ Vᴴ with the vectors from where jobz puts them.
         const Mat<T> uu = u_in_a ? leading(f, m, k) : leading(u, m, ucols);
         const Mat<T> vv = vt_in_a ? leading(f, k, n) : leading(vt, vrows, n);
@@ -420,7 +437,7 @@ TEST_P(Gesdd, Complex) {
 // Shapes around the crossover (query 6 answers 1.6 min(m, n): 25 for 16 columns, so 24 x 16 is
 // reduced directly and 27 x 16 after a QR factorization), square ones, a single row or column, and
 // orders above the leaf size 25 of the divide-and-conquer tree.
-const Shape kSvdShapes[] = {{1, 1},  {1, 6},  {6, 1},   {2, 3},   {3, 2},   {10, 10}, {24, 16},
+const Shape kSvdShapes[] = {{1, 1},   {1, 6},   {6, 1},   {2, 3},   {3, 2},    {10, 10},  {24, 16},
                             {27, 16}, {16, 24}, {16, 27}, {60, 60}, {130, 40}, {40, 130}, {70, 50}};
 
 std::vector<SvdCase> random_cases() {
@@ -435,7 +452,8 @@ std::vector<SvdCase> random_cases() {
 
 std::vector<SvdCase> family_cases() {
     std::vector<SvdCase> cases;
-    for (const Family f : {Family::Zero, Family::RankOne, Family::Repeated, Family::Graded, Family::Tiny, Family::Huge}) {
+    for (const Family f :
+         {Family::Zero, Family::RankOne, Family::Repeated, Family::Graded, Family::Tiny, Family::Huge}) {
         for (const Shape s : {Shape{1, 5}, Shape{30, 30}, Shape{50, 20}, Shape{20, 50}}) {
             for (const char jobz : {'N', 'O', 'S', 'A'}) cases.push_back({s, jobz, jobz == 'O', f});
         }
@@ -466,18 +484,22 @@ TEST(GesddScaling, ValuesScaleWithTheMatrix) {
         double dummy[1];
         zint info = 0;
         const zint lw = static_cast<zint>(work.size());
-        gesdd('N', 40, 30, b.data(), 40, s1.data(), dummy, 1, dummy, 1, work.data(), lw, dummy, iwork.data(), info);
-        gesdd('N', 40, 30, c.data(), 40, s2.data(), dummy, 1, dummy, 1, work.data(), lw, dummy, iwork.data(), info);
+        gesdd('N', 40, 30, b.data(), 40, s1.data(), dummy, 1, dummy, 1, work.data(), lw, dummy, iwork.data(),
+              info);
+        gesdd('N', 40, 30, c.data(), 40, s2.data(), dummy, 1, dummy, 1, work.data(), lw, dummy, iwork.data(),
+              info);
         ASSERT_EQ(info, 0);
         // Subnormal entries have lost bits of their own: compare to that accuracy.
         const double tolerance = scale < 0x1p-1022 ? 1e-3 : 1e-13;
-        for (int i = 0; i < 30; ++i) EXPECT_NEAR(s2[i] / scale, s1[i], tolerance * s1[0]) << scale << " " << i;
+        for (int i = 0; i < 30; ++i)
+            EXPECT_NEAR(s2[i] / scale, s1[i], tolerance * s1[0]) << scale << " " << i;
     }
 }
 
 // A NaN in A is reported as info -4 at once, with no message; an infinite entry does not hang.
 TEST(GesddNonFinite, NanReturnsMinusFourInfinityFinishes) {
-    for (const double bad : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
+    for (const double bad :
+         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
         Mat<zcomplex> a(20, 12);
         Random random(5);
         for (zcomplex& x : a.v) x = random.complex();
@@ -489,8 +511,8 @@ TEST(GesddNonFinite, NanReturnsMinusFourInfinityFinishes) {
         std::vector<zcomplex> work(static_cast<std::size_t>(lwork));
         zint info = 0;
         ::testing::internal::CaptureStdout();
-        gesdd('A', 20, 12, a.data(), 20, s.data(), u.data(), 20, vt.data(), 12, work.data(), lwork, rwork.data(),
-              iwork.data(), info);
+        gesdd('A', 20, 12, a.data(), 20, s.data(), u.data(), 20, vt.data(), 12, work.data(), lwork,
+              rwork.data(), iwork.data(), info);
         EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
         if (std::isnan(bad)) {
             EXPECT_EQ(info, -4);
@@ -512,8 +534,9 @@ struct LsCase {
 
 std::string ls_name(const ::testing::TestParamInfo<LsCase>& info) {
     const LsCase& c = info.param;
-    return std::to_string(c.shape.m) + "x" + std::to_string(c.shape.n) + "_rhs" + std::to_string(c.nrhs) + "_rank" +
-           std::to_string(c.rank) + (c.rcond < 0 ? "_eps" : "") + (c.minimal ? "_least" : "_optimal");
+    return std::to_string(c.shape.m) + "x" + std::to_string(c.shape.n) + "_rhs" + std::to_string(c.nrhs) +
+           "_rank" + std::to_string(c.rank) + (c.rcond < 0 ? "_eps" : "") +
+           (c.minimal ? "_least" : "_optimal");
 }
 
 // The minimum-norm solution through the SVD from gesdd: X = V Σ⁺ Uᴴ B over the values above
@@ -544,7 +567,8 @@ void check_gelsd(const LsCase& c) {
     Random random(static_cast<std::uint64_t>(31 * m + n + nrhs));
     // Values 1 .. 1e-3 for the first `rank`, 1e-13 times smaller after them.
     std::vector<double> values;
-    for (zint i = 0; i < k; ++i) values.push_back(i < c.rank ? std::pow(10.0, -3.0 * i / std::max<zint>(1, c.rank)) : 1e-16);
+    for (zint i = 0; i < k; ++i)
+        values.push_back(i < c.rank ? std::pow(10.0, -3.0 * i / std::max<zint>(1, c.rank)) : 1e-16);
     const Mat<double> a = with_values<double>(random, m, n, values);
     const zint ldb = std::max(m, n) + 1;
     Mat<double> b0 = random_mat<double>(random, m, nrhs);
@@ -558,7 +582,8 @@ void check_gelsd(const LsCase& c) {
     std::vector<double> work(static_cast<std::size_t>(lwork) + 4, kPoison), s(static_cast<std::size_t>(k));
     std::vector<zint> iwork(static_cast<std::size_t>(gelsd_iwork_size(m, n)));
     zint rank = -1, info = 0;
-    gelsd(m, n, nrhs, f.data(), f.ld, b.data(), b.ld, s.data(), c.rcond, rank, work.data(), lwork, iwork.data(), info);
+    gelsd(m, n, nrhs, f.data(), f.ld, b.data(), b.ld, s.data(), c.rcond, rank, work.data(), lwork,
+          iwork.data(), info);
     ASSERT_EQ(info, 0);
     EXPECT_EQ(iwork[0], gelsd_iwork_size(m, n));
     for (int i = 0; i < 4; ++i) EXPECT_TRUE(std::isnan(work[static_cast<std::size_t>(lwork + i)]));
@@ -566,18 +591,21 @@ void check_gelsd(const LsCase& c) {
     const Mat<double> x = svd_solution(a, b0, c.rcond, expected_rank);
     EXPECT_EQ(rank, expected_rank);
     EXPECT_EQ(rank, c.rcond < 0 ? k : c.rank);
-    for (zint i = 0; i < k; ++i) EXPECT_NEAR(s[static_cast<std::size_t>(i)], values[static_cast<std::size_t>(i)], 1e-13);
+    for (zint i = 0; i < k; ++i)
+        EXPECT_NEAR(s[static_cast<std::size_t>(i)], values[static_cast<std::size_t>(i)], 1e-13);
     // The solutions agree to the conditioning of the kept part (σ₁ / σ_rank ≤ 1e3, or 1e16 when
     // every value is kept, where only the residual's orthogonality to the range is compared).
     const Mat<double> xl = leading(b, n, nrhs);
     if (c.rcond >= 0) {
-        EXPECT_LT(norm1(difference(x, xl)) / (norm1(x) * 1e3 * std::max(m, n) * epsilon()), kResidualThreshold);
+        EXPECT_LT(norm1(difference(x, xl)) / (norm1(x) * 1e3 * std::max(m, n) * epsilon()),
+                  kResidualThreshold);
     }
     // Aᵀ (A X - B) = 0 over the kept part: the normal equations' residual.
     const Mat<double> r = difference(product(a, 'N', xl, 'N'), b0);
     const Mat<double> atr = product(a, 'T', r, 'N');
-    EXPECT_LT(norm1(atr) / (norm1(a) * norm1(a) * std::max(norm1(xl), 1.0) * std::max(m, n) * epsilon() * 1e3),
-              kResidualThreshold);
+    EXPECT_LT(
+        norm1(atr) / (norm1(a) * norm1(a) * std::max(norm1(xl), 1.0) * std::max(m, n) * epsilon() * 1e3),
+        kResidualThreshold);
 }
 
 class Gelsd : public ::testing::TestWithParam<LsCase> {};
@@ -605,14 +633,15 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(GelsdRank, DecidedByRcond) {
     Random random(9);
     const Mat<double> a = with_values<double>(random, 6, 3, {1.0, 1e-5, 1e-9});
-    for (const auto& [rcond, expected] : {std::pair{1e-7, 2}, std::pair{1e-3, 1}, std::pair{-1.0, 3}, std::pair{0.99, 1}}) {
+    for (const auto& [rcond, expected] :
+         {std::pair{1e-7, 2}, std::pair{1e-3, 1}, std::pair{-1.0, 3}, std::pair{0.99, 1}}) {
         Mat<double> f = a, b(6, 1);
         for (zint i = 0; i < 6; ++i) b(i, 0) = 1.0;
         std::vector<double> s(3), work(static_cast<std::size_t>(gelsd_work_sizes(6, 3, 1).optimal));
         std::vector<zint> iwork(static_cast<std::size_t>(gelsd_iwork_size(6, 3)));
         zint rank = 0, info = 0;
-        gelsd(6, 3, 1, f.data(), 6, b.data(), 6, s.data(), rcond, rank, work.data(), static_cast<zint>(work.size()),
-              iwork.data(), info);
+        gelsd(6, 3, 1, f.data(), 6, b.data(), 6, s.data(), rcond, rank, work.data(),
+              static_cast<zint>(work.size()), iwork.data(), info);
         ASSERT_EQ(info, 0);
         EXPECT_EQ(rank, expected) << rcond;
     }
@@ -621,8 +650,8 @@ TEST(GelsdRank, DecidedByRcond) {
     std::vector<double> s(3, 7.0), work(static_cast<std::size_t>(gelsd_work_sizes(4, 3, 2).optimal));
     std::vector<zint> iwork(static_cast<std::size_t>(gelsd_iwork_size(4, 3)));
     zint rank = 9, info = 0;
-    gelsd(4, 3, 2, zero.data(), 4, b.data(), 4, s.data(), -1.0, rank, work.data(), static_cast<zint>(work.size()),
-          iwork.data(), info);
+    gelsd(4, 3, 2, zero.data(), 4, b.data(), 4, s.data(), -1.0, rank, work.data(),
+          static_cast<zint>(work.size()), iwork.data(), info);
     EXPECT_EQ(info, 0);
     EXPECT_EQ(rank, 0);
     for (int i = 0; i < 3; ++i) EXPECT_EQ(s[static_cast<std::size_t>(i)], 0.0);
@@ -631,15 +660,16 @@ TEST(GelsdRank, DecidedByRcond) {
 
 // NaN or infinity in A: the bidiagonal solver reports failure (info > 0) without hanging.
 TEST(GelsdNonFinite, ReportsFailure) {
-    for (const double bad : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
+    for (const double bad :
+         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
         Random random(3);
         Mat<double> a = random_mat<double>(random, 50, 40), b = random_mat<double>(random, 50, 2);
         a(7, 9) = bad;
         std::vector<double> s(40), work(static_cast<std::size_t>(gelsd_work_sizes(50, 40, 2).optimal));
         std::vector<zint> iwork(static_cast<std::size_t>(gelsd_iwork_size(50, 40)));
         zint rank = 0, info = 0;
-        gelsd(50, 40, 2, a.data(), 50, b.data(), 50, s.data(), -1.0, rank, work.data(), static_cast<zint>(work.size()),
-              iwork.data(), info);
+        gelsd(50, 40, 2, a.data(), 50, b.data(), 50, s.data(), -1.0, rank, work.data(),
+              static_cast<zint>(work.size()), iwork.data(), info);
         EXPECT_GT(info, 0) << bad;
     }
 }
@@ -679,6 +709,13 @@ zcomplex g_z[64];
 double g_d[64];
 zint g_iwork[64];
 
+// gelsd's info for the dimensions given (its arrays the globals above).
+zint gelsd_info(zint m, zint n, zint nrhs, zint lda, zint ldb, zint lwork) {
+    zint rank = 0, info = 0;
+    gelsd(m, n, nrhs, g_a, lda, g_a, ldb, g_d, -1, rank, g_a, lwork, g_iwork, info);
+    return info;
+}
+
 const ArgumentCase kSvdArgumentCases[] = {
     {"DGEBD2", -1, [] { return info_of(gebd2<double>, -1, 2, g_a, 1, g_d, g_d, g_a, g_a, g_a); }},
     {"ZGEBD2", -2, [] { return info_of(gebd2<zcomplex>, 2, -1, g_z, 2, g_d, g_d, g_z, g_z, g_z); }},
@@ -695,17 +732,27 @@ const ArgumentCase kSvdArgumentCases[] = {
     {"DORGBR", -4, [] { return info_of(orgbr<double>, 'P', 2, 3, -1, g_a, 2, g_a, g_a, 4); }},
     {"DORGBR", -6, [] { return info_of(orgbr<double>, 'Q', 3, 2, 2, g_a, 2, g_a, g_a, 4); }},
     {"ZUNGBR", -9, [] { return info_of(orgbr<zcomplex>, 'Q', 3, 3, 3, g_z, 3, g_z, g_z, 2); }},
-    {"DORMBR", -1, [] { return info_of(ormbr<double>, 'X', 'L', 'N', 2, 2, 2, g_a, 2, g_a, g_a, 2, g_a, 4); }},
-    {"DORMBR", -2, [] { return info_of(ormbr<double>, 'Q', 'X', 'N', 2, 2, 2, g_a, 2, g_a, g_a, 2, g_a, 4); }},
-    {"ZUNMBR", -3, [] { return info_of(ormbr<zcomplex>, 'Q', 'L', 'T', 2, 2, 2, g_z, 2, g_z, g_z, 2, g_z, 4); }},
-    {"DORMBR", -4, [] { return info_of(ormbr<double>, 'Q', 'L', 'T', -1, 2, 2, g_a, 2, g_a, g_a, 2, g_a, 4); }},
-    {"DORMBR", -5, [] { return info_of(ormbr<double>, 'P', 'R', 'N', 2, -1, 2, g_a, 2, g_a, g_a, 2, g_a, 4); }},
-    {"DORMBR", -6, [] { return info_of(ormbr<double>, 'P', 'R', 'N', 2, 2, -1, g_a, 2, g_a, g_a, 2, g_a, 4); }},
-    {"DORMBR", -8, [] { return info_of(ormbr<double>, 'Q', 'L', 'N', 3, 2, 2, g_a, 2, g_a, g_a, 3, g_a, 4); }},
-    {"DORMBR", -8, [] { return info_of(ormbr<double>, 'P', 'R', 'N', 2, 4, 3, g_a, 2, g_a, g_a, 2, g_a, 4); }},
+    {"DORMBR", -1,
+     [] { return info_of(ormbr<double>, 'X', 'L', 'N', 2, 2, 2, g_a, 2, g_a, g_a, 2, g_a, 4); }},
+    {"DORMBR", -2,
+     [] { return info_of(ormbr<double>, 'Q', 'X', 'N', 2, 2, 2, g_a, 2, g_a, g_a, 2, g_a, 4); }},
+    {"ZUNMBR", -3,
+     [] { return info_of(ormbr<zcomplex>, 'Q', 'L', 'T', 2, 2, 2, g_z, 2, g_z, g_z, 2, g_z, 4); }},
+    {"DORMBR", -4,
+     [] { return info_of(ormbr<double>, 'Q', 'L', 'T', -1, 2, 2, g_a, 2, g_a, g_a, 2, g_a, 4); }},
+    {"DORMBR", -5,
+     [] { return info_of(ormbr<double>, 'P', 'R', 'N', 2, -1, 2, g_a, 2, g_a, g_a, 2, g_a, 4); }},
+    {"DORMBR", -6,
+     [] { return info_of(ormbr<double>, 'P', 'R', 'N', 2, 2, -1, g_a, 2, g_a, g_a, 2, g_a, 4); }},
+    {"DORMBR", -8,
+     [] { return info_of(ormbr<double>, 'Q', 'L', 'N', 3, 2, 2, g_a, 2, g_a, g_a, 3, g_a, 4); }},
+    {"DORMBR", -8,
+     [] { return info_of(ormbr<double>, 'P', 'R', 'N', 2, 4, 3, g_a, 2, g_a, g_a, 2, g_a, 4); }},
     {"DORMBR", 0, [] { return info_of(ormbr<double>, 'P', 'R', 'N', 2, 4, 1, g_a, 1, g_a, g_a, 2, g_a, 4); }},
-    {"DORMBR", -11, [] { return info_of(ormbr<double>, 'Q', 'L', 'N', 3, 2, 2, g_a, 3, g_a, g_a, 2, g_a, 4); }},
-    {"ZUNMBR", -13, [] { return info_of(ormbr<zcomplex>, 'Q', 'R', 'C', 3, 2, 2, g_z, 3, g_z, g_z, 3, g_z, 2); }},
+    {"DORMBR", -11,
+     [] { return info_of(ormbr<double>, 'Q', 'L', 'N', 3, 2, 2, g_a, 3, g_a, g_a, 2, g_a, 4); }},
+    {"ZUNMBR", -13,
+     [] { return info_of(ormbr<zcomplex>, 'Q', 'R', 'C', 3, 2, 2, g_z, 3, g_z, g_z, 3, g_z, 2); }},
     {"DGESDD", -1,
      [] { return info_of(gesdd<double>, 'X', 2, 2, g_a, 2, g_d, g_a, 2, g_a, 2, g_a, 64, g_d, g_iwork); }},
     {"DGESDD", -2,
@@ -734,32 +781,13 @@ const ArgumentCase kSvdArgumentCases[] = {
      [] { return info_of(gesdd<zcomplex>, 'A', 4, 3, g_z, 4, g_d, g_z, 4, g_z, 3, g_z, 5, g_d, g_iwork); }},
     {"DGESDD", 0,
      [] { return info_of(gesdd<double>, 'A', 0, 3, g_a, 1, g_d, g_a, 1, g_a, 3, g_a, 1, g_d, g_iwork); }},
-    {"DGELSD", -1, [] {
-         zint rank = 0;
-         zint info = 0;
-         gelsd(-1, 2, 1, g_a, 1, g_a, 2, g_d, -1, rank, g_a, 64, g_iwork, info);
-         return info;
-     }},
-    {"DGELSD", -3, [] {
-         zint rank = 0, info = 0;
-         gelsd(2, 2, -1, g_a, 2, g_a, 2, g_d, -1, rank, g_a, 64, g_iwork, info);
-         return info;
-     }},
-    {"DGELSD", -5, [] {
-         zint rank = 0, info = 0;
-         gelsd(3, 2, 1, g_a, 2, g_a, 3, g_d, -1, rank, g_a, 64, g_iwork, info);
-         return info;
-     }},
-    {"DGELSD", -7, [] {
-         zint rank = 0, info = 0;
-         gelsd(2, 3, 1, g_a, 2, g_a, 2, g_d, -1, rank, g_a, 64, g_iwork, info);
-         return info;
-     }},
-    {"DGELSD", -12, [] {
-         zint rank = 0, info = 0;
-         gelsd(3, 2, 1, g_a, 3, g_a, 3, g_d, -1, rank, g_a, 2, g_iwork, info);
-         return info;
-     }},
+    {"DGELSD", -1, [] { return gelsd_info(-1, 2, 1, 1, 2, 64); }},
+    {"DGELSD", -2, [] { return gelsd_info(2, -1, 1, 2, 2, 64); }},
+    {"DGELSD", -3, [] { return gelsd_info(2, 2, -1, 2, 2, 64); }},
+    {"DGELSD", -5, [] { return gelsd_info(3, 2, 1, 2, 3, 64); }},
+    {"DGELSD", -7, [] { return gelsd_info(2, 3, 1, 2, 2, 64); }},
+    {"DGELSD", -12, [] { return gelsd_info(3, 2, 1, 3, 3, 2); }},
+    {"DGELSD", 0, [] { return gelsd_info(3, 2, 1, 3, 3, -1); }},
 };
 
 INSTANTIATE_TEST_SUITE_P(SvdArguments, ArgumentChecks, ::testing::ValuesIn(kSvdArgumentCases));

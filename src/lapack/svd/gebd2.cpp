@@ -9,7 +9,8 @@ namespace zor {
 
 template <class T>
 void gebd2(zint m, zint n, T* a, zint lda, double* d, double* e, T* tauq, T* taup, T* work, zint& info) {
-    info = check_arguments(routine_name<T>("DGEBD2", "ZGEBD2"), {{m < 0, 1}, {n < 0, 2}, {lda < max_of(1, m), 4}});
+    info = check_arguments(routine_name<T>("DGEBD2", "ZGEBD2"),
+                           {{m < 0, 1}, {n < 0, 2}, {lda < max_of(1, m), 4}});
     if (info != 0) return;
     const auto A = [&](zint i, zint j) -> T* { return a + i + j * lda; };
     if (m >= n) {

@@ -44,10 +44,9 @@ void gebrd(zint m, zint n, T* a, zint lda, double* d, double* e, T* tauq, T* tau
            zint& info) {
     const char* name = routine_name<T>("DGEBRD", "ZGEBRD");
     const bool query = lwork == -1;
-    info = check_arguments(name, {{m < 0, 1},
-                                  {n < 0, 2},
-                                  {lda < max_of(1, m), 4},
-                                  {lwork < max_of(1, max_of(m, n)) && !query, 10}});
+    info = check_arguments(
+        name,
+        {{m < 0, 1}, {n < 0, 2}, {lda < max_of(1, m), 4}, {lwork < max_of(1, max_of(m, n)) && !query, 10}});
     if (info != 0) return;
     const BrdBlocking plan = plan_gebrd(name, m, n, lwork);
     work[0] = from_real<T>(static_cast<double>(plan.optimal));

@@ -40,8 +40,8 @@ GelsdPlan plan_gelsd(zint m, zint n, zint nrhs, zint lda, zint lwork) {
         return static_cast<zint>(w[0]);
     };
     const auto mbr = [&](char vect, char trans, zint r, zint kk) {
-        ormbr(vect, 'L', trans, r, nrhs, kk, w, max_of(1, vect == 'Q' ? r : min_of(r, kk)), w, w, max_of(1, r), w,
-              -1, sub);
+        ormbr(vect, 'L', trans, r, nrhs, kk, w, max_of(1, vect == 'Q' ? r : min_of(r, kk)), w, w,
+              max_of(1, r), w, -1, sub);
         return static_cast<zint>(w[0]);
     };
     if (m >= n) {
@@ -62,7 +62,8 @@ GelsdPlan plan_gelsd(zint m, zint n, zint nrhs, zint lda, zint lwork) {
         p.optimal = optimal;
     } else {
         // The LQ path needs L (m by m) beside the reduction's scalars and lalsd's work.
-        const zint lq_least = 4 * m + m * m + max_of(max_of(m, 2 * m - 4), max_of(max_of(nrhs, n - 3 * m), wlalsd));
+        const zint lq_least =
+            4 * m + m * m + max_of(max_of(m, 2 * m - 4), max_of(max_of(nrhs, n - 3 * m), wlalsd));
         zint optimal = 0;
         if (n >= crossover) {
             gelqf(m, n, w, m, w, w, -1, sub);
@@ -84,9 +85,10 @@ GelsdPlan plan_gelsd(zint m, zint n, zint nrhs, zint lda, zint lwork) {
         p.optimal = optimal;
         if (p.factor_first) {
             // L keeps the caller's leading dimension when everything fits beside it.
-            const zint wide = max_of(max_of(4 * m + m * lda + max_of(max_of(m, 2 * m - 4), max_of(nrhs, n - 3 * m)),
-                                            m * lda + m + m * nrhs),
-                                     4 * m + m * lda + wlalsd);
+            const zint wide =
+                max_of(max_of(4 * m + m * lda + max_of(max_of(m, 2 * m - 4), max_of(nrhs, n - 3 * m)),
+                              m * lda + m + m * nrhs),
+                       4 * m + m * lda + wlalsd);
             p.ldl = lwork >= wide ? lda : m;
         }
     }
@@ -109,12 +111,13 @@ zint gelsd_iwork_size(zint m, zint n) {
 
 zint check_gelsd(zint m, zint n, zint nrhs, zint lda, zint ldb, zint lwork) {
     const bool dims_ok = m >= 0 && n >= 0 && nrhs >= 0;
-    return check_arguments("DGELSD", {{m < 0, 1},
-                                      {n < 0, 2},
-                                      {nrhs < 0, 3},
-                                      {lda < max_of(1, m), 5},
-                                      {ldb < max_of(1, max_of(m, n)), 7},
-                                      {dims_ok && lwork != -1 && lwork < gelsd_work_sizes(m, n, nrhs).minimal, 12}});
+    return check_arguments("DGELSD",
+                           {{m < 0, 1},
+                            {n < 0, 2},
+                            {nrhs < 0, 3},
+                            {lda < max_of(1, m), 5},
+                            {ldb < max_of(1, max_of(m, n)), 7},
+                            {dims_ok && lwork != -1 && lwork < gelsd_work_sizes(m, n, nrhs).minimal, 12}});
 }
 
 void gelsd(zint m, zint n, zint nrhs, double* a, zint lda, double* b, zint ldb, double* s, double rcond,

@@ -73,9 +73,11 @@ GesddPlan plan_gesdd(char jobz, zint m, zint n, zint lwork) {
         return asked<T>([&](T* w, zint& i) { gebrd(r, c, w, r, dd, dd, w, w, w, -1, i); });
     };
     const auto mbr = [&](char vect, char side, zint r, zint c, zint kk) {
-        const zint lda = max_of(1, lsame(vect, 'Q') ? (side == 'L' ? r : c) : min_of(side == 'L' ? r : c, kk));
+        const zint lda =
+            max_of(1, lsame(vect, 'Q') ? (side == 'L' ? r : c) : min_of(side == 'L' ? r : c, kk));
         const char trans = lsame(vect, 'Q') ? 'N' : adj;
-        return asked<T>([&](T* w, zint& i) { ormbr(vect, side, trans, r, c, kk, w, lda, w, w, r, w, -1, i); });
+        return asked<T>(
+            [&](T* w, zint& i) { ormbr(vect, side, trans, r, c, kk, w, lda, w, w, r, w, -1, i); });
     };
     if (p.factor_first) {
         const zint factor = k + asked<T>([&](T* w, zint& i) {
@@ -94,8 +96,9 @@ GesddPlan plan_gesdd(char jobz, zint m, zint n, zint lwork) {
                        }
                    });
         };
-        const zint square = sc + max_of(max_of(brd(k, k), max_of(mbr('Q', 'L', k, k, k), mbr('P', 'R', k, k, k))),
-                                        max_of(bd, k));
+        const zint square =
+            sc +
+            max_of(max_of(brd(k, k), max_of(mbr('Q', 'L', k, k, k), mbr('P', 'R', k, k, k))), max_of(bd, k));
         switch (job) {
             case Job::None:
                 p.minimal = complex ? 3 * k : bdspac + k;
@@ -217,8 +220,21 @@ class Gesdd {
   public:
     Gesdd(Job job, zint m, zint n, T* a, zint lda, double* s, T* u, zint ldu, T* vt, zint ldvt, T* work,
           zint lwork, double* rwork, zint* iwork, const GesddPlan& plan)
-        : job_(job), m_(m), n_(n), k_(min_of(m, n)), a_(a), lda_(lda), s_(s), u_(u), ldu_(ldu), vt_(vt),
-          ldvt_(ldvt), work_(work), lwork_(lwork), iwork_(iwork), plan_(plan) {
+        : job_(job),
+          m_(m),
+          n_(n),
+          k_(min_of(m, n)),
+          a_(a),
+          lda_(lda),
+          s_(s),
+          u_(u),
+          ldu_(ldu),
+          vt_(vt),
+          ldvt_(ldvt),
+          work_(work),
+          lwork_(lwork),
+          iwork_(iwork),
+          plan_(plan) {
         if constexpr (kIsComplex<T>) {
             const zint k = k_;
             parts_ = {rwork, rwork + k, rwork + k + k * k,
@@ -230,9 +246,7 @@ class Gesdd {
 
     // info > 0: bdsdc failed; the vectors are then left as they are. Returns false when the progress
     // handler stopped the QR or LQ factorization.
-    bool run(zint& info) {
-        return plan_.factor_first ? factored(info) : direct(info);
-    }
+    bool run(zint& info) { return plan_.factor_first ? factored(info) : direct(info); }
 
   private:
     T* A(zint i, zint j) const { return a_ + i + j * lda_; }
@@ -241,7 +255,8 @@ class Gesdd {
 
     // The SVD of the bidiagonal matrix: values into s, and the vectors into ub and vtb (k by k; null:
     // for complex data, leave them in rwork). Real data give bdsdc the work from offset `bd` on.
-    void bidiagonal(char uplo, const Scalars<T>& sc, T* ub, zint ldub, T* vtb, zint ldvtb, zint bd, zint& info) {
+    void bidiagonal(char uplo, const Scalars<T>& sc, T* ub, zint ldub, T* vtb, zint ldvtb, zint bd,
+                    zint& info) {
         double dummy[1] = {0};
         zint idummy[1] = {0};
         if (job_ == Job::None) {
@@ -250,7 +265,8 @@ class Gesdd {
             return;
         }
         if constexpr (kIsComplex<T>) {
-            bdsdc(uplo, 'I', k_, s_, sc.e, parts_.u, k_, parts_.vt, k_, dummy, idummy, parts_.work, iwork_, info);
+            bdsdc(uplo, 'I', k_, s_, sc.e, parts_.u, k_, parts_.vt, k_, dummy, idummy, parts_.work, iwork_,
+                  info);
             if (info != 0) return;
             if (ub != nullptr) copy_real(k_, parts_.u, ub, ldub);
             if (vtb != nullptr) copy_real(k_, parts_.vt, vtb, ldvtb);
@@ -262,7 +278,8 @@ class Gesdd {
     void apply(char vect, char side, zint m, zint n, zint k, T* a, zint lda, const T* tau, T* c, zint ldc,
                zint from) {
         zint sub = 0;
-        ormbr(vect, side, vect == 'Q' ? 'N' : kAdjoint<T>, m, n, k, a, lda, tau, c, ldc, W(from), left(from), sub);
+        ormbr(vect, side, vect == 'Q' ? 'N' : kAdjoint<T>, m, n, k, a, lda, tau, c, ldc, W(from), left(from),
+              sub);
     }
 
     void reduce(zint m, zint n, T* a, zint lda, const Scalars<T>& sc) {
@@ -281,10 +298,17 @@ class Gesdd {
         // tau, then the scalars | rest]. "A" keeps the triangle in A and its vectors at the front.
         zint block = 0;
         switch (job_) {
-            case Job::None: break;
-            case Job::Overwrite: block = plan_.piece * k; break;
-            case Job::Some: block = k * k; break;
-            case Job::All: block = 0; break;
+            case Job::None:
+                break;
+            case Job::Overwrite:
+                block = plan_.piece * k;
+                break;
+            case Job::Some:
+                block = k * k;
+                break;
+            case Job::All:
+                block = 0;
+                break;
         }
         const zint vectors = block;
         const zint tau = job_ == Job::None ? 0 : block + (job_ == Job::Some ? 0 : k * k);
@@ -402,11 +426,13 @@ class Gesdd {
             // They are formed whole in work (m by n) and copied over A.
             laset('F', m, n, zero, zero, W(block), m);
             const zint rest = block + m * n;
-            bidiagonal(uplo, sc, tall ? W(block) : u_, tall ? m : ldu_, tall ? vt_ : W(block), tall ? ldvt_ : m, rest,
-                       info);
+            bidiagonal(uplo, sc, tall ? W(block) : u_, tall ? m : ldu_, tall ? vt_ : W(block),
+                       tall ? ldvt_ : m, rest, info);
             if (info != 0) return true;
-            apply('Q', 'L', m, tall ? n : m, n, a_, lda_, sc.tauq, tall ? W(block) : u_, tall ? m : ldu_, rest);
-            apply('P', 'R', tall ? n : m, n, m, a_, lda_, sc.taup, tall ? vt_ : W(block), tall ? ldvt_ : m, rest);
+            apply('Q', 'L', m, tall ? n : m, n, a_, lda_, sc.tauq, tall ? W(block) : u_, tall ? m : ldu_,
+                  rest);
+            apply('P', 'R', tall ? n : m, n, m, a_, lda_, sc.taup, tall ? vt_ : W(block), tall ? ldvt_ : m,
+                  rest);
             lacpy('F', m, n, W(block), m, a_, lda_);
             return true;
         }
@@ -414,8 +440,8 @@ class Gesdd {
         // time; real data keep those vectors in work (k by k), complex data in rwork.
         const zint rest = block + (kIsComplex<T> ? 0 : k * k);
         T* real_block = kIsComplex<T> ? nullptr : W(block);
-        bidiagonal(uplo, sc, tall ? real_block : u_, tall ? k : ldu_, tall ? vt_ : real_block, tall ? ldvt_ : k, rest,
-                   info);
+        bidiagonal(uplo, sc, tall ? real_block : u_, tall ? k : ldu_, tall ? vt_ : real_block,
+                   tall ? ldvt_ : k, rest, info);
         if (info != 0) return true;
         zint sub = 0;
         if (tall) {
@@ -482,14 +508,15 @@ zint check_gesdd(char jobz, zint m, zint n, zint lda, zint ldu, zint ldvt, zint 
     const bool valid = all || some || over || lsame(jobz, 'N');
     const zint k = min_of(m, n);
     const bool dims_ok = valid && m >= 0 && n >= 0;
-    return check_arguments(routine_name<T>("DGESDD", "ZGESDD"),
-                           {{!valid, 1},
-                            {m < 0, 2},
-                            {n < 0, 3},
-                            {lda < max_of(1, m), 5},
-                            {ldu < 1 || ((all || some) && ldu < m) || (over && m < n && ldu < m), 8},
-                            {ldvt < 1 || (all && ldvt < n) || (some && ldvt < k) || (over && m >= n && ldvt < n), 10},
-                            {dims_ok && lwork != -1 && lwork < gesdd_work_sizes<T>(jobz, m, n).minimal, 12}});
+    return check_arguments(
+        routine_name<T>("DGESDD", "ZGESDD"),
+        {{!valid, 1},
+         {m < 0, 2},
+         {n < 0, 3},
+         {lda < max_of(1, m), 5},
+         {ldu < 1 || ((all || some) && ldu < m) || (over && m < n && ldu < m), 8},
+         {ldvt < 1 || (all && ldvt < n) || (some && ldvt < k) || (over && m >= n && ldvt < n), 10},
+         {dims_ok && lwork != -1 && lwork < gesdd_work_sizes<T>(jobz, m, n).minimal, 12}});
 }
 
 template <class T>

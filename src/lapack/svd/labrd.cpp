@@ -17,8 +17,8 @@ void labrd(zint m, zint n, zint nb, T* a, zint lda, double* d, double* e, T* tau
     const auto Y = [&](zint i, zint j) -> T* { return y + i + j * ldy; };
     const T one = zor::one<T>(), zero = zor::zero<T>(), minus_one = -one;
     constexpr char adj = kAdjoint<T>;
-    const auto gemv = [](char trans, zint rows, zint cols, T alpha, const T* mat, zint ld, const T* vec, zint incv,
-                         T beta, T* out, zint inco) {
+    const auto gemv = [](char trans, zint rows, zint cols, T alpha, const T* mat, zint ld, const T* vec,
+                         zint incv, T beta, T* out, zint inco) {
         Blas<T>::gemv(trans, rows, cols, alpha, mat, ld, vec, incv, beta, out, inco);
     };
     if (m >= n) {
@@ -53,7 +53,8 @@ void labrd(zint m, zint n, zint nb, T* a, zint lda, double* d, double* e, T* tau
             e[i] = real(alpha);
             *A(i, i + 1) = one;
             // X(i+1:m, i) = taup (A - V Yᴴ - X Uᴴ) u over the trailing rows.
-            gemv('N', m - i - 1, n - i - 1, one, A(i + 1, i + 1), lda, A(i, i + 1), lda, zero, X(i + 1, i), 1);
+            gemv('N', m - i - 1, n - i - 1, one, A(i + 1, i + 1), lda, A(i, i + 1), lda, zero, X(i + 1, i),
+                 1);
             gemv(adj, n - i - 1, i + 1, one, Y(i + 1, 0), ldy, A(i, i + 1), lda, zero, X(0, i), 1);
             gemv('N', m - i - 1, i + 1, minus_one, A(i + 1, 0), lda, X(0, i), 1, one, X(i + 1, i), 1);
             gemv('N', i, n - i - 1, one, A(0, i + 1), lda, A(i, i + 1), lda, zero, X(0, i), 1);

@@ -31,9 +31,11 @@ void orgbr(char vect, zint m, zint n, zint k, T* a, zint lda, const T* tau, T* w
         zint optimal = 1;
         if (mn > 0) {
             if (want_q) {
-                orgqr(shifted ? m - 1 : m, shifted ? m - 1 : n, shifted ? m - 1 : k, a, lda, tau, work, -1, sub_info);
+                orgqr(shifted ? m - 1 : m, shifted ? m - 1 : n, shifted ? m - 1 : k, a, lda, tau, work, -1,
+                      sub_info);
             } else {
-                orglq(shifted ? n - 1 : m, shifted ? n - 1 : n, shifted ? n - 1 : k, a, lda, tau, work, -1, sub_info);
+                orglq(shifted ? n - 1 : m, shifted ? n - 1 : n, shifted ? n - 1 : k, a, lda, tau, work, -1,
+                      sub_info);
             }
             optimal = max_of(mn, static_cast<zint>(real(work[0])));
         }
