@@ -210,20 +210,16 @@ const ErrorCase kErrorCases[] = {
      }},
 };
 
-class SvdExportErrors : public ::testing::TestWithParam<ErrorCase> {};
-
-TEST_P(SvdExportErrors, APrintedMessageAndTheParameterInInfo) {
-    const ErrorCase& c = GetParam();
-    ::testing::internal::CaptureStdout();
-    const zor_int info = c.call();
-    const std::string printed = ::testing::internal::GetCapturedStdout();
-    EXPECT_EQ(info, -c.parameter);
-    EXPECT_EQ(printed, "\nZOR ERROR: Parameter " + std::to_string(c.parameter) +
-                           " was incorrect on entry to " + c.name + "\n");
+// Each case prints the report of its parameter and returns it in info.
+TEST(SvdExports, ArgumentErrors) {
+    for (const ErrorCase& c : kErrorCases) {
+        ::testing::internal::CaptureStdout();
+        const zor_int info = c.call();
+        const std::string expected = "\nZOR ERROR: Parameter " + std::to_string(c.parameter) +
+                                     " was incorrect on entry to " + c.name + "\n";
+        EXPECT_EQ(::testing::internal::GetCapturedStdout(), expected);
+        EXPECT_EQ(info, -c.parameter) << c.name;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Exports, SvdExportErrors, ::testing::ValuesIn(kErrorCases), [](const auto& info) {
-    return std::string(info.param.name) + "_" + std::to_string(info.param.parameter);
-});
 
 }  // namespace
