@@ -1,7 +1,6 @@
 // The exports of the SVD and least squares through the shared library: small decompositions and
 // solves checked by hand, the workspace queries against the published least sizes, the integer
-// workspace and rank of dgelsd, NaN input, and an argument error of each export with its printed
-// message.
+// workspace and rank of dgelsd, and an argument error of each export with its printed message.
 
 #include <gtest/gtest.h>
 
@@ -114,37 +113,13 @@ TEST(SvdExports, LeastSquares) {
     EXPECT_NEAR(s[1], 1.0, 1e-14);
 }
 
-// A NaN in A: dgesdd and zgesdd return -4 at once without a message; dgelsd reports the failure of
-// its bidiagonal solver (info > 0).
-TEST(SvdExports, NanInput) {
-    const zor_int n = 3, lwork = 2000;
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    double a[9] = {1, 2, 3, 4, nan, 6, 7, 8, 9}, s[3], u[9], vt[9], work[2000], rwork[200];
-    zor_int iwork[64], info = 0;
-    ::testing::internal::CaptureStdout();
-    dgesdd("A", &n, &n, a, &n, s, u, &n, vt, &n, work, &lwork, iwork, &info, 1);
-    EXPECT_EQ(info, -4);
-    zor_complex_double z[9] = {{1, 0}, {2, 0}, {nan, 0}}, zu[9], zvt[9], zwork[200];
-    const zor_int zlwork = 200;
-    zgesdd("N", &n, &n, z, &n, s, zu, &n, zvt, &n, zwork, &zlwork, rwork, iwork, &info, 1);
-    EXPECT_EQ(info, -4);
-    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
-    double b[3] = {1, 1, 1};
-    const double rcond = -1;
-    zor_int rank = 0;
-    const zor_int one = 1;
-    double a2[9] = {1, 2, 3, 4, nan, 6, 7, 8, 9};
-    dgelsd(&n, &n, &one, a2, &n, b, &n, s, &rcond, &rank, work, &lwork, iwork, &info);
-    EXPECT_GT(info, 0);
-}
-
 struct ErrorCase {
     const char* name;
     int parameter;
     std::function<zor_int()> call;
 };
 
-const zor_int kMinus = -1, kOne = 1, kTwo = 2, kThree = 3, kBig = 1000;
+const zor_int kOne = 1, kTwo = 2, kThree = 3, kBig = 1000;
 double g_a[64], g_work[1000];
 zor_complex_double g_z[64], g_zwork[1000];
 zor_int g_iwork[64];
@@ -157,24 +132,11 @@ zor_int info_after(const std::function<void(zor_int*)>& call) {
 }
 
 const ErrorCase kErrorCases[] = {
-    {"DGESDD", 1,
-     [] {
-         return info_after([](zor_int* i) {
-             dgesdd("X", &kTwo, &kTwo, g_a, &kTwo, g_a, g_a, &kTwo, g_a, &kTwo, g_work, &kBig, g_iwork, i, 1);
-         });
-     }},
     {"DGESDD", 10,
      [] {
          return info_after([](zor_int* i) {
              dgesdd("A", &kTwo, &kThree, g_a, &kTwo, g_a, g_a, &kTwo, g_a, &kTwo, g_work, &kBig, g_iwork, i,
                     1);
-         });
-     }},
-    {"ZGESDD", 8,
-     [] {
-         return info_after([](zor_int* i) {
-             zgesdd("S", &kThree, &kTwo, g_z, &kThree, g_a, g_z, &kTwo, g_z, &kTwo, g_zwork, &kBig, g_a,
-                    g_iwork, i, 1);
          });
      }},
     {"ZGESDD", 12,
@@ -184,27 +146,11 @@ const ErrorCase kErrorCases[] = {
                     g_iwork, i, 1);
          });
      }},
-    {"DGELSD", 3,
-     [] {
-         return info_after([](zor_int* i) {
-             zor_int rank = 0;
-             dgelsd(&kTwo, &kTwo, &kMinus, g_a, &kTwo, g_a, &kTwo, g_a, &g_rcond, &rank, g_work, &kBig,
-                    g_iwork, i);
-         });
-     }},
     {"DGELSD", 7,
      [] {
          return info_after([](zor_int* i) {
              zor_int rank = 0;
              dgelsd(&kTwo, &kThree, &kOne, g_a, &kTwo, g_a, &kTwo, g_a, &g_rcond, &rank, g_work, &kBig,
-                    g_iwork, i);
-         });
-     }},
-    {"DGELSD", 12,
-     [] {
-         return info_after([](zor_int* i) {
-             zor_int rank = 0;
-             dgelsd(&kTwo, &kTwo, &kOne, g_a, &kTwo, g_a, &kTwo, g_a, &g_rcond, &rank, g_work, &kThree,
                     g_iwork, i);
          });
      }},

@@ -459,30 +459,6 @@ INSTANTIATE_TEST_SUITE_P(Large, Gesdd,
                                            SvdCase{{250, 400}, 'S', true, Family::Repeated}),
                          case_name);
 
-// The values of a matrix near underflow or overflow are the scaled values of the same matrix.
-TEST(GesddScaling, ValuesScaleWithTheMatrix) {
-    for (const double scale : {0x1p-1020, 0x1p-1060, 0x1p1000}) {
-        std::vector<double> unused;
-        const Mat<double> a = family_matrix<double>(Family::Random, 40, 30, unused);
-        Mat<double> b = a, c = a;
-        for (double& x : c.v) x *= scale;
-        std::vector<double> s1(30), s2(30), work(gesdd_work_sizes<double>('N', 40, 30).minimal);
-        std::vector<zint> iwork(240);
-        double dummy[1];
-        zint info = 0;
-        const zint lw = static_cast<zint>(work.size());
-        gesdd('N', 40, 30, b.data(), 40, s1.data(), dummy, 1, dummy, 1, work.data(), lw, dummy, iwork.data(),
-              info);
-        gesdd('N', 40, 30, c.data(), 40, s2.data(), dummy, 1, dummy, 1, work.data(), lw, dummy, iwork.data(),
-              info);
-        ASSERT_EQ(info, 0);
-        // Subnormal entries have lost bits of their own: compare to that accuracy.
-        const double tolerance = scale < 0x1p-1022 ? 1e-3 : 1e-13;
-        for (int i = 0; i < 30; ++i)
-            EXPECT_NEAR(s2[i] / scale, s1[i], tolerance * s1[0]) << scale << " " << i;
-    }
-}
-
 // A NaN in A is reported as info -4 at once, with no message; an infinite entry does not hang.
 TEST(GesddNonFinite, NanReturnsMinusFourInfinityFinishes) {
     for (const double bad :
@@ -704,19 +680,13 @@ zint gelsd_info(zint m, zint n, zint nrhs, zint lda, zint ldb, zint lwork) {
 }
 
 const ArgumentCase kSvdArgumentCases[] = {
-    {"DGEBD2", -1, [] { return info_of(gebd2<double>, -1, 2, g_a, 1, g_d, g_d, g_a, g_a, g_a); }},
-    {"ZGEBD2", -2, [] { return info_of(gebd2<zcomplex>, 2, -1, g_z, 2, g_d, g_d, g_z, g_z, g_z); }},
     {"DGEBD2", -4, [] { return info_of(gebd2<double>, 3, 2, g_a, 2, g_d, g_d, g_a, g_a, g_a); }},
-    {"DGEBRD", -1, [] { return info_of(gebrd<double>, -1, 2, g_a, 1, g_d, g_d, g_a, g_a, g_a, 4); }},
-    {"DGEBRD", -2, [] { return info_of(gebrd<double>, 2, -1, g_a, 2, g_d, g_d, g_a, g_a, g_a, 4); }},
     {"ZGEBRD", -4, [] { return info_of(gebrd<zcomplex>, 3, 2, g_z, 2, g_d, g_d, g_z, g_z, g_z, 4); }},
     {"DGEBRD", -10, [] { return info_of(gebrd<double>, 3, 4, g_a, 3, g_d, g_d, g_a, g_a, g_a, 3); }},
     {"DGEBRD", 0, [] { return info_of(gebrd<double>, 0, 0, g_a, 1, g_d, g_d, g_a, g_a, g_a, 1); }},
     {"DORGBR", -1, [] { return info_of(orgbr<double>, 'X', 2, 2, 2, g_a, 2, g_a, g_a, 4); }},
-    {"DORGBR", -2, [] { return info_of(orgbr<double>, 'Q', -1, 0, 0, g_a, 1, g_a, g_a, 4); }},
     {"DORGBR", -3, [] { return info_of(orgbr<double>, 'Q', 2, 3, 2, g_a, 2, g_a, g_a, 4); }},
     {"ZUNGBR", -3, [] { return info_of(orgbr<zcomplex>, 'P', 3, 2, 2, g_z, 3, g_z, g_z, 4); }},
-    {"DORGBR", -4, [] { return info_of(orgbr<double>, 'P', 2, 3, -1, g_a, 2, g_a, g_a, 4); }},
     {"DORGBR", -6, [] { return info_of(orgbr<double>, 'Q', 3, 2, 2, g_a, 2, g_a, g_a, 4); }},
     {"ZUNGBR", -9, [] { return info_of(orgbr<zcomplex>, 'Q', 3, 3, 3, g_z, 3, g_z, g_z, 2); }},
     {"DORMBR", -1,
@@ -725,12 +695,6 @@ const ArgumentCase kSvdArgumentCases[] = {
      [] { return info_of(ormbr<double>, 'Q', 'X', 'N', 2, 2, 2, g_a, 2, g_a, g_a, 2, g_a, 4); }},
     {"ZUNMBR", -3,
      [] { return info_of(ormbr<zcomplex>, 'Q', 'L', 'T', 2, 2, 2, g_z, 2, g_z, g_z, 2, g_z, 4); }},
-    {"DORMBR", -4,
-     [] { return info_of(ormbr<double>, 'Q', 'L', 'T', -1, 2, 2, g_a, 2, g_a, g_a, 2, g_a, 4); }},
-    {"DORMBR", -5,
-     [] { return info_of(ormbr<double>, 'P', 'R', 'N', 2, -1, 2, g_a, 2, g_a, g_a, 2, g_a, 4); }},
-    {"DORMBR", -6,
-     [] { return info_of(ormbr<double>, 'P', 'R', 'N', 2, 2, -1, g_a, 2, g_a, g_a, 2, g_a, 4); }},
     {"DORMBR", -8,
      [] { return info_of(ormbr<double>, 'Q', 'L', 'N', 3, 2, 2, g_a, 2, g_a, g_a, 3, g_a, 4); }},
     {"DORMBR", -8,
