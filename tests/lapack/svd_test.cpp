@@ -621,7 +621,8 @@ TEST(GelsdRank, DecidedByRcond) {
     for (zint i = 0; i < 3; ++i) EXPECT_EQ(b(i, 0), 0.0);
 }
 
-// NaN or infinity in A: the bidiagonal solver reports failure (info > 0) without hanging.
+// NaN or infinity in A: the bidiagonal solver reports failure (info > 0) without hanging, and
+// iwork(1) still answers the size it needs.
 TEST(GelsdNonFinite, ReportsFailure) {
     for (const double bad :
          {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
@@ -634,6 +635,7 @@ TEST(GelsdNonFinite, ReportsFailure) {
         gelsd(50, 40, 2, a.data(), 50, b.data(), 50, s.data(), -1.0, rank, work.data(),
               static_cast<zint>(work.size()), iwork.data(), info);
         EXPECT_GT(info, 0) << bad;
+        EXPECT_EQ(iwork[0], gelsd_iwork_size(50, 40));
     }
 }
 

@@ -134,6 +134,7 @@ void gelsd(zint m, zint n, zint nrhs, double* a, zint lda, double* b, zint ldb, 
         rank = 0;
         return;
     }
+    // work(1) and iwork(1) answer the sizes on every return, a failed solve's too (lalsd uses iwork).
     const auto finish = [&] {
         work[0] = static_cast<double>(plan.optimal);
         iwork[0] = liwork;
@@ -179,26 +180,26 @@ void gelsd(zint m, zint n, zint nrhs, double* a, zint lda, double* b, zint ldb, 
         zint rows = m;
         if (plan.factor_first) {
             // A = Q R; B := Qᵀ B; R is then reduced.
-            if (geqrf(m, n, a, lda, work, work + n, lwork - n, sub)) return;
+            if (geqrf(m, n, a, lda, work, work + n, lwork - n, sub)) return finish();
             ormqr('L', 'T', m, nrhs, n, a, lda, work, b, ldb, work + n, lwork - n, sub);
             if (n > 1) laset('L', n - 1, n - 1, 0.0, 0.0, A(1, 0), lda);
             rows = n;
         }
-        if (!solve('U', rows, n, a, lda, work)) return;
+        if (!solve('U', rows, n, a, lda, work)) return finish();
     } else if (plan.factor_first) {
         // A = L Q; the m by m L is reduced in work and the solution carried back by Qᵀ.
         const zint ldl = plan.ldl;
         double* tau = work;
-        if (gelqf(m, n, a, lda, tau, work + m, lwork - m, sub)) return;
+        if (gelqf(m, n, a, lda, tau, work + m, lwork - m, sub)) return finish();
         double* l = work + m;
         lacpy('L', m, m, a, lda, l, ldl);
         if (m > 1) laset('U', m - 1, m - 1, 0.0, 0.0, l + ldl, ldl);
-        if (!solve('U', m, m, l, ldl, l + ldl * m)) return;
+        if (!solve('U', m, m, l, ldl, l + ldl * m)) return finish();
         laset('F', n - m, nrhs, 0.0, 0.0, b + m, ldb);
         ormlq('L', 'T', n, nrhs, m, a, lda, tau, b, ldb, work + m, lwork - m, sub);
     } else {
         // The lower bidiagonal reduction of A itself.
-        if (!solve('L', m, n, a, lda, work)) return;
+        if (!solve('L', m, n, a, lda, work)) return finish();
     }
     // Undo the scaling: the solution scales with B over A, the values with A.
     if (a_to != 0) {
