@@ -9,7 +9,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/setup-debian.sh --python
-cmake --preset linux -DZOR_BUILD_TESTS=OFF > /dev/null
+cmake --preset linux > /dev/null
 cmake --build --preset linux --target zor_fortran_blas
 zor=$PWD/build/linux/lib/fortran-blas/libzor.so.1
 lib=/usr/lib/x86_64-linux-gnu

@@ -51,31 +51,37 @@ void orghr_export(const char* name, const zor_int* n, const zor_int* ilo, const 
 
 }  // namespace
 
+// The real and complex exports of the factorizations (geqrf, gelqf) and of the generators (orgqr,
+// orglq): one wrapper each around the shared templates above.
+#define ZOR_FACTOR_EXPORTS(routine, real, complex, real_name, complex_name)                                 \
+    ZOR_API void real(const zor_int* m, const zor_int* n, double* a, const zor_int* lda, double* tau,       \
+                      double* work, const zor_int* lwork, zor_int* info) {                                  \
+        factor_export(real_name, zor::check_##routine<double>, zor::routine<double>, m, n, a, lda, tau,     \
+                      work, lwork, info);                                                                   \
+    }                                                                                                       \
+    ZOR_API void complex(const zor_int* m, const zor_int* n, zor_complex_double* a, const zor_int* lda,     \
+                         zor_complex_double* tau, zor_complex_double* work, const zor_int* lwork,           \
+                         zor_int* info) {                                                                   \
+        factor_export(complex_name, zor::check_##routine<zor::zcomplex>, zor::routine<zor::zcomplex>, m, n, \
+                      as_complex(a), lda, as_complex(tau), as_complex(work), lwork, info);                  \
+    }
+#define ZOR_GENERATOR_EXPORTS(routine, real, complex, real_name, complex_name)                               \
+    ZOR_API void real(const zor_int* m, const zor_int* n, const zor_int* k, double* a, const zor_int* lda,   \
+                      const double* tau, double* work, const zor_int* lwork, zor_int* info) {                \
+        generate_export(real_name, zor::check_##routine<double>, zor::routine<double>, m, n, k, a, lda, tau, \
+                        work, lwork, info);                                                                  \
+    }                                                                                                        \
+    ZOR_API void complex(const zor_int* m, const zor_int* n, const zor_int* k, zor_complex_double* a,        \
+                         const zor_int* lda, const zor_complex_double* tau, zor_complex_double* work,        \
+                         const zor_int* lwork, zor_int* info) {                                              \
+        generate_export(complex_name, zor::check_##routine<zor::zcomplex>, zor::routine<zor::zcomplex>, m,   \
+                        n, k, as_complex(a), lda, as_complex(tau), as_complex(work), lwork, info);           \
+    }
+
 extern "C" {
 
-ZOR_API void dgeqrf(const zor_int* m, const zor_int* n, double* a, const zor_int* lda, double* tau,
-                    double* work, const zor_int* lwork, zor_int* info) {
-    factor_export("DGEQRF", zor::check_geqrf<double>, zor::geqrf<double>, m, n, a, lda, tau, work, lwork,
-                  info);
-}
-
-ZOR_API void zgeqrf(const zor_int* m, const zor_int* n, zor_complex_double* a, const zor_int* lda,
-                    zor_complex_double* tau, zor_complex_double* work, const zor_int* lwork, zor_int* info) {
-    factor_export("ZGEQRF", zor::check_geqrf<zor::zcomplex>, zor::geqrf<zor::zcomplex>, m, n, as_complex(a),
-                  lda, as_complex(tau), as_complex(work), lwork, info);
-}
-
-ZOR_API void dgelqf(const zor_int* m, const zor_int* n, double* a, const zor_int* lda, double* tau,
-                    double* work, const zor_int* lwork, zor_int* info) {
-    factor_export("DGELQF", zor::check_gelqf<double>, zor::gelqf<double>, m, n, a, lda, tau, work, lwork,
-                  info);
-}
-
-ZOR_API void zgelqf(const zor_int* m, const zor_int* n, zor_complex_double* a, const zor_int* lda,
-                    zor_complex_double* tau, zor_complex_double* work, const zor_int* lwork, zor_int* info) {
-    factor_export("ZGELQF", zor::check_gelqf<zor::zcomplex>, zor::gelqf<zor::zcomplex>, m, n, as_complex(a),
-                  lda, as_complex(tau), as_complex(work), lwork, info);
-}
+ZOR_FACTOR_EXPORTS(geqrf, dgeqrf, zgeqrf, "DGEQRF", "ZGEQRF")
+ZOR_FACTOR_EXPORTS(gelqf, dgelqf, zgelqf, "DGELQF", "ZGELQF")
 
 ZOR_API void dgeqp3(const zor_int* m, const zor_int* n, double* a, const zor_int* lda, zor_int* jpvt,
                     double* tau, double* work, const zor_int* lwork, zor_int* info) {
@@ -89,31 +95,8 @@ ZOR_API void zgeqp3(const zor_int* m, const zor_int* n, zor_complex_double* a, c
                  info);
 }
 
-ZOR_API void dorgqr(const zor_int* m, const zor_int* n, const zor_int* k, double* a, const zor_int* lda,
-                    const double* tau, double* work, const zor_int* lwork, zor_int* info) {
-    generate_export("DORGQR", zor::check_orgqr<double>, zor::orgqr<double>, m, n, k, a, lda, tau, work, lwork,
-                    info);
-}
-
-ZOR_API void zungqr(const zor_int* m, const zor_int* n, const zor_int* k, zor_complex_double* a,
-                    const zor_int* lda, const zor_complex_double* tau, zor_complex_double* work,
-                    const zor_int* lwork, zor_int* info) {
-    generate_export("ZUNGQR", zor::check_orgqr<zor::zcomplex>, zor::orgqr<zor::zcomplex>, m, n, k,
-                    as_complex(a), lda, as_complex(tau), as_complex(work), lwork, info);
-}
-
-ZOR_API void dorglq(const zor_int* m, const zor_int* n, const zor_int* k, double* a, const zor_int* lda,
-                    const double* tau, double* work, const zor_int* lwork, zor_int* info) {
-    generate_export("DORGLQ", zor::check_orglq<double>, zor::orglq<double>, m, n, k, a, lda, tau, work, lwork,
-                    info);
-}
-
-ZOR_API void zunglq(const zor_int* m, const zor_int* n, const zor_int* k, zor_complex_double* a,
-                    const zor_int* lda, const zor_complex_double* tau, zor_complex_double* work,
-                    const zor_int* lwork, zor_int* info) {
-    generate_export("ZUNGLQ", zor::check_orglq<zor::zcomplex>, zor::orglq<zor::zcomplex>, m, n, k,
-                    as_complex(a), lda, as_complex(tau), as_complex(work), lwork, info);
-}
+ZOR_GENERATOR_EXPORTS(orgqr, dorgqr, zungqr, "DORGQR", "ZUNGQR")
+ZOR_GENERATOR_EXPORTS(orglq, dorglq, zunglq, "DORGLQ", "ZUNGLQ")
 
 ZOR_API void dorghr(const zor_int* n, const zor_int* ilo, const zor_int* ihi, double* a, const zor_int* lda,
                     const double* tau, double* work, const zor_int* lwork, zor_int* info) {

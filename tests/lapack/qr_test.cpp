@@ -52,88 +52,59 @@ const Shape kShapes[] = {{1, 1},     {1, 5},    {5, 1},    {2, 3},     {3, 2},  
 
 enum class Workspace { Minimal, Optimal };
 
-// geqrf (or geqr2) and orgqr: the factorization reproduces A through the Q of its reflectors, that
-// Q is unitary, and orgqr forms its leading columns, also from fewer reflectors.
-template <class T>
-void check_qr(Shape s, Workspace kind) {
-    Random random(static_cast<std::uint64_t>(s.m * 1000 + s.n));
-    const Matrix<T> a = random_matrix<T>(random, s.m, s.n);
-    const zint k = std::min(s.m, s.n);
-    Matrix<T> f = a;
-    std::vector<T> tau(static_cast<std::size_t>(std::max<zint>(k, 1)));
+// Calls `routine(lwork, work)` with the workspace `kind` asks for: the size its query (lwork =
+// -1) answers, or `least`.
+template <class T, class Routine>
+void with_workspace(Workspace kind, zint least, Routine routine) {
     std::vector<T> work(1);
-    zint info = -7;
-    geqrf<T>(s.m, s.n, f.data(), f.ld, tau.data(), work.data(), -1, info);
-    ASSERT_EQ(info, 0);
-    const zint lwork = kind == Workspace::Optimal ? queried(work) : std::max<zint>(1, s.n);
+    routine(zint{-1}, work.data());
+    const zint lwork = kind == Workspace::Optimal ? queried(work) : least;
     work.assign(static_cast<std::size_t>(lwork), T{});
-    EXPECT_FALSE(geqrf<T>(s.m, s.n, f.data(), f.ld, tau.data(), work.data(), lwork, info));
-    ASSERT_EQ(info, 0);
-    EXPECT_TRUE(padding_untouched(f));
-    for (zint i = 0; i < k; ++i) EXPECT_EQ(f.at(i, i).im, 0) << "R(" << i << ", " << i << ") is not real";
-
-    const Wide q = qr_q(f, tau, k);
-    const Wide qr = multiply(leading_columns(q, k), upper_part(f));
-    const long double norm = std::max<long double>(one_norm(a), 1);
-    EXPECT_LT(difference_norm(qr, widen_matrix(a)) / (std::max<zint>(s.m, 1) * norm * epsilon()),
-              kResidualThreshold);
-    EXPECT_LT(column_orthogonality(q), kResidualThreshold);
-
-    // orgqr with k reflectors, and with about half of them, as the first columns of Q.
-    for (const zint reflectors : {k, k / 2}) {
-        const Wide expected = leading_columns(reflectors == k ? q : qr_q(f, tau, reflectors), k);
-        Matrix<T> g = f;
-        g.cols = k;
-        std::vector<T> gwork(1);
-        orgqr<T>(s.m, k, reflectors, g.data(), g.ld, tau.data(), gwork.data(), -1, info);
-        const zint glwork = kind == Workspace::Optimal ? queried(gwork) : std::max<zint>(1, k);
-        gwork.assign(static_cast<std::size_t>(glwork), T{});
-        orgqr<T>(s.m, k, reflectors, g.data(), g.ld, tau.data(), gwork.data(), glwork, info);
-        ASSERT_EQ(info, 0);
-        EXPECT_LT(scaled_distance(expected, widen_matrix(g), s.m), kResidualThreshold)
-            << "orgqr with " << reflectors << " reflectors";
-    }
+    routine(lwork, work.data());
 }
 
-// gelqf and orglq, the same way.
+// geqrf and orgqr (lq false), or gelqf and orglq: the factorization reproduces A through the Q of
+// its reflectors, that Q is unitary, the diagonal of R (L) is real, and the generator forms the
+// leading columns (rows) of Q, also from about half of the reflectors.
 template <class T>
-void check_lq(Shape s, Workspace kind) {
-    Random random(static_cast<std::uint64_t>(s.m * 999 + s.n));
+void check_factorization(bool lq, Shape s, Workspace kind) {
+    Random random(static_cast<std::uint64_t>(s.m * 1000 + s.n + lq));
     const Matrix<T> a = random_matrix<T>(random, s.m, s.n);
     const zint k = std::min(s.m, s.n);
+    const zint order = lq ? s.n : s.m;  // of Q
     Matrix<T> f = a;
     std::vector<T> tau(static_cast<std::size_t>(std::max<zint>(k, 1)));
-    std::vector<T> work(1);
     zint info = -7;
-    gelqf<T>(s.m, s.n, f.data(), f.ld, tau.data(), work.data(), -1, info);
-    const zint lwork = kind == Workspace::Optimal ? queried(work) : std::max<zint>(1, s.m);
-    work.assign(static_cast<std::size_t>(lwork), T{});
-    EXPECT_FALSE(gelqf<T>(s.m, s.n, f.data(), f.ld, tau.data(), work.data(), lwork, info));
+    with_workspace<T>(kind, std::max<zint>(1, lq ? s.m : s.n), [&](zint lwork, T* work) {
+        const auto factor = lq ? gelqf<T> : geqrf<T>;
+        EXPECT_FALSE(factor(s.m, s.n, f.data(), f.ld, tau.data(), work, lwork, info));
+    });
     ASSERT_EQ(info, 0);
     EXPECT_TRUE(padding_untouched(f));
-    for (zint i = 0; i < k; ++i) EXPECT_EQ(f.at(i, i).im, 0) << "L(" << i << ", " << i << ") is not real";
+    for (zint i = 0; i < k; ++i) EXPECT_EQ(f.at(i, i).im, 0) << "diagonal " << i << " is not real";
 
-    const Wide q = lq_q(f, tau, k);
-    const Wide lq = multiply(lower_part(f), leading_rows(q, k));
+    const Wide q = lq ? lq_q(f, tau, k) : qr_q(f, tau, k);
+    const Wide product =
+        lq ? multiply(lower_part(f), leading_rows(q, k)) : multiply(leading_columns(q, k), upper_part(f));
     const long double norm = std::max<long double>(one_norm(a), 1);
-    EXPECT_LT(difference_norm(lq, widen_matrix(a)) / (std::max<zint>(s.n, 1) * norm * epsilon()),
+    EXPECT_LT(difference_norm(product, widen_matrix(a)) / (std::max<zint>(order, 1) * norm * epsilon()),
               kResidualThreshold);
-    EXPECT_LT(row_orthogonality(q), kResidualThreshold);
+    EXPECT_LT(lq ? row_orthogonality(q) : column_orthogonality(q), kResidualThreshold);
 
     for (const zint reflectors : {k, k / 2}) {
-        const Wide expected = leading_rows(reflectors == k ? q : lq_q(f, tau, reflectors), k);
-        Matrix<T> g(k, s.n, f.ld);
-        for (zint j = 0; j < s.n; ++j) {
-            for (zint i = 0; i < k; ++i) g(i, j) = f(i, j);
+        const Wide partial = reflectors == k ? q : (lq ? lq_q(f, tau, reflectors) : qr_q(f, tau, reflectors));
+        const Wide expected = lq ? leading_rows(partial, k) : leading_columns(partial, k);
+        Matrix<T> g(lq ? k : s.m, lq ? s.n : k, f.ld);
+        for (zint j = 0; j < g.cols; ++j) {
+            for (zint i = 0; i < g.rows; ++i) g(i, j) = f(i, j);
         }
-        std::vector<T> gwork(1);
-        orglq<T>(k, s.n, reflectors, g.data(), g.ld, tau.data(), gwork.data(), -1, info);
-        const zint glwork = kind == Workspace::Optimal ? queried(gwork) : std::max<zint>(1, k);
-        gwork.assign(static_cast<std::size_t>(glwork), T{});
-        orglq<T>(k, s.n, reflectors, g.data(), g.ld, tau.data(), gwork.data(), glwork, info);
+        with_workspace<T>(kind, std::max<zint>(1, k), [&](zint lwork, T* work) {
+            const auto generate = lq ? orglq<T> : orgqr<T>;
+            generate(g.rows, g.cols, reflectors, g.data(), g.ld, tau.data(), work, lwork, info);
+        });
         ASSERT_EQ(info, 0);
-        EXPECT_LT(scaled_distance(expected, widen_matrix(g), s.n), kResidualThreshold)
-            << "orglq with " << reflectors << " reflectors";
+        EXPECT_LT(scaled_distance(expected, widen_matrix(g), order), kResidualThreshold)
+            << (lq ? "orglq" : "orgqr") << " with " << reflectors << " reflectors";
     }
 }
 
@@ -148,15 +119,15 @@ std::vector<Workspace> workspaces(Shape s) {
 
 TEST_P(Factorizations, QrReproducesTheMatrixWithAUnitaryQ) {
     for (Workspace kind : workspaces(GetParam())) {
-        check_qr<double>(GetParam(), kind);
-        check_qr<zcomplex>(GetParam(), kind);
+        check_factorization<double>(false, GetParam(), kind);
+        check_factorization<zcomplex>(false, GetParam(), kind);
     }
 }
 
 TEST_P(Factorizations, LqReproducesTheMatrixWithAUnitaryQ) {
     for (Workspace kind : workspaces(GetParam())) {
-        check_lq<double>(GetParam(), kind);
-        check_lq<zcomplex>(GetParam(), kind);
+        check_factorization<double>(true, GetParam(), kind);
+        check_factorization<zcomplex>(true, GetParam(), kind);
     }
 }
 
@@ -352,8 +323,8 @@ TEST(Orghr, FormsTheProductOfTheHessenbergReflectors) {
 class QrLevels : public LevelTest {};
 
 void factor_at_this_level() {
-    check_qr<double>({150, 131}, Workspace::Optimal);
-    check_lq<zcomplex>({131, 150}, Workspace::Optimal);
+    check_factorization<double>(false, {150, 131}, Workspace::Optimal);
+    check_factorization<zcomplex>(true, {131, 150}, Workspace::Optimal);
     check_geqp3<zcomplex>({180, 150, 70, false}, Workspace::Optimal);
     check_orghr<double>(150, 2, 140, Workspace::Optimal);
     std::exit(::testing::Test::HasFailure() ? 1 : 0);

@@ -66,22 +66,21 @@ template <class T>
 void larfb(char side, char trans, char direct, char storev, zint m, zint n, zint k, const T* v, zint ldv,
            const T* t, zint ldt, T* c, zint ldc, T* work, zint ldwork);
 
-// C := op(Q) C (side "L") or C op(Q) ("R") with Q = H(1) ... H(k) of a QR factorization (k <= m
-// for "L", <= n for "R"; A is m by k or n by k), op "N" or "T" ("C" for complex). orm2r applies the
-// reflectors one by one (work: n for "L", m for "R"); ormqr in blocks through larfb, work of
-// lwork elements (lwork = -1: the optimal size in work(1), nothing else done; at least n for
-// "L", m for "R"). A is modified but restored.
+// C := op(Q) C (side "L") or C op(Q) ("R"), op "N" or "T" ("C" for complex), with Q = H(1) ...
+// H(k) of a QR factorization (orm2r, ormqr; A is m by k for "L", n by k for "R") or Q = H(k)ᴴ ...
+// H(1)ᴴ of an LQ factorization (orml2, ormlq; A is k by m or k by n); k <= m for "L", <= n for
+// "R". orm2r and orml2 apply the reflectors one by one (work: n for "L", m for "R"); ormqr and
+// ormlq in blocks through larfb, with work of lwork elements (lwork = -1: the optimal size in
+// work(1), nothing else done; at least n for "L", m for "R"). A is modified but restored.
 template <class T>
 void orm2r(char side, char trans, zint m, zint n, zint k, T* a, zint lda, const T* tau, T* c, zint ldc,
            T* work, zint& info);
 template <class T>
-void ormqr(char side, char trans, zint m, zint n, zint k, T* a, zint lda, const T* tau, T* c, zint ldc,
-           T* work, zint lwork, zint& info);
-
-// The same for the Q = H(k)ᴴ ... H(1)ᴴ of an LQ factorization; A is k by m ("L") or k by n ("R").
-template <class T>
 void orml2(char side, char trans, zint m, zint n, zint k, T* a, zint lda, const T* tau, T* c, zint ldc,
            T* work, zint& info);
+template <class T>
+void ormqr(char side, char trans, zint m, zint n, zint k, T* a, zint lda, const T* tau, T* c, zint ldc,
+           T* work, zint lwork, zint& info);
 template <class T>
 void ormlq(char side, char trans, zint m, zint n, zint k, T* a, zint lda, const T* tau, T* c, zint ldc,
            T* work, zint lwork, zint& info);

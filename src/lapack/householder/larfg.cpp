@@ -47,11 +47,11 @@ void larfg(zint n, T& alpha, T* x, zint incx, T& tau) {
         const double up = 1.0 / safe_minimum;
         do {
             ++rescalings;
-            Blas<T>::scal_real(n - 1, up, x, incx);
+            if (n > 1) Blas<T>::scal_real(n - 1, up, x, incx);
             beta *= up;
             alpha = alpha * up;
         } while (std::fabs(beta) < safe_minimum && rescalings < kMaxRescalings);
-        xnorm = Blas<T>::nrm2(n - 1, x, incx);
+        xnorm = n > 1 ? Blas<T>::nrm2(n - 1, x, incx) : 0.0;
         beta = signed_norm(alpha, xnorm);
     }
     if constexpr (kIsComplex<T>) {
@@ -59,7 +59,7 @@ void larfg(zint n, T& alpha, T* x, zint incx, T& tau) {
     } else {
         tau = (beta - alpha) / beta;
     }
-    Blas<T>::scal(n - 1, one<T>() / (alpha - from_real<T>(beta)), x, incx);
+    if (n > 1) Blas<T>::scal(n - 1, one<T>() / (alpha - from_real<T>(beta)), x, incx);
     for (int i = 0; i < rescalings; ++i) beta *= safe_minimum;
     alpha = from_real<T>(beta);
 }

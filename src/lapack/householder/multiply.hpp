@@ -41,6 +41,20 @@ inline bool q_product_forward(bool lq, bool left, bool notran) {
 // The product reflector by reflector (arguments checked; m, n, k > 0). work: n (left) or m.
 template <class T>
 void q_product_unblocked(bool lq, char side, char trans, zint m, zint n, zint k, T* a, zint lda, const T* tau,
+                         T* c, zint ldc, T* work);
+
+// orm2r and orml2: the checks, then the product reflector by reflector.
+template <class T>
+void q_product_one_by_one(const char* name, bool lq, char side, char trans, zint m, zint n, zint k, T* a,
+                          zint lda, const T* tau, T* c, zint ldc, T* work, zint& info) {
+    info = check_q_product<T>(name, lq, side, trans, m, n, k, lda, ldc, false);
+    if (info != 0 || m == 0 || n == 0 || k == 0) return;
+    q_product_unblocked(lq, side, trans, m, n, k, a, lda, tau, c, ldc, work);
+}
+
+// The product reflector by reflector (arguments checked; m, n, k > 0). work: n (left) or m.
+template <class T>
+void q_product_unblocked(bool lq, char side, char trans, zint m, zint n, zint k, T* a, zint lda, const T* tau,
                          T* c, zint ldc, T* work) {
     const bool left = lsame(side, 'L');
     const bool notran = lsame(trans, 'N');
@@ -113,3 +127,22 @@ void q_product(const char* name, bool lq, char side, char trans, zint m, zint n,
 }
 
 }  // namespace zor
+
+// The four products are the code above: each one's source file defines and instantiates its routine
+// with one of these, named by the published routines (the real and the complex one).
+#define ZOR_Q_PRODUCT_ONE_BY_ONE(routine, lq, real_name, complex_name)                                   \
+    template <class T>                                                                                   \
+    void zor::routine(char side, char trans, zint m, zint n, zint k, T* a, zint lda, const T* tau, T* c, \
+                      zint ldc, T* work, zint& info) {                                                   \
+        q_product_one_by_one(routine_name<T>(real_name, complex_name), lq, side, trans, m, n, k, a, lda, \
+                             tau, c, ldc, work, info);                                                   \
+    }                                                                                                    \
+    ZOR_INSTANTIATE(routine)
+#define ZOR_Q_PRODUCT_IN_BLOCKS(routine, lq, real_name, complex_name)                                      \
+    template <class T>                                                                                     \
+    void zor::routine(char side, char trans, zint m, zint n, zint k, T* a, zint lda, const T* tau, T* c,   \
+                      zint ldc, T* work, zint lwork, zint& info) {                                         \
+        q_product(routine_name<T>(real_name, complex_name), lq, side, trans, m, n, k, a, lda, tau, c, ldc, \
+                  work, lwork, info);                                                                      \
+    }                                                                                                      \
+    ZOR_INSTANTIATE(routine)

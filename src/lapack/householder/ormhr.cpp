@@ -29,10 +29,9 @@ void ormhr(char side, char trans, zint m, zint n, zint ilo, zint ihi, T* a, zint
     // The sub-problem: rows (left) or columns (right) ilo + 1 .. ihi of C.
     const zint mi = left ? nh : m;
     const zint ni = left ? n : nh;
-    T* a_sub = a + ilo + (ilo - 1) * lda;
-    T* c_sub = left ? c + ilo : c + ilo * ldc;
     if (query) {
-        ormqr(side, trans, mi, ni, nh, a_sub, lda, tau + ilo - 1, c_sub, ldc, work, lwork, info);
+        // A query reads no array but work: the sub-problem is asked with the caller's pointers.
+        ormqr(side, trans, mi, ni, nh, a, lda, tau, c, ldc, work, lwork, info);
         return;
     }
     if (m == 0 || n == 0 || nh == 0) {
@@ -40,6 +39,8 @@ void ormhr(char side, char trans, zint m, zint n, zint ilo, zint ihi, T* a, zint
         return;
     }
     zint sub_info = 0;
+    T* a_sub = a + ilo + (ilo - 1) * lda;
+    T* c_sub = left ? c + ilo : c + ilo * ldc;
     ormqr(side, trans, mi, ni, nh, a_sub, lda, tau + ilo - 1, c_sub, ldc, work, lwork, sub_info);
 }
 

@@ -1,18 +1,5 @@
-// orml2: the Q of an LQ factorization applied reflector by reflector.
+// orml2: the Q of an LQ factorization applied reflector by reflector (multiply.hpp).
 
 #include "lapack/householder/multiply.hpp"
 
-namespace zor {
-
-template <class T>
-void orml2(char side, char trans, zint m, zint n, zint k, T* a, zint lda, const T* tau, T* c, zint ldc,
-           T* work, zint& info) {
-    info =
-        check_q_product<T>(routine_name<T>("DORML2", "ZUNML2"), true, side, trans, m, n, k, lda, ldc, false);
-    if (info != 0 || m == 0 || n == 0 || k == 0) return;
-    q_product_unblocked(true, side, trans, m, n, k, a, lda, tau, c, ldc, work);
-}
-
-}  // namespace zor
-
-ZOR_INSTANTIATE(orml2)
+ZOR_Q_PRODUCT_ONE_BY_ONE(orml2, true, "DORML2", "ZUNML2")

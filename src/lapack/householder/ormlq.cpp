@@ -1,17 +1,6 @@
-// ormlq: the Q of an LQ factorization applied in blocks of reflectors (larft, larfb), or one by one
-// when the block would not pay or the workspace holds too narrow a block.
+// ormlq: the Q of an LQ factorization applied in blocks of reflectors (larft, larfb), or one by
+// one when the block would not pay or the workspace holds too narrow a block (multiply.hpp).
 
 #include "lapack/householder/multiply.hpp"
 
-namespace zor {
-
-template <class T>
-void ormlq(char side, char trans, zint m, zint n, zint k, T* a, zint lda, const T* tau, T* c, zint ldc,
-           T* work, zint lwork, zint& info) {
-    q_product(routine_name<T>("DORMLQ", "ZUNMLQ"), true, side, trans, m, n, k, a, lda, tau, c, ldc, work,
-              lwork, info);
-}
-
-}  // namespace zor
-
-ZOR_INSTANTIATE(ormlq)
+ZOR_Q_PRODUCT_IN_BLOCKS(ormlq, true, "DORMLQ", "ZUNMLQ")

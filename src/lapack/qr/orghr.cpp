@@ -23,9 +23,9 @@ void orghr(zint n, zint ilo, zint ihi, T* a, zint lda, const T* tau, T* work, zi
     info = check_orghr<T>(n, ilo, ihi, lda, lwork);
     if (info != 0) return;
     const zint nh = max_of(ihi - ilo, 0);
-    T* q = a + ilo + ilo * lda;
     if (query) {
-        orgqr(nh, nh, nh, q, lda, tau + ilo - 1, work, lwork, info);
+        // A query reads no array but work: the sub-problem is asked with the caller's pointers.
+        orgqr(nh, nh, nh, a, lda, tau, work, lwork, info);
         return;
     }
     if (n == 0) {
@@ -47,7 +47,7 @@ void orghr(zint n, zint ilo, zint ihi, T* a, zint lda, const T* tau, T* work, zi
     for (zint j = ihi; j < n; ++j) unit_column(j);
     zint sub_info = 0;
     if (nh > 0) {
-        orgqr(nh, nh, nh, q, lda, tau + ilo - 1, work, lwork, sub_info);
+        orgqr(nh, nh, nh, a + ilo + ilo * lda, lda, tau + ilo - 1, work, lwork, sub_info);
     } else {
         work[0] = one<T>();
     }

@@ -28,21 +28,24 @@ void ormbr(char vect, char side, char trans, zint m, zint n, zint k, T* a, zint 
                             {ldc < max_of(1, m), 11},
                             {lwork < nw && !query, 13}});
     if (info != 0) return;
-    // The reflectors act on all of C, or (shifted) on its rows or columns after the first.
+    // The reflectors act on all of C, or (shifted) on its rows or columns after the first. A query
+    // computes no pointer from the caller's arrays.
     const bool shifted = apply_q ? nq < k : nq <= k;
     const zint steps = shifted ? nq - 1 : k;
     const zint mi = shifted && left ? m - 1 : m, ni = shifted && !left ? n - 1 : n;
-    T* cc = shifted ? (left ? c + 1 : c + ldc) : c;
-    zint sub_info = 0;
+    const bool offset = shifted && !query;
+    T* cc = offset ? (left ? c + 1 : c + ldc) : c;
+    T* aa = offset ? (apply_q ? a + 1 : a + lda) : a;
+    zint sub = 0;
     if (m == 0 || n == 0 || steps <= 0) {
         work[0] = one<T>();
         return;
     }
     if (apply_q) {
-        ormqr(side, trans, mi, ni, steps, shifted ? a + 1 : a, lda, tau, cc, ldc, work, lwork, sub_info);
+        ormqr(side, trans, mi, ni, steps, aa, lda, tau, cc, ldc, work, lwork, sub);
     } else {
         const char op = notran ? kAdjoint<T> : 'N';
-        ormlq(side, op, mi, ni, steps, shifted ? a + lda : a, lda, tau, cc, ldc, work, lwork, sub_info);
+        ormlq(side, op, mi, ni, steps, aa, lda, tau, cc, ldc, work, lwork, sub);
     }
 }
 
