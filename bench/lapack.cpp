@@ -1,12 +1,14 @@
 // The LU and Cholesky factorisations and solvers through the Fortran-style interface: dgetrf,
 // zgetrf, dpotrf, zpotrf, dgesv (one right-hand side), dgetri (from the factors) and dpptrf at
 // n = 200, 1000 and 3000; the orthogonal factorizations dgeqrf, zgeqrf, dgelqf, dgeqp3 and dorgqr
-// (Q from dgeqrf's reflectors) at n = 500, 1000, 2000 and 4000; dgemm at all these orders as the
-// ceiling to read them against; in GFLOP/s (the usual operation counts), single-threaded. Every
-// call works on a fresh copy of its input; the time of the copy is measured alone and taken off.
+// (Q from dgeqrf's reflectors) at n = 500, 1000, 2000 and 4000; the nonsymmetric eigenproblem
+// (dgehrd, dgeev without and with vectors, zgeev with right vectors, dgees with Schur vectors) at
+// n = 250, 500, 1000 and 2000; dgemm at all these orders as the ceiling to read them against; in
+// GFLOP/s (the usual operation counts), single-threaded. Every call works on a fresh copy of its
+// input; the time of the copy is measured alone and taken off.
 //
-// The peers to compare with: openblas-avx512 (OpenBLAS's own LU, Cholesky and QR on its AVX-512
-// kernels) and reference-lapack (the reference routines on the same BLAS).
+// The peers to compare with: openblas-avx512 (OpenBLAS's own LU, Cholesky, QR and eigenproblem
+// routines on its AVX-512 kernels) and reference-lapack (the reference routines on the same BLAS).
 
 #include <algorithm>
 #include <cstdint>
@@ -30,6 +32,16 @@ using Geqrf = void(const int*, const int*, double*, const int*, double*, double*
 using Geqp3 = void(const int*, const int*, double*, const int*, int*, double*, double*, const int*, int*);
 using Orgqr = void(const int*, const int*, const int*, double*, const int*, const double*, double*,
                    const int*, int*);
+// The nonsymmetric eigenproblem (complex arrays as pairs of doubles; zgeev's rwork last but one).
+using Gehrd = void(const int*, const int*, const int*, double*, const int*, double*, double*, const int*,
+                   int*);
+using Dgeev = void(const char*, const char*, const int*, double*, const int*, double*, double*, double*,
+                   const int*, double*, const int*, double*, const int*, int*, std::size_t, std::size_t);
+using Zgeev = void(const char*, const char*, const int*, double*, const int*, double*, double*, const int*,
+                   double*, const int*, double*, const int*, double*, int*, std::size_t, std::size_t);
+using Select = int(const double*, const double*);
+using Dgees = void(const char*, const char*, Select*, const int*, double*, const int*, int*, double*, double*,
+                   double*, const int*, double*, const int*, int*, int*, std::size_t, std::size_t);
 // cblas_dgemm: zor exports the CBLAS level 3, not the Fortran-style dgemm.
 using Dgemm = void(int, int, int, int, int, int, double, const double*, int, const double*, int, double,
                    double*, int);
@@ -162,7 +174,96 @@ double measure_orthogonal(const bench::Library& library, const std::string& rout
     return -1;
 }
 
+// The nonsymmetric eigenproblem on a random square matrix, with the optimal workspace: dgehrd (the
+// whole matrix), dgeev without vectors (dgeev-nn) and with both (dgeev-vv), zgeev with right
+// vectors (zgeev-nv), dgees with Schur vectors, unsorted (dgees-v).
+double measure_eigen(const bench::Library& library, const std::string& routine, int n) {
+    const bool complex = routine[0] == 'z';
+    const std::size_t nn = static_cast<std::size_t>(n) * n * (complex ? 2 : 1);
+    const bool long_calls = static_cast<double>(n) * n * n * (complex ? 4 : 1) > 3e8;
+    Array a(nn), w(nn);
+    fill_random(a.get(), nn, 0xE16E7u + static_cast<std::uint64_t>(n));
+    std::vector<double> wr(static_cast<std::size_t>(2 * n)), wi(static_cast<std::size_t>(n));
+    std::vector<double> v1(nn), v2(nn), rwork(static_cast<std::size_t>(2 * n));
+    int info = 0;
+    const int one = 1, ilo = 1;
+    if (routine == "dgehrd") {
+        auto* f = library.function<Gehrd>("dgehrd_");
+        if (!f) return -1;
+        std::vector<double> work = optimal_work(
+            [&](const int* lwork, double* answer) {
+                f(&n, &ilo, &n, w.get(), &n, wr.data(), answer, lwork, &info);
+            },
+            false);
+        const int lwork = static_cast<int>(work.size());
+        return timed_on_copy(
+            a, w, [&] { f(&n, &ilo, &n, w.get(), &n, wr.data(), work.data(), &lwork, &info); }, long_calls);
+    }
+    if (routine == "dgeev-nn" || routine == "dgeev-vv") {
+        auto* f = library.function<Dgeev>("dgeev_");
+        if (!f) return -1;
+        const char job = routine == "dgeev-vv" ? 'V' : 'N';
+        std::vector<double> work = optimal_work(
+            [&](const int* lwork, double* answer) {
+                f(&job, &job, &n, w.get(), &n, wr.data(), wi.data(), v1.data(), &n, v2.data(), &n, answer,
+                  lwork, &info, 1, 1);
+            },
+            false);
+        const int lwork = static_cast<int>(work.size());
+        return timed_on_copy(
+            a, w,
+            [&] {
+                f(&job, &job, &n, w.get(), &n, wr.data(), wi.data(), v1.data(), &n, v2.data(), &n,
+                  work.data(), &lwork, &info, 1, 1);
+            },
+            long_calls);
+    }
+    if (routine == "zgeev-nv") {
+        auto* f = library.function<Zgeev>("zgeev_");
+        if (!f) return -1;
+        const char no = 'N', yes = 'V';
+        std::vector<double> work = optimal_work(
+            [&](const int* lwork, double* answer) {
+                f(&no, &yes, &n, w.get(), &n, wr.data(), v1.data(), &one, v2.data(), &n, answer, lwork,
+                  rwork.data(), &info, 1, 1);
+            },
+            true);
+        const int lwork = static_cast<int>(work.size() / 2);
+        return timed_on_copy(
+            a, w,
+            [&] {
+                f(&no, &yes, &n, w.get(), &n, wr.data(), v1.data(), &one, v2.data(), &n, work.data(), &lwork,
+                  rwork.data(), &info, 1, 1);
+            },
+            long_calls);
+    }
+    if (routine == "dgees-v") {
+        auto* f = library.function<Dgees>("dgees_");
+        if (!f) return -1;
+        const char yes = 'V', no = 'N';
+        int sdim = 0, bwork = 0;
+        std::vector<double> work = optimal_work(
+            [&](const int* lwork, double* answer) {
+                f(&yes, &no, nullptr, &n, w.get(), &n, &sdim, wr.data(), wi.data(), v1.data(), &n, answer,
+                  lwork, &bwork, &info, 1, 1);
+            },
+            false);
+        const int lwork = static_cast<int>(work.size());
+        return timed_on_copy(
+            a, w,
+            [&] {
+                f(&yes, &no, nullptr, &n, w.get(), &n, &sdim, wr.data(), wi.data(), v1.data(), &n,
+                  work.data(), &lwork, &bwork, &info, 1, 1);
+            },
+            long_calls);
+    }
+    return -1;
+}
+
 double measure(const bench::Library& library, const std::string& routine, int n) {
+    if (routine == "dgehrd" || routine == "dgeev-nn" || routine == "dgeev-vv" || routine == "zgeev-nv" ||
+        routine == "dgees-v")
+        return measure_eigen(library, routine, n);
     if (routine == "dgeqrf" || routine == "zgeqrf" || routine == "dgelqf" || routine == "dgeqp3" ||
         routine == "dorgqr")
         return measure_orthogonal(library, routine, n);
@@ -244,18 +345,26 @@ double flops(const std::string& routine, double n) {
     if (routine == "dgeqrf" || routine == "dgelqf" || routine == "dgeqp3" || routine == "dorgqr")
         return 4 * cube / 3;
     if (routine == "zgeqrf") return 16 * cube / 3;
+    // The customary counts of the eigenproblem: the Hessenberg reduction, eigenvalues only, with
+    // both sets of vectors, the Schur form with Schur vectors (complex: four times the real count).
+    if (routine == "dgehrd") return 10 * cube / 3;
+    if (routine == "dgeev-nn") return 10 * cube;
+    if (routine == "dgeev-vv") return 26.33 * cube;
+    if (routine == "zgeev-nv") return 4 * 26.33 * cube;
+    if (routine == "dgees-v") return 25 * cube;
     return 2 * cube;  // dgemm
 }
 
 const char* const kRoutines[] = {"dgetrf", "zgetrf", "dpotrf", "zpotrf",
                                  "dgesv",  "dgetri", "dpptrf", "dgemm"};
 const char* const kOrthogonal[] = {"dgeqrf", "zgeqrf", "dgelqf", "dgeqp3", "dorgqr", "dgemm"};
+const char* const kEigen[] = {"dgehrd", "dgeev-nn", "dgeev-vv", "zgeev-nv", "dgees-v"};
 
 }  // namespace
 
 int main(int argc, char** argv) {
     bench::Benchmark benchmark;
-    benchmark.title = "LU, Cholesky and QR, column-major, lda = n, GFLOP/s";
+    benchmark.title = "LU, Cholesky, QR and the nonsymmetric eigenproblem, column-major, lda = n, GFLOP/s";
     benchmark.metric = bench::Metric::GflopsPerSecond;
     for (const char* routine : kRoutines) {
         for (const int n : {200, 1000, 3000}) {
@@ -266,6 +375,11 @@ int main(int argc, char** argv) {
         for (const int n : {500, 1000, 2000, 4000}) {
             // dgemm at 1000 is in the list already.
             if (std::string(routine) == "dgemm" && n == 1000) continue;
+            benchmark.cases.push_back({std::string(routine) + " n=" + std::to_string(n), flops(routine, n)});
+        }
+    }
+    for (const char* routine : kEigen) {
+        for (const int n : {250, 500, 1000, 2000}) {
             benchmark.cases.push_back({std::string(routine) + " n=" + std::to_string(n), flops(routine, n)});
         }
     }

@@ -164,6 +164,78 @@ ZOR_FORTRAN_API void zunghr(const zor_int* n, const zor_int* ilo, const zor_int*
                             const zor_int* lda, const zor_complex_double* tau, zor_complex_double* work,
                             const zor_int* lwork, zor_int* info);
 
+/* ---- The nonsymmetric eigenproblem ------------------------------------------------------------ */
+
+/* The caller's choice of eigenvalues for dgees and zgees, in the Fortran convention: the eigenvalue
+ * by reference (real and imaginary parts for dgees), a logical answer, nonzero for selected. */
+typedef zor_int (*zor_dselect2)(const double* wr, const double* wi);
+typedef zor_int (*zor_zselect1)(const zor_complex_double* w);
+
+/* Balances A by a permutation (job "P"), a diagonal scaling ("S") or both ("B"; "N": neither): rows
+ * and columns ilo .. ihi are left to the QR algorithm, scale records the permutation and factors. */
+ZOR_FORTRAN_API void dgebal(const char* job, const zor_int* n, double* a, const zor_int* lda, zor_int* ilo,
+                            zor_int* ihi, double* scale, zor_int* info, size_t job_length);
+ZOR_FORTRAN_API void zgebal(const char* job, const zor_int* n, zor_complex_double* a, const zor_int* lda,
+                            zor_int* ilo, zor_int* ihi, double* scale, zor_int* info, size_t job_length);
+/* Transforms the m right ("R") or left ("L") eigenvectors of a balanced matrix back to those of the
+ * original matrix. */
+ZOR_FORTRAN_API void dgebak(const char* job, const char* side, const zor_int* n, const zor_int* ilo,
+                            const zor_int* ihi, const double* scale, const zor_int* m, double* v,
+                            const zor_int* ldv, zor_int* info, size_t job_length, size_t side_length);
+ZOR_FORTRAN_API void zgebak(const char* job, const char* side, const zor_int* n, const zor_int* ilo,
+                            const zor_int* ihi, const double* scale, const zor_int* m, zor_complex_double* v,
+                            const zor_int* ldv, zor_int* info, size_t job_length, size_t side_length);
+/* Reduces rows and columns ilo .. ihi of A to upper Hessenberg form H = Qᴴ A Q, Q stored as
+ * reflectors below the subdiagonal (dorghr forms it). lwork >= max(1, n); lwork = -1 asks for the
+ * optimal size in work[0]. */
+ZOR_FORTRAN_API void dgehrd(const zor_int* n, const zor_int* ilo, const zor_int* ihi, double* a, const zor_int* lda,
+                            double* tau, double* work, const zor_int* lwork, zor_int* info);
+ZOR_FORTRAN_API void zgehrd(const zor_int* n, const zor_int* ilo, const zor_int* ihi, zor_complex_double* a,
+                            const zor_int* lda, zor_complex_double* tau, zor_complex_double* work,
+                            const zor_int* lwork, zor_int* info);
+/* The Schur factorization A = Z T Zᴴ (jobvs "V": Z in vs), optionally (sort "S") with the eigenvalues
+ * select chooses at the top of T (sdim of them); info = n + 1: they could not be reordered, n + 2:
+ * rounding changed the choice after reordering. lwork >= max(1, 3n) (dgees), max(1, 2n) (zgees, with
+ * rwork of n doubles); bwork (n logicals) is used only when sorting. */
+ZOR_FORTRAN_API void dgees(const char* jobvs, const char* sort, zor_dselect2 select, const zor_int* n, double* a,
+                           const zor_int* lda, zor_int* sdim, double* wr, double* wi, double* vs,
+                           const zor_int* ldvs, double* work, const zor_int* lwork, zor_int* bwork, zor_int* info,
+                           size_t jobvs_length, size_t sort_length);
+ZOR_FORTRAN_API void zgees(const char* jobvs, const char* sort, zor_zselect1 select, const zor_int* n,
+                           zor_complex_double* a, const zor_int* lda, zor_int* sdim, zor_complex_double* w,
+                           zor_complex_double* vs, const zor_int* ldvs, zor_complex_double* work,
+                           const zor_int* lwork, double* rwork, zor_int* bwork, zor_int* info,
+                           size_t jobvs_length, size_t sort_length);
+/* The eigenvalues of A and its left (jobvl "V") and right (jobvr "V") eigenvectors, each of norm 1
+ * with its largest component real. lwork >= max(1, 4n) with vectors, max(1, 3n) without (dgeev);
+ * max(1, 2n) (zgeev, with rwork of 2n doubles). */
+ZOR_FORTRAN_API void dgeev(const char* jobvl, const char* jobvr, const zor_int* n, double* a, const zor_int* lda,
+                           double* wr, double* wi, double* vl, const zor_int* ldvl, double* vr,
+                           const zor_int* ldvr, double* work, const zor_int* lwork, zor_int* info,
+                           size_t jobvl_length, size_t jobvr_length);
+ZOR_FORTRAN_API void zgeev(const char* jobvl, const char* jobvr, const zor_int* n, zor_complex_double* a,
+                           const zor_int* lda, zor_complex_double* w, zor_complex_double* vl, const zor_int* ldvl,
+                           zor_complex_double* vr, const zor_int* ldvr, zor_complex_double* work,
+                           const zor_int* lwork, double* rwork, zor_int* info, size_t jobvl_length,
+                           size_t jobvr_length);
+/* Moves the diagonal block of the Schur form T at row ifst to row ilst, updating Q (compq "V"). */
+ZOR_FORTRAN_API void dtrexc(const char* compq, const zor_int* n, double* t, const zor_int* ldt, double* q,
+                            const zor_int* ldq, zor_int* ifst, zor_int* ilst, double* work, zor_int* info,
+                            size_t compq_length);
+ZOR_FORTRAN_API void ztrexc(const char* compq, const zor_int* n, zor_complex_double* t, const zor_int* ldt,
+                            zor_complex_double* q, const zor_int* ldq, const zor_int* ifst, const zor_int* ilst,
+                            zor_int* info, size_t compq_length);
+/* Solves op(A) X + isgn X op(B) = scale C for the Schur forms A and B; X overwrites C. */
+ZOR_FORTRAN_API void dtrsyl(const char* trana, const char* tranb, const zor_int* isgn, const zor_int* m,
+                            const zor_int* n, const double* a, const zor_int* lda, const double* b,
+                            const zor_int* ldb, double* c, const zor_int* ldc, double* scale, zor_int* info,
+                            size_t trana_length, size_t tranb_length);
+ZOR_FORTRAN_API void ztrsyl(const char* trana, const char* tranb, const zor_int* isgn, const zor_int* m,
+                            const zor_int* n, const zor_complex_double* a, const zor_int* lda,
+                            const zor_complex_double* b, const zor_int* ldb, zor_complex_double* c,
+                            const zor_int* ldc, double* scale, zor_int* info, size_t trana_length,
+                            size_t tranb_length);
+
 ZOR_EXTERN_C_END
 
 #endif

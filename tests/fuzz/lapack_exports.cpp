@@ -285,6 +285,205 @@ void orghr(Call& c, const char* name) {
     c.run_lapack([&](zor_int* info) { f(&n, &ilo, &ihi, a, &lda, tau, work, &lwork, info); });
 }
 
+// ---- the nonsymmetric eigenproblem -------------------------------------------------------------
+
+// gebal: a NaN in A is reported as argument 3 after the permutation: keep A finite.
+template <class T, auto f>
+void gebal(Call& c, const char* name) {
+    const char job = c.letter("JOB", "NPSB");
+    const zor_int n = c.dimension("N"), lda = c.leading("LDA", n);
+    c.lapack(name, {{!is(job, "NPSB"), 1}, {n < 0, 2}, {lda < max1(n), 4}});
+    T* a = c.matrix<T>("A", n, n, lda, Use::InOut);
+    double* scale = c.array<double>("SCALE", n, Use::InOut);
+    if (c.computes()) {
+        auto* values = reinterpret_cast<double*>(a);
+        const std::int64_t count =
+            (n > 0 ? (n - 1) * std::int64_t{lda} + n : 0) * (sizeof(T) / sizeof(double));
+        for (std::int64_t i = 0; i < count; ++i)
+            if (!std::isfinite(values[i])) values[i] = 0.0;
+    }
+    zor_int ilo = 0, ihi = 0;
+    c.run_lapack([&](zor_int* info) { f(&job, &n, a, &lda, &ilo, &ihi, scale, info, 1); });
+}
+
+// gebak: SCALE as gebal leaves it, row indices outside ILO .. IHI and positive factors inside.
+template <class T, auto f>
+void gebak(Call& c, const char* name) {
+    const char job = c.letter("JOB", "NPSB"), side = c.letter("SIDE", "LR");
+    const zor_int n = c.dimension("N"), ilo = c.dimension("ILO"), ihi = c.dimension("IHI");
+    const zor_int m = c.dimension("M"), ldv = c.leading("LDV", n);
+    c.lapack(name, {{!is(job, "NPSB"), 1},
+                    {!is(side, "LR"), 2},
+                    {n < 0, 3},
+                    {ilo < 1 || ilo > max1(n), 4},
+                    {ihi < min_of(ilo, n) || ihi > n, 5},
+                    {m < 0, 7},
+                    {ldv < max1(n), 9}});
+    double* scale = c.array<double>("SCALE", n, Use::In);
+    T* v = c.matrix<T>("V", n, m, ldv, Use::InOut);
+    if (c.computes()) {
+        for (zor_int i = 0; i < n; ++i)
+            scale[i] = i + 1 < ilo || i + 1 > ihi ? double((i * 7) % n + 1) : std::fabs(scale[i]) + 0.5;
+    }
+    c.run_lapack([&](zor_int* info) { f(&job, &side, &n, &ilo, &ihi, scale, &m, v, &ldv, info, 1, 1); });
+}
+
+// gehrd: the ILO/IHI rules of orghr; LWORK at least max(1, N).
+template <class T, auto f>
+void gehrd(Call& c, const char* name) {
+    const zor_int n = c.dimension("N"), ilo = c.dimension("ILO"), ihi = c.dimension("IHI");
+    const zor_int lda = c.leading("LDA", n);
+    const zor_int lwork = c.workspace("LWORK", max1(n));
+    const bool query = lwork == -1;
+    c.lapack(name, {{n < 0, 1},
+                    {ilo < 1 || ilo > max1(n), 2},
+                    {ihi < min_of(ilo, n) || ihi > n, 3},
+                    {lda < max1(n), 5},
+                    {lwork < max1(n) && !query, 8}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    T* a = c.matrix<T>("A", n, n, lda, out);
+    T* tau = c.array<T>("TAU", below(n, 1), out);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    c.run_lapack([&](zor_int* info) { f(&n, &ilo, &ihi, a, &lda, tau, work, &lwork, info); });
+}
+
+zor_int select_left_half(const double* wr, const double*) {
+    return *wr < 0.0;
+}
+zor_int select_left_half_z(const zor_complex_double* w) {
+    return w->real < 0.0;
+}
+
+// gees: LWORK at least 3 N (dgees) or 2 N (zgees, with RWORK of N), 1 when N is 0; VS only with
+// JOBVS "V", BWORK only when sorting. The complex form has no WI: later parameters are one less.
+template <class T, auto f>
+void gees(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const char jobvs = c.letter("JOBVS", "VN"), sort = c.letter("SORT", "SN");
+    const zor_int n = c.dimension("N"), lda = c.leading("LDA", n), ldvs = c.leading("LDVS", n);
+    const bool wantvs = is(jobvs, "V");
+    const std::int64_t least = n > 0 ? (complex ? 2 : 3) * std::int64_t{n} : 1;
+    const zor_int lwork = c.workspace("LWORK", least);
+    const bool query = lwork == -1;
+    const int shift = complex ? 1 : 0;
+    c.lapack(name, {{!is(jobvs, "VN"), 1},
+                    {!is(sort, "SN"), 2},
+                    {n < 0, 4},
+                    {lda < max1(n), 6},
+                    {ldvs < 1 || (wantvs && ldvs < n), 11 - shift},
+                    {lwork < least && !query, 13 - shift}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    T* a = c.matrix<T>("A", n, n, lda, out);
+    T* vs = c.matrix<T>("VS", wantvs ? n : 0, n, ldvs, wantvs ? out : Use::Untouched);
+    zor_int* bwork = c.array<zor_int>("BWORK", n, is(sort, "S") ? out : Use::Untouched);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    zor_int sdim = 0;
+    if constexpr (complex) {
+        T* w = c.array<T>("W", n, out);
+        double* rwork = c.array<double>("RWORK", n, out);
+        c.run_lapack([&](zor_int* info) {
+            f(&jobvs, &sort, select_left_half_z, &n, a, &lda, &sdim, w, vs, &ldvs, work, &lwork, rwork, bwork,
+              info, 1, 1);
+        });
+    } else {
+        double* wr = c.array<double>("WR", n, out);
+        double* wi = c.array<double>("WI", n, out);
+        c.run_lapack([&](zor_int* info) {
+            f(&jobvs, &sort, select_left_half, &n, a, &lda, &sdim, wr, wi, vs, &ldvs, work, &lwork, bwork,
+              info, 1, 1);
+        });
+    }
+}
+
+// geev: LWORK at least 4 N with vectors, 3 N without (dgeev), 2 N (zgeev, with RWORK of 2 N), 1
+// when N is 0; VL and VR only when asked for.
+template <class T, auto f>
+void geev(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const char jobvl = c.letter("JOBVL", "VN"), jobvr = c.letter("JOBVR", "VN");
+    const zor_int n = c.dimension("N"), lda = c.leading("LDA", n);
+    const zor_int ldvl = c.leading("LDVL", n), ldvr = c.leading("LDVR", n);
+    const bool wantvl = is(jobvl, "V"), wantvr = is(jobvr, "V");
+    const std::int64_t least = n > 0 ? (complex ? 2 : wantvl || wantvr ? 4 : 3) * std::int64_t{n} : 1;
+    const zor_int lwork = c.workspace("LWORK", least);
+    const bool query = lwork == -1;
+    const int shift = complex ? 1 : 0;
+    c.lapack(name, {{!is(jobvl, "VN"), 1},
+                    {!is(jobvr, "VN"), 2},
+                    {n < 0, 3},
+                    {lda < max1(n), 5},
+                    {ldvl < 1 || (wantvl && ldvl < n), 9 - shift},
+                    {ldvr < 1 || (wantvr && ldvr < n), 11 - shift},
+                    {lwork < least && !query, 13 - shift}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    T* a = c.matrix<T>("A", n, n, lda, out);
+    T* vl = c.matrix<T>("VL", wantvl ? n : 0, n, ldvl, wantvl ? out : Use::Untouched);
+    T* vr = c.matrix<T>("VR", wantvr ? n : 0, n, ldvr, wantvr ? out : Use::Untouched);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    if constexpr (complex) {
+        T* w = c.array<T>("W", n, out);
+        double* rwork = c.array<double>("RWORK", 2 * std::int64_t{n}, out);
+        c.run_lapack([&](zor_int* info) {
+            f(&jobvl, &jobvr, &n, a, &lda, w, vl, &ldvl, vr, &ldvr, work, &lwork, rwork, info, 1, 1);
+        });
+    } else {
+        double* wr = c.array<double>("WR", n, out);
+        double* wi = c.array<double>("WI", n, out);
+        c.run_lapack([&](zor_int* info) {
+            f(&jobvl, &jobvr, &n, a, &lda, wr, wi, vl, &ldvl, vr, &ldvr, work, &lwork, info, 1, 1);
+        });
+    }
+}
+
+// trexc on any T (its subdiagonal decides the blocks of the real form); Q only with COMPQ "V".
+template <class T, auto f>
+void trexc(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const char compq = c.letter("COMPQ", "VN");
+    const zor_int n = c.dimension("N"), ldt = c.leading("LDT", n), ldq = c.leading("LDQ", n);
+    zor_int ifst = c.dimension("IFST"), ilst = c.dimension("ILST");
+    const bool wantq = is(compq, "V");
+    c.lapack(name, {{!is(compq, "VN"), 1},
+                    {n < 0, 2},
+                    {ldt < max1(n), 4},
+                    {ldq < 1 || (wantq && ldq < max1(n)), 6},
+                    {(ifst < 1 || ifst > n) && n > 0, 7},
+                    {(ilst < 1 || ilst > n) && n > 0, 8}});
+    T* t = c.matrix<T>("T", n, n, ldt, Use::InOut);
+    T* q = c.matrix<T>("Q", wantq ? n : 0, n, ldq, wantq ? Use::InOut : Use::Untouched);
+    if constexpr (complex) {
+        c.run_lapack([&](zor_int* info) { f(&compq, &n, t, &ldt, q, &ldq, &ifst, &ilst, info, 1); });
+    } else {
+        double* work = c.array<double>("WORK", n, Use::InOut);
+        c.run_lapack([&](zor_int* info) { f(&compq, &n, t, &ldt, q, &ldq, &ifst, &ilst, work, info, 1); });
+    }
+}
+
+// trsyl on any A and B; "T" is valid for the real form only.
+template <class T, auto f>
+void trsyl(Call& c, const char* name) {
+    const char* valid = std::is_same_v<T, Z> ? "NC" : "NTC";
+    const char trana = c.letter("TRANA", valid), tranb = c.letter("TRANB", valid);
+    const zor_int isgn = c.enumeration("ISGN", -1, 3);
+    const zor_int m = c.dimension("M"), n = c.dimension("N");
+    const zor_int lda = c.leading("LDA", m), ldb = c.leading("LDB", n), ldc = c.leading("LDC", m);
+    c.lapack(name, {{!is(trana, valid), 1},
+                    {!is(tranb, valid), 2},
+                    {isgn != 1 && isgn != -1, 3},
+                    {m < 0, 4},
+                    {n < 0, 5},
+                    {lda < max1(m), 7},
+                    {ldb < max1(n), 9},
+                    {ldc < max1(m), 11}});
+    const T* a = c.matrix<T>("A", m, m, lda, Use::In);
+    const T* b = c.matrix<T>("B", n, n, ldb, Use::In);
+    T* cc = c.matrix<T>("C", m, n, ldc, Use::InOut);
+    double scale = 0.0;
+    c.run_lapack([&](zor_int* info) {
+        f(&trana, &tranb, &isgn, &m, &n, a, &lda, b, &ldb, cc, &ldc, &scale, info, 1, 1);
+    });
+}
+
 // ---- auxiliaries: no argument checks ------------------------------------------------------------
 
 void dlapy2_(Call& c) {
@@ -348,6 +547,13 @@ constexpr Export kExports[] = {
     ZOR_FUZZ_EXPORT(zunglq, orglq, Z, "ZUNGLQ"),
     ZOR_FUZZ_EXPORT(dorghr, orghr, D, "DORGHR"),
     ZOR_FUZZ_EXPORT(zunghr, orghr, Z, "ZUNGHR"),
+    ZOR_FUZZ_EXPORTS(gebal, gebal, "GEBAL"),
+    ZOR_FUZZ_EXPORTS(gebak, gebak, "GEBAK"),
+    ZOR_FUZZ_EXPORTS(gehrd, gehrd, "GEHRD"),
+    ZOR_FUZZ_EXPORTS(gees, gees, "GEES "),
+    ZOR_FUZZ_EXPORTS(geev, geev, "GEEV "),
+    ZOR_FUZZ_EXPORTS(trexc, trexc, "TREXC"),
+    ZOR_FUZZ_EXPORTS(trsyl, trsyl, "TRSYL"),
     {"dlapy2", dlapy2_},
     {"zdrot", zdrot_},
     {"zrotg_", zrotg_fuzz},
