@@ -68,36 +68,25 @@ undetected() {
     sed -nE 's/.*ILLEGAL VALUE OF PARAMETER NUMBER +([0-9]+) NOT DETECTED BY ([A-Za-z0-9_]+).*/\1 \2/p' "$1"
 }
 
+# A finding: its title and its lines, indented; any finding fails the run.
 status=0
-lost=$(comm -23 <(passes "$baseline") <(passes "$withzor"))
-if [ -n "$lost" ]; then
-    echo "passed on the reference BLAS alone but not with zor:"
-    echo "$lost" | sed 's/^/  /'
+finding() {
+    [ -z "$2" ] && return 0
+    echo "$1"
+    echo "$2" | sed 's/^/  /'
     status=1
-fi
-new=$(comm -13 <(failures "$baseline") <(failures "$withzor"))
-if [ -n "$new" ]; then
-    echo "failures with zor that the reference BLAS alone does not have:"
-    echo "$new" | sed 's/^/  /'
-    status=1
-fi
-if ! diff <(reported "$withzor") <(undetected "$withzor") > "$work/$name/exits.diff"; then
-    echo "error exits that zor did not report as the program expected (< reported, > expected):"
-    sed 's/^/  /' "$work/$name/exits.diff"
-    status=1
-fi
-if [ -n "$(undetected "$baseline")" ]; then
-    echo "the baseline itself missed argument errors:"
-    undetected "$baseline" | sed 's/^/  /'
-    status=1
-fi
+}
+finding "passed on the reference BLAS alone but not with zor:" \
+    "$(comm -23 <(passes "$baseline") <(passes "$withzor"))"
+finding "failures with zor that the reference BLAS alone does not have:" \
+    "$(comm -13 <(failures "$baseline") <(failures "$withzor"))"
+finding "error exits that zor did not report as the program expected (< reported, > expected):" \
+    "$(diff <(reported "$withzor") <(undetected "$withzor") || true)"
+finding "the baseline itself missed argument errors:" "$(undetected "$baseline")"
 # The program's references that zor resolved.
 served=$(cat "$work/$name/zor"/bindings.* | grep -F "binding file $program " | grep -F " to $zor " |
-    sed -nE "s/.*symbol \`([A-Za-z0-9_]+)'.*/\1/p" | sort -u | tr '\n' ' ')
-if [ -z "$served" ]; then
-    echo "no call of $name went to $zor"
-    status=1
-fi
+    sed -nE "s/.*symbol \`([A-Za-z0-9_]+)'.*/\1/p" | sort -u | tr '\n' ' ' || true)
+[ -n "$served" ] || finding "no call of the program went to zor:" "$zor"
 echo "$name: served by zor: $served"
 echo "$name: $(undetected "$withzor" | wc -l) argument errors reported by zor's xerbla as the program expected"
 echo "$name: $([ $status = 0 ] && echo passed || echo FAILED)"
