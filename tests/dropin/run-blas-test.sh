@@ -25,7 +25,7 @@ case $input in
     *) input=$blas/$input ;;
 esac
 name=$(basename "$program")
-rm -rf "$work/$name"
+rm -rf "${work:?}/$name"
 mkdir -p "$work/$name/baseline" "$work/$name/zor"
 
 # The programs write their report to standard output or to the summary file that the input names,

@@ -8,7 +8,7 @@
 set -euo pipefail
 platform=$1 cmake=$2 build=$3 source=$4 work=$5 cc=$6 cxx=$7
 examples=$source/examples
-rm -rf "$work"
+rm -rf "${work:?}"
 mkdir -p "$work"
 work=$(cd "$work" && pwd)
 
@@ -32,7 +32,7 @@ expected=(lib/pkgconfig/zor.pc lib/cmake/zor/zorConfig.cmake lib/cmake/zor/zorCo
 for header in "$source"/include/zor/*.h; do
     name=$(basename "$header")
     [ "$name" = zor_blas.h ] && ! grep -qx 'ZOR_FORTRAN_BLAS_NAMES:BOOL=ON' "$build/CMakeCache.txt" && continue
-    expected+=(include/zor/$name)
+    expected+=("include/zor/$name")
 done
 if [ "$platform" = windows ]; then
     expected+=(bin/zor.dll lib/libzor.dll.a)
@@ -98,7 +98,7 @@ for program in "${selected[@]}"; do
         *) compiler=$cxx ;;
     esac
     extra=()
-    [ "$platform" = linux ] && extra=(-Wl,-rpath,"$(pkg-config --variable=libdir zor)")
+    [ "$platform" = linux ] && extra=("-Wl,-rpath,$(pkg-config --variable=libdir zor)")
     # shellcheck disable=SC2086
     "$compiler" -Wall -Werror $flags "$(ls "$examples/$program".*)" -o "$exe" $libs -lm "${extra[@]}"
     out=$(run "$exe") || fail "$program (pkg-config) returned $?: $out"
