@@ -1,10 +1,12 @@
 // The LU and Cholesky factorisations and solvers through the Fortran-style interface: dgetrf,
 // zgetrf, dpotrf, zpotrf, dgesv (one right-hand side), dgetri (from the factors) and dpptrf at
 // n = 200, 1000 and 3000; the orthogonal factorizations dgeqrf, zgeqrf, dgelqf, dgeqp3 and dorgqr
-// (Q from dgeqrf's reflectors) at n = 500, 1000, 2000 and 4000; the nonsymmetric eigenproblem
-// (dgehrd, dgeev without and with vectors, zgeev with right vectors, dgees with Schur vectors) at
-// n = 250, 500, 1000 and 2000; dgemm at all these orders as the ceiling to read them against; in
-// GFLOP/s (the usual operation counts), single-threaded. Every call works on a fresh copy of its
+// (Q from dgeqrf's reflectors) at n = 500, 1000, 2000 and 4000; the symmetric and Hermitian
+// eigenproblem dsyevd and zheevd without ("-n") and with ("-v") vectors at the same orders; the
+// nonsymmetric eigenproblem (dgehrd, dgeev without and with vectors, zgeev with right vectors,
+// dgees with Schur vectors) at n = 250, 500, 1000 and 2000; dgemm at all these orders as the
+// ceiling to read them against; in GFLOP/s (the usual operation counts; nominal ones for the
+// eigenproblems), single-threaded. Every call works on a fresh copy of its
 // input; the time of the copy is measured alone and taken off.
 //
 // The peers to compare with: openblas-avx512 (OpenBLAS's own LU, Cholesky, QR and eigenproblem
@@ -42,6 +44,11 @@ using Zgeev = void(const char*, const char*, const int*, double*, const int*, do
 using Select = int(const double*, const double*);
 using Dgees = void(const char*, const char*, Select*, const int*, double*, const int*, int*, double*, double*,
                    double*, const int*, double*, const int*, int*, int*, std::size_t, std::size_t);
+// dsyevd, and zheevd with its rwork (complex arrays as pairs of doubles).
+using Syevd = void(const char*, const char*, const int*, double*, const int*, double*, double*, const int*,
+                   int*, const int*, int*, std::size_t, std::size_t);
+using Heevd = void(const char*, const char*, const int*, double*, const int*, double*, double*, const int*,
+                   double*, const int*, int*, const int*, int*, std::size_t, std::size_t);
 // cblas_dgemm: zor exports the CBLAS level 3, not the Fortran-style dgemm.
 using Dgemm = void(int, int, int, int, int, int, double, const double*, int, const double*, int, double,
                    double*, int);
@@ -260,7 +267,51 @@ double measure_eigen(const bench::Library& library, const std::string& routine, 
     return -1;
 }
 
+// The eigenvalues (routine "dsyevd-n", "zheevd-n") or eigenvalues and vectors ("-v") of a random
+// symmetric (Hermitian) matrix, lower triangle, with the optimal workspaces the library answers.
+double measure_symmetric(const bench::Library& library, const std::string& routine, int n) {
+    const bool complex = routine[0] == 'z';
+    const char jobz = routine.back() == 'v' ? 'V' : 'N', lower = 'L';
+    const std::size_t nn = static_cast<std::size_t>(n) * n * (complex ? 2 : 1);
+    Array a(nn), w(nn);
+    fill_random(a.get(), nn, 0x5EED0000u + static_cast<std::uint64_t>(n));
+    std::vector<double> values(static_cast<std::size_t>(n));
+    int info = 0, liwork = -1, lwork = -1, lrwork = -1;
+    double work_size[2] = {0, 0}, rwork_size = 0;
+    int iwork_size = 0;
+    auto* syevd = library.function<Syevd>("dsyevd_");
+    auto* heevd = library.function<Heevd>("zheevd_");
+    if (complex ? !heevd : !syevd) return -1;
+    if (complex) {
+        heevd(&jobz, &lower, &n, w.get(), &n, values.data(), work_size, &lwork, &rwork_size, &lrwork,
+              &iwork_size, &liwork, &info, 1, 1);
+    } else {
+        syevd(&jobz, &lower, &n, w.get(), &n, values.data(), work_size, &lwork, &iwork_size, &liwork, &info,
+              1, 1);
+    }
+    lwork = static_cast<int>(work_size[0]);
+    lrwork = std::max(1, static_cast<int>(rwork_size));
+    liwork = std::max(1, iwork_size);
+    std::vector<double> work(static_cast<std::size_t>(lwork) * (complex ? 2 : 1)), rwork(lrwork);
+    std::vector<int> iwork(static_cast<std::size_t>(liwork));
+    const bool long_calls = static_cast<double>(n) * n * n * (complex ? 4 : 1) > 3e9;
+    return timed_on_copy(
+        a, w,
+        [&] {
+            if (complex) {
+                heevd(&jobz, &lower, &n, w.get(), &n, values.data(), work.data(), &lwork, rwork.data(),
+                      &lrwork, iwork.data(), &liwork, &info, 1, 1);
+            } else {
+                syevd(&jobz, &lower, &n, w.get(), &n, values.data(), work.data(), &lwork, iwork.data(),
+                      &liwork, &info, 1, 1);
+            }
+        },
+        long_calls);
+}
+
 double measure(const bench::Library& library, const std::string& routine, int n) {
+    if (routine.rfind("dsyevd", 0) == 0 || routine.rfind("zheevd", 0) == 0)
+        return measure_symmetric(library, routine, n);
     if (routine == "dgehrd" || routine == "dgeev-nn" || routine == "dgeev-vv" || routine == "zgeev-nv" ||
         routine == "dgees-v")
         return measure_eigen(library, routine, n);
@@ -352,6 +403,12 @@ double flops(const std::string& routine, double n) {
     if (routine == "dgeev-vv") return 26.33 * cube;
     if (routine == "zgeev-nv") return 4 * 26.33 * cube;
     if (routine == "dgees-v") return 25 * cube;
+    // The eigenproblem: the reduction (4/3 n³), and with vectors the product with its Q (2 n³); the
+    // divide-and-conquer merges, which depend on the deflation, are not counted.
+    if (routine == "dsyevd-n") return 4 * cube / 3;
+    if (routine == "dsyevd-v") return 10 * cube / 3;
+    if (routine == "zheevd-n") return 16 * cube / 3;
+    if (routine == "zheevd-v") return 40 * cube / 3;
     return 2 * cube;  // dgemm
 }
 
@@ -359,12 +416,13 @@ const char* const kRoutines[] = {"dgetrf", "zgetrf", "dpotrf", "zpotrf",
                                  "dgesv",  "dgetri", "dpptrf", "dgemm"};
 const char* const kOrthogonal[] = {"dgeqrf", "zgeqrf", "dgelqf", "dgeqp3", "dorgqr", "dgemm"};
 const char* const kEigen[] = {"dgehrd", "dgeev-nn", "dgeev-vv", "zgeev-nv", "dgees-v"};
+const char* const kSymmetric[] = {"dsyevd-n", "dsyevd-v", "zheevd-n", "zheevd-v"};
 
 }  // namespace
 
 int main(int argc, char** argv) {
     bench::Benchmark benchmark;
-    benchmark.title = "LU, Cholesky, QR and the nonsymmetric eigenproblem, column-major, lda = n, GFLOP/s";
+    benchmark.title = "LU, Cholesky, QR and the eigenproblems, column-major, lda = n, GFLOP/s";
     benchmark.metric = bench::Metric::GflopsPerSecond;
     for (const char* routine : kRoutines) {
         for (const int n : {200, 1000, 3000}) {
@@ -375,6 +433,11 @@ int main(int argc, char** argv) {
         for (const int n : {500, 1000, 2000, 4000}) {
             // dgemm at 1000 is in the list already.
             if (std::string(routine) == "dgemm" && n == 1000) continue;
+            benchmark.cases.push_back({std::string(routine) + " n=" + std::to_string(n), flops(routine, n)});
+        }
+    }
+    for (const char* routine : kSymmetric) {
+        for (const int n : {500, 1000, 2000, 4000}) {
             benchmark.cases.push_back({std::string(routine) + " n=" + std::to_string(n), flops(routine, n)});
         }
     }

@@ -235,6 +235,21 @@ ZOR_FORTRAN_API void ztrsyl(const char* trana, const char* tranb, const zor_int*
                             const zor_complex_double* b, const zor_int* ldb, zor_complex_double* c,
                             const zor_int* ldc, double* scale, zor_int* info, size_t trana_length,
                             size_t tranb_length);
+/* ---- Symmetric and Hermitian eigenproblem ------------------------------------------------------ */
+
+/* The eigenvalues w (ascending) and, for jobz "V", the orthonormal eigenvectors (in place of A) of
+ * the symmetric A whose triangle uplo is given, by divide and conquer. lwork >= 2n + 1 ("N") or
+ * 1 + 6n + 2n^2 ("V"), liwork >= 1 ("N") or 3 + 5n ("V"), all 1 when n <= 1; lwork or liwork = -1
+ * asks for the optimal sizes in work[0] and iwork[0]. info = k > 0: the solver did not converge. */
+ZOR_FORTRAN_API void dsyevd(const char* jobz, const char* uplo, const zor_int* n, double* a,
+                            const zor_int* lda, double* w, double* work, const zor_int* lwork, zor_int* iwork,
+                            const zor_int* liwork, zor_int* info, size_t jobz_length, size_t uplo_length);
+/* The same for a Hermitian A: lwork >= n + 1 ("N") or 2n + n^2 ("V"), lrwork >= n or 1 + 5n + 2n^2,
+ * liwork >= 1 or 3 + 5n; any of lwork, lrwork, liwork = -1 asks for all three optimal sizes. */
+ZOR_FORTRAN_API void zheevd(const char* jobz, const char* uplo, const zor_int* n, zor_complex_double* a,
+                            const zor_int* lda, double* w, zor_complex_double* work, const zor_int* lwork,
+                            double* rwork, const zor_int* lrwork, zor_int* iwork, const zor_int* liwork,
+                            zor_int* info, size_t jobz_length, size_t uplo_length);
 
 ZOR_EXTERN_C_END
 

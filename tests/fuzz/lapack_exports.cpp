@@ -295,10 +295,10 @@ void gebal(Call& c, const char* name) {
     c.lapack(name, {{!is(job, "NPSB"), 1}, {n < 0, 2}, {lda < max1(n), 4}});
     T* a = c.matrix<T>("A", n, n, lda, Use::InOut);
     double* scale = c.array<double>("SCALE", n, Use::InOut);
-    if (c.computes()) {
+    if (c.full_size()) {
         auto* values = reinterpret_cast<double*>(a);
         const std::int64_t count =
-            (n > 0 ? (n - 1) * std::int64_t{lda} + n : 0) * (sizeof(T) / sizeof(double));
+            (n > 0 ? (n - 1) * std::int64_t{lda} + n : 0) * std::int64_t{sizeof(T) / sizeof(double)};
         for (std::int64_t i = 0; i < count; ++i)
             if (!std::isfinite(values[i])) values[i] = 0.0;
     }
@@ -321,7 +321,7 @@ void gebak(Call& c, const char* name) {
                     {ldv < max1(n), 9}});
     double* scale = c.array<double>("SCALE", n, Use::In);
     T* v = c.matrix<T>("V", n, m, ldv, Use::InOut);
-    if (c.computes()) {
+    if (c.full_size()) {
         for (zor_int i = 0; i < n; ++i)
             scale[i] = i + 1 < ilo || i + 1 > ihi ? double((i * 7) % n + 1) : std::fabs(scale[i]) + 0.5;
     }
@@ -484,6 +484,52 @@ void trsyl(Call& c, const char* name) {
     });
 }
 
+// ---- the symmetric eigenproblem ----------------------------------------------------------------
+
+// syevd (dsyevd, zheevd): the least LWORK, LRWORK, LIWORK of the published table, all 1 when N <= 1;
+// any of them -1 is a query, which writes only the first element of each work array.
+template <class T, auto f>
+void syevd(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const char jobz = c.letter("JOBZ", "VN"), uplo = c.letter("UPLO", "UL");
+    const zor_int n = c.dimension("N"), lda = c.leading("LDA", n);
+    const bool vectors = is(jobz, "V");
+    const std::int64_t nn = std::int64_t{n} * n;
+    const bool small = n <= 1;
+    const std::int64_t least_work = small     ? 1
+                                    : complex ? (vectors ? 2 * n + nn : n + 1)
+                                    : vectors ? 1 + 6 * n + 2 * nn
+                                              : 2 * n + 1;
+    const std::int64_t least_rwork = small ? 1 : vectors ? 1 + 5 * n + 2 * nn : n;
+    const std::int64_t least_iwork = small || !vectors ? 1 : 3 + 5 * std::int64_t{n};
+    const zor_int lwork = c.workspace("LWORK", least_work);
+    const zor_int lrwork = complex ? c.workspace("LRWORK", least_rwork) : 0;
+    const zor_int liwork = c.workspace("LIWORK", least_iwork);
+    const bool query = lwork == -1 || liwork == -1 || (complex && lrwork == -1);
+    c.lapack(name, {{!is(jobz, "VN"), 1},
+                    {!is(uplo, "UL"), 2},
+                    {n < 0, 3},
+                    {lda < max1(n), 5},
+                    {lwork < least_work && !query, 8},
+                    {complex && lrwork < least_rwork && !query, 10},
+                    {liwork < least_iwork && !query, complex ? 12 : 10}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    T* a = c.matrix<T>("A", n, n, lda, out);
+    double* w = c.array<double>("W", n, out);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    zor_int* iwork = c.array<zor_int>("IWORK", query ? 1 : liwork, Use::InOut);
+    if constexpr (complex) {
+        double* rwork = c.array<double>("RWORK", query ? 1 : lrwork, Use::InOut);
+        c.run_lapack([&](zor_int* info) {
+            f(&jobz, &uplo, &n, a, &lda, w, work, &lwork, rwork, &lrwork, iwork, &liwork, info, 1, 1);
+        });
+    } else {
+        c.run_lapack([&](zor_int* info) {
+            f(&jobz, &uplo, &n, a, &lda, w, work, &lwork, iwork, &liwork, info, 1, 1);
+        });
+    }
+}
+
 // ---- auxiliaries: no argument checks ------------------------------------------------------------
 
 void dlapy2_(Call& c) {
@@ -554,6 +600,8 @@ constexpr Export kExports[] = {
     ZOR_FUZZ_EXPORTS(geev, geev, "GEEV "),
     ZOR_FUZZ_EXPORTS(trexc, trexc, "TREXC"),
     ZOR_FUZZ_EXPORTS(trsyl, trsyl, "TRSYL"),
+    ZOR_FUZZ_EXPORT(dsyevd, syevd, D, "DSYEVD"),
+    ZOR_FUZZ_EXPORT(zheevd, syevd, Z, "ZHEEVD"),
     {"dlapy2", dlapy2_},
     {"zdrot", zdrot_},
     {"zrotg_", zrotg_fuzz},

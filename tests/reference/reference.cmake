@@ -34,4 +34,7 @@ if(NOT WIN32 AND NOT ZOR_SANITIZER AND EXISTS ${ZOR_REFERENCE_PROGRAMS}/xlintstd
     zor_add_reference_test(xeigtstz eig/zbal.in)
     zor_add_reference_test(xeigtstd eig/dbak.in)
     zor_add_reference_test(xeigtstz eig/zbak.in)
+    # The symmetric eigenproblem path (SEP) of the eigenvalue programs: dsyevd and zheevd.
+    zor_add_reference_test(xeigtstd eig/dsep.in)
+    zor_add_reference_test(xeigtstz eig/zsep.in)
 endif()
