@@ -47,8 +47,8 @@ int main(void) {
     }
 
     /* b's first n entries hold the coefficients now. */
-    printf("fit: %.9f + %.9f t + %.9f t^2 (rank %d, singular values %.4f %.4f %.4f)\n", b[0], b[1], b[2],
-           rank, s[0], s[1], s[2]);
+    printf("fit: c0 = %.9f, c1 = %.9f, c2 = %.9f (rank %d, singular values %.4f %.4f %.4f)\n", b[0], b[1],
+           b[2], rank, s[0], s[1], s[2]);
     const double error = fmax(fabs(b[0] - 1.0), fmax(fabs(b[1] - 0.5), fabs(b[2] + 0.25)));
     return rank == n && error < 1e-12 ? 0 : 1;
 }
