@@ -4,8 +4,11 @@
 // (Q from dgeqrf's reflectors) at n = 500, 1000, 2000 and 4000; the symmetric and Hermitian
 // eigenproblem dsyevd and zheevd without ("-n") and with ("-v") vectors at the same orders; the
 // nonsymmetric eigenproblem (dgehrd, dgeev without and with vectors, zgeev with right vectors,
-// dgees with Schur vectors) at n = 250, 500, 1000 and 2000; dgemm at all these orders as the
-// ceiling to read them against; in GFLOP/s (the usual operation counts; nominal ones for the
+// dgees with Schur vectors) at n = 250, 500, 1000 and 2000; the SVD by divide and conquer dgesdd
+// and zgesdd (values only, "N", and the leading vectors, "S") and the least-squares solve dgelsd
+// (ten right-hand sides, rcond -1) at n = 500, 1000, 2000 and on the tall 4000 x 500 (nominal
+// counts: 4mn² - 4n³/3 for the reduction, twice that with vectors, four times as much for complex
+// data); dgemm at all these orders as the ceiling to read them against; in GFLOP/s (the usual operation counts; nominal ones for the
 // eigenproblems), single-threaded. Every call works on a fresh copy of its
 // input; the time of the copy is measured alone and taken off.
 //
@@ -18,6 +21,7 @@
 #include <cstring>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/harness.hpp"
@@ -49,6 +53,13 @@ using Syevd = void(const char*, const char*, const int*, double*, const int*, do
                    int*, const int*, int*, std::size_t, std::size_t);
 using Heevd = void(const char*, const char*, const int*, double*, const int*, double*, double*, const int*,
                    double*, const int*, int*, const int*, int*, std::size_t, std::size_t);
+// dgesdd and zgesdd (complex arrays as pairs of doubles; zgesdd takes rwork before iwork), dgelsd.
+using Dgesdd = void(const char*, const int*, const int*, double*, const int*, double*, double*, const int*,
+                    double*, const int*, double*, const int*, int*, int*, std::size_t);
+using Zgesdd = void(const char*, const int*, const int*, double*, const int*, double*, double*, const int*,
+                    double*, const int*, double*, const int*, double*, int*, int*, std::size_t);
+using Dgelsd = void(const int*, const int*, const int*, double*, const int*, double*, const int*, double*,
+                    const double*, int*, double*, const int*, int*, int*);
 // cblas_dgemm: zor exports the CBLAS level 3, not the Fortran-style dgemm.
 using Dgemm = void(int, int, int, int, int, int, double, const double*, int, const double*, int, double,
                    double*, int);
@@ -309,6 +320,75 @@ double measure_symmetric(const bench::Library& library, const std::string& routi
         long_calls);
 }
 
+// The SVD (jobz "N" or "S") and the least-squares solve on an m by n matrix.
+double measure_svd(const bench::Library& library, const std::string& routine, char jobz, int m, int n) {
+    const bool complex = routine[0] == 'z';
+    const int k = std::min(m, n), x = std::max(m, n);
+    const std::size_t s = complex ? 2 : 1, mn = static_cast<std::size_t>(m) * n;
+    const bool long_calls = static_cast<double>(m) * n * k * (complex ? 4 : 1) > 1e9;
+    std::vector<double> sv(static_cast<std::size_t>(k)), u(s * m * k), vt(s * k * n);
+    std::vector<int> iwork(static_cast<std::size_t>(8 * k + 32 * k));
+    int info = 0;
+    const int minus_one = -1;
+    if (routine == "dgelsd") {
+        auto* f = library.function<Dgelsd>("dgelsd_");
+        if (!f) return -1;
+        const int nrhs = 10, ldb = x;
+        const double rcond = -1;
+        int rank = 0;
+        Array a(mn + static_cast<std::size_t>(ldb) * nrhs), w(a.size());  // A, then B
+        fill_random(a.get(), a.size(), 0x5EED + static_cast<std::uint64_t>(m + n));
+        double query = 0;
+        f(&m, &n, &nrhs, w.get(), &m, w.get() + mn, &ldb, sv.data(), &rcond, &rank, &query, &minus_one,
+          iwork.data(), &info);
+        std::vector<double> work(static_cast<std::size_t>(query) + 1);
+        iwork.resize(static_cast<std::size_t>(std::max(iwork[0], 1)));
+        const int lwork = static_cast<int>(work.size());
+        return timed_on_copy(
+            a, w,
+            [&] {
+                f(&m, &n, &nrhs, w.get(), &m, w.get() + mn, &ldb, sv.data(), &rcond, &rank, work.data(),
+                  &lwork, iwork.data(), &info);
+            },
+            long_calls);
+    }
+    Array a(s * mn), w(s * mn);
+    fill_random(a.get(), a.size(), 0xD1CE + static_cast<std::uint64_t>(m + n));
+    const char job[2] = {jobz, 0};
+    if (complex) {
+        auto* f = library.function<Zgesdd>("zgesdd_");
+        if (!f) return -1;
+        std::vector<double> rwork(
+            static_cast<std::size_t>(std::max(5 * k * k + 5 * k, 2 * x * k + 2 * k * k + k)));
+        double query[2] = {0, 0};
+        f(job, &m, &n, w.get(), &m, sv.data(), u.data(), &m, vt.data(), &k, query, &minus_one, rwork.data(),
+          iwork.data(), &info, 1);
+        std::vector<double> work(2 * (static_cast<std::size_t>(query[0]) + 1));
+        const int lwork = static_cast<int>(work.size() / 2);
+        return timed_on_copy(
+            a, w,
+            [&] {
+                f(job, &m, &n, w.get(), &m, sv.data(), u.data(), &m, vt.data(), &k, work.data(), &lwork,
+                  rwork.data(), iwork.data(), &info, 1);
+            },
+            long_calls);
+    }
+    auto* f = library.function<Dgesdd>("dgesdd_");
+    if (!f) return -1;
+    double query = 0;
+    f(job, &m, &n, w.get(), &m, sv.data(), u.data(), &m, vt.data(), &k, &query, &minus_one, iwork.data(),
+      &info, 1);
+    std::vector<double> work(static_cast<std::size_t>(query) + 1);
+    const int lwork = static_cast<int>(work.size());
+    return timed_on_copy(
+        a, w,
+        [&] {
+            f(job, &m, &n, w.get(), &m, sv.data(), u.data(), &m, vt.data(), &k, work.data(), &lwork,
+              iwork.data(), &info, 1);
+        },
+        long_calls);
+}
+
 double measure(const bench::Library& library, const std::string& routine, int n) {
     if (routine.rfind("dsyevd", 0) == 0 || routine.rfind("zheevd", 0) == 0)
         return measure_symmetric(library, routine, n);
@@ -418,11 +498,20 @@ const char* const kOrthogonal[] = {"dgeqrf", "zgeqrf", "dgelqf", "dgeqp3", "dorg
 const char* const kEigen[] = {"dgehrd", "dgeev-nn", "dgeev-vv", "zgeev-nv", "dgees-v"};
 const char* const kSymmetric[] = {"dsyevd-n", "dsyevd-v", "zheevd-n", "zheevd-v"};
 
+// The SVD cases: routine and jobz as the case's first word ("dgesdd-S").
+const char* const kSvd[] = {"dgesdd-N", "dgesdd-S", "zgesdd-N", "zgesdd-S", "dgelsd"};
+
+double svd_flops(const std::string& name, double m, double n) {
+    const double reduction = 4 * m * n * n - 4 * n * n * n / 3;
+    const double vectors = name.find("-S") != std::string::npos ? 2 : 1;
+    return reduction * vectors * (name[0] == 'z' ? 4 : 1);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     bench::Benchmark benchmark;
-    benchmark.title = "LU, Cholesky, QR and the eigenproblems, column-major, lda = n, GFLOP/s";
+    benchmark.title = "LU, Cholesky, QR, the eigenproblems and the SVD, column-major, GFLOP/s";
     benchmark.metric = bench::Metric::GflopsPerSecond;
     for (const char* routine : kRoutines) {
         for (const int n : {200, 1000, 3000}) {
@@ -446,8 +535,23 @@ int main(int argc, char** argv) {
             benchmark.cases.push_back({std::string(routine) + " n=" + std::to_string(n), flops(routine, n)});
         }
     }
+    for (const char* routine : kSvd) {
+        for (const auto& [m, n] :
+             {std::pair{500, 500}, std::pair{1000, 1000}, std::pair{2000, 2000}, std::pair{4000, 500}}) {
+            benchmark.cases.push_back(
+                {std::string(routine) + " " + std::to_string(m) + "x" + std::to_string(n),
+                 svd_flops(routine, m, n)});
+        }
+    }
     benchmark.measure = [](const bench::Library& library, const bench::Case& c) {
         const std::string routine = c.name.substr(0, c.name.find(' '));
+        if (routine.rfind("dgesdd", 0) == 0 || routine.rfind("zgesdd", 0) == 0 || routine == "dgelsd") {
+            const std::size_t x = c.name.find('x', c.name.find(' '));
+            const int m = std::atoi(c.name.c_str() + c.name.find(' ') + 1),
+                      n = std::atoi(c.name.c_str() + x + 1);
+            const char jobz = routine.size() > 7 ? routine[7] : 'N';
+            return measure_svd(library, routine.substr(0, 6), jobz, m, n);
+        }
         return measure(library, routine, std::atoi(c.name.c_str() + c.name.find('=') + 1));
     };
     return bench::run(argc, argv, benchmark);

@@ -530,6 +530,112 @@ void syevd(Call& c, const char* name) {
     }
 }
 
+// ---- the SVD and least squares ------------------------------------------------------------------
+
+// A NaN in A makes gesdd return info = -4 without a message (as LAPACK 3.10 on): keep A finite.
+template <class T>
+void keep_finite(Call& c, T* a, zor_int m, zor_int n, zor_int lda) {
+    if (!c.full_size() || m <= 0 || n <= 0) return;
+    auto* values = reinterpret_cast<double*>(a);
+    const std::int64_t count = ((n - 1) * std::int64_t{lda} + m) * std::int64_t{sizeof(T) / sizeof(double)};
+    for (std::int64_t i = 0; i < count; ++i)
+        if (!std::isfinite(values[i])) values[i] = 0.0;
+}
+
+// gesdd: the least LWORK of the published paths (k = min(M, N), x = max(M, N); QR or LQ first when
+// x >= 1.6 k); IWORK of 8 k; zgesdd's RWORK 5 k ("N") or max(5k² + 5k, 2xk + 2k² + k).
+template <class T, auto f>
+void gesdd(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const char jobz = c.letter("JOBZ", "ASON");
+    const zor_int m = c.dimension("M"), n = c.dimension("N"), lda = c.leading("LDA", m);
+    const zor_int ldu = c.leading("LDU", m), ldvt = c.leading("LDVT", n);
+    const bool all = is(jobz, "A"), some = is(jobz, "S"), over = is(jobz, "O"), none = is(jobz, "N");
+    const std::int64_t k = min_of(m, n), x = max_of(m, n);
+    std::int64_t least = 1;
+    if (k > 0 && (all || some || over || none)) {
+        const bool first = x >= static_cast<std::int64_t>(static_cast<float>(k) * 1.6f);
+        const std::int64_t bd = none ? 7 * k : 3 * k * k + 4 * k, kk = k * k;
+        if (first) {
+            least = none   ? (complex ? 3 * k : bd + k)
+                    : over ? (complex ? 2 * kk + 3 * k : bd + 2 * kk + 3 * k)
+                    : some ? (complex ? kk + 3 * k : bd + kk + 3 * k)
+                           : (complex ? kk + 2 * k + x : kk + max_of(3 * k + bd, k + x));
+        } else {
+            least = complex ? 2 * k + x + (over ? kk : 0) : 3 * k + max_of(x, (over ? kk : 0) + bd);
+        }
+    }
+    const zor_int lwork = c.workspace("LWORK", least);
+    const bool query = lwork == -1;
+    c.lapack(name, {{!(all || some || over || none), 1},
+                    {m < 0, 2},
+                    {n < 0, 3},
+                    {lda < max1(m), 5},
+                    {ldu < 1 || ((all || some) && ldu < m) || (over && m < n && ldu < m), 8},
+                    {ldvt < 1 || (all && ldvt < n) || (some && ldvt < k) || (over && m >= n && ldvt < n), 10},
+                    {lwork < least && !query && m >= 0 && n >= 0, 12}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    T* a = c.matrix<T>("A", m, n, lda, out);
+    double* s = c.array<double>("S", k, out);
+    const bool u_used = all || some || (over && m < n), vt_used = all || some || (over && m >= n);
+    T* u = c.matrix<T>("U", u_used ? m : 0, all ? m : k, ldu, u_used ? out : Use::Untouched);
+    T* vt = c.matrix<T>("VT", vt_used ? (all ? n : k) : 0, n, ldvt, vt_used ? out : Use::Untouched);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    zor_int* iwork = c.array<zor_int>("IWORK", 8 * k, out);
+    keep_finite(c, a, m, n, lda);
+    if constexpr (complex) {
+        const std::int64_t lrwork = none ? 5 * k : max_of(5 * k * k + 5 * k, 2 * x * k + 2 * k * k + k);
+        double* rwork = c.array<double>("RWORK", lrwork, out);
+        c.run_lapack([&](zor_int* info) {
+            f(&jobz, &m, &n, a, &lda, s, u, &ldu, vt, &ldvt, work, &lwork, rwork, iwork, info, 1);
+        });
+    } else {
+        c.run_lapack([&](zor_int* info) {
+            f(&jobz, &m, &n, a, &lda, s, u, &ldu, vt, &ldvt, work, &lwork, iwork, info, 1);
+        });
+    }
+}
+
+// dgelsd: the least LWORK is max(3k + rows reduced, 3k + NRHS, 3k + lalsd's 9k + 2k·25 + 8k·levels +
+// k·NRHS + 26²) with k = min(M, N), the rows reduced N after a QR factorization (M >= 1.6 N), else M.
+void dgelsd_(Call& c) {
+    const zor_int m = c.dimension("M"), n = c.dimension("N"), nrhs = c.dimension("NRHS");
+    const zor_int lda = c.leading("LDA", m), ldb = c.leading("LDB", max_of(m, n));
+    const double rcond = c.real("RCOND");
+    const std::int64_t k = min_of(m, n);
+    std::int64_t least = 1;
+    if (k > 0 && nrhs >= 0) {
+        const std::int64_t levels =
+            max_of(0, static_cast<std::int64_t>(std::log(static_cast<double>(k) / 26.0) / std::log(2.0)) + 1);
+        const std::int64_t lalsd = 9 * k + 2 * k * 25 + 8 * k * levels + k * nrhs + 26 * 26;
+        const bool qr_first = m >= n && m >= static_cast<std::int64_t>(static_cast<float>(n) * 1.6f);
+        const std::int64_t rows = m >= n ? (qr_first ? n : m) : m;
+        least = max_of(3 * k + rows, max_of(3 * k + nrhs, 3 * k + lalsd));
+    }
+    const zor_int lwork = c.workspace("LWORK", least);
+    const bool query = lwork == -1;
+    c.lapack("DGELSD", {{m < 0, 1},
+                        {n < 0, 2},
+                        {nrhs < 0, 3},
+                        {lda < max1(m), 5},
+                        {ldb < max1(max_of(m, n)), 7},
+                        {lwork < least && !query && m >= 0 && n >= 0 && nrhs >= 0, 12}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    double* a = c.matrix<double>("A", m, n, lda, out);
+    double* b = c.matrix<double>("B", max_of(m, n), nrhs, ldb, out);
+    double* s = c.array<double>("S", k, out);
+    double* work = c.array<double>("WORK", query ? 1 : lwork, Use::InOut);
+    const std::int64_t levels =
+        k > 0 ? max_of(0,
+                       static_cast<std::int64_t>(std::log(static_cast<double>(k) / 26.0) / std::log(2.0)) + 1)
+              : 0;
+    zor_int* iwork = c.array<zor_int>("IWORK", max1(3 * max1(k) * levels + 11 * max1(k)), Use::InOut);
+    zor_int rank = 0;
+    c.run_lapack([&](zor_int* info) {
+        dgelsd(&m, &n, &nrhs, a, &lda, b, &ldb, s, &rcond, &rank, work, &lwork, iwork, info);
+    });
+}
+
 // ---- auxiliaries: no argument checks ------------------------------------------------------------
 
 void dlapy2_(Call& c) {
@@ -602,6 +708,8 @@ constexpr Export kExports[] = {
     ZOR_FUZZ_EXPORTS(trsyl, trsyl, "TRSYL"),
     ZOR_FUZZ_EXPORT(dsyevd, syevd, D, "DSYEVD"),
     ZOR_FUZZ_EXPORT(zheevd, syevd, Z, "ZHEEVD"),
+    ZOR_FUZZ_EXPORTS(gesdd, gesdd, "GESDD"),
+    {"dgelsd", dgelsd_},
     {"dlapy2", dlapy2_},
     {"zdrot", zdrot_},
     {"zrotg_", zrotg_fuzz},

@@ -37,4 +37,9 @@ if(NOT WIN32 AND NOT ZOR_SANITIZER AND EXISTS ${ZOR_REFERENCE_PROGRAMS}/xlintstd
     # The symmetric eigenproblem path (SEP) of the eigenvalue programs: dsyevd and zheevd.
     zor_add_reference_test(xeigtstd eig/dsep.in)
     zor_add_reference_test(xeigtstz eig/zsep.in)
+    # The least-squares path (dgelsd among the drivers) and the SVD path of the eigenproblem
+    # programs (dgesdd, zgesdd), on inputs of the project's own in the published format.
+    zor_add_reference_test(xlintstd lin/dls.in)
+    zor_add_reference_test(xeigtstd eig/dsvd.in)
+    zor_add_reference_test(xeigtstz eig/zsvd.in)
 endif()
