@@ -555,7 +555,7 @@ void gesdd(Call& c, const char* name) {
     const zor_int m = c.dimension("M"), n = c.dimension("N"), lda = c.leading("LDA", m);
     const zor_int ldu = c.leading("LDU", m), ldvt = c.leading("LDVT", n);
     const bool all = is(jobz, "A"), some = is(jobz, "S"), over = is(jobz, "O"), none = is(jobz, "N");
-    const std::int64_t k = min_of(m, n), x = max_of(m, n);
+    const std::int64_t k = max_of(min_of(m, n), 0), x = max_of(max_of(m, n), 0);
     std::int64_t least = 1;
     if (k > (std::int64_t{1} << 28)) {
         least = std::int64_t{1} << 62;  // past any lwork, as the library answers
@@ -611,7 +611,7 @@ void dgelsd_(Call& c) {
     const zor_int m = c.dimension("M"), n = c.dimension("N"), nrhs = c.dimension("NRHS");
     const zor_int lda = c.leading("LDA", m), ldb = c.leading("LDB", max_of(m, n));
     const double rcond = c.real("RCOND");
-    const std::int64_t k = min_of(m, n);
+    const std::int64_t k = max_of(min_of(m, n), 0);
     std::int64_t least = 1;
     if (k > 0 && nrhs >= 0) {
         const std::int64_t levels =
