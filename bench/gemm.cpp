@@ -34,13 +34,16 @@ struct Problem {
     int m, n, k;
 };
 
-// Case names: "dgemm n=256" (square), "dgemm 4096x4096 k=64" (tall-skinny).
+// Case names: "dgemm n=256" (square), "dgemm 4096x4096 k=64" (m x n with depth k).
 Problem parse(const std::string& name) {
-    Problem p{name[0] == 'z', 4096, 4096, 4096};
+    Problem p{name[0] == 'z', 0, 0, 0};
     const int value = std::atoi(name.c_str() + name.find('=') + 1);
     if (name.find(" n=") != std::string::npos) {
         p.m = p.n = p.k = value;
     } else {
+        const std::size_t space = name.find(' '), times = name.find('x', space);
+        p.m = std::atoi(name.c_str() + space + 1);
+        p.n = std::atoi(name.c_str() + times + 1);
         p.k = value;
     }
     return p;
@@ -203,9 +206,13 @@ int main(int argc, char** argv) {
             benchmark.cases.push_back(
                 {std::string(routine) + " n=" + std::to_string(n), flops_per_term * n * n * n});
         }
-        for (const int k : {64, 256}) {
-            benchmark.cases.push_back({std::string(routine) + " 4096x4096 k=" + std::to_string(k),
-                                       flops_per_term * 4096.0 * 4096 * k});
+        // Skinny shapes: a shallow depth, or few columns or few rows.
+        const int skinny[][3] = {{4096, 4096, 32}, {4096, 4096, 64},  {4096, 4096, 128}, {4096, 4096, 256},
+                                 {4096, 64, 4096}, {4096, 128, 4096}, {64, 4096, 4096},  {128, 4096, 4096}};
+        for (const auto& [m, n, k] : skinny) {
+            benchmark.cases.push_back({std::string(routine) + " " + std::to_string(m) + "x" +
+                                           std::to_string(n) + " k=" + std::to_string(k),
+                                       flops_per_term * m * n * static_cast<double>(k)});
         }
     }
     benchmark.measure = &measure;

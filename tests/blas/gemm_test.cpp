@@ -19,6 +19,7 @@
 #include "support/level3_reference.hpp"
 #include "support/random.hpp"
 #include "support/variants.hpp"
+#include "support/vectors.hpp"
 
 namespace zor::test {
 namespace {
@@ -46,6 +47,7 @@ const Path kPaths[] = {
     {"AvxPlain", CpuLevel::Avx, {0, 128, false}, 0},
     {"AvxFma", CpuLevel::Avx, {kExtensionFma, 128, false}, kExtensionFma},
     {"Avx512", CpuLevel::Avx, {kExtensionFma | kExtensionAvx512f, 128, false}, kExtensionAvx512f},
+    {"Avx512Packed", CpuLevel::Avx, {kExtensionFma | kExtensionAvx512f, 128, false, true}, kExtensionAvx512f},
 };
 
 decltype(&default_::dgemm_with) const kDgemmWith[] = {ZOR_VARIANTS(dgemm_with)};
@@ -238,11 +240,12 @@ int allocations_of(Run run, Shape s) {
     on_fresh_thread([&] {
         Random random(s.m * 10000 + s.n * 100 + s.k);
         const AllocatorScope scope;
-        const std::vector<T> a = random_operand<T>(random, s.m, s.k, s.m),
+        // op(A) = Aᵀ: the direct path of small products copies it.
+        const std::vector<T> a = random_operand<T>(random, s.k, s.m, s.k),
                              b = random_operand<T>(random, s.k, s.n, s.k);
         std::vector<T> c = random_operand<T>(random, s.m, s.n, s.m);
         AllocatorScope::reset();
-        run('N', 'N', s.m, s.n, s.k, scalar<T>(1, 0), a.data(), s.m, b.data(), s.k, scalar<T>(1, 0), c.data(),
+        run('T', 'N', s.m, s.n, s.k, scalar<T>(1, 0), a.data(), s.k, b.data(), s.k, scalar<T>(1, 0), c.data(),
             s.m);
         count = AllocatorScope::allocations();
     });
@@ -304,6 +307,45 @@ TEST_P(GemmPath, FailedAllocationIsReportedOnceAndCIsStillRight) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Paths, GemmPath, ::testing::ValuesIn(kPaths), NameOfParam{});
+
+// The direct AVX-512 path gives the bits of the packed one, so that no element depends on which
+// path the call's shape chose: every operation pair, alpha 1, -1 (negated products) and another,
+// depths not a multiple of 4 (the packed path's zero padding) and across the depth blocks (256,
+// 257, 511, 513), row and column counts around the 24 x 8 tiles and the direct path's limits.
+TEST(GemmDirectPath, GivesThePackedPathsBits) {
+    ZOR_SKIP_UNLESS_PATH_RUNS(CpuLevel::Avx, kExtensionAvx512f);
+    const GemmChoice direct{kExtensionFma | kExtensionAvx512f, 128, false},
+        packed{kExtensionFma | kExtensionAvx512f, 128, false, true};
+    const Shape shapes[] = {{4, 8, 4},     {5, 9, 5},     {23, 7, 13},     {24, 8, 256}, {25, 17, 257},
+                            {64, 64, 64},  {96, 96, 96},  {33, 160, 511},  {47, 9, 513}, {161, 161, 100},
+                            {250, 40, 31}, {8, 300, 130}, {257, 250, 256}, {530, 20, 30}};
+    Random random(4242);
+    for (const Shape& s : shapes) {
+        for (const char ta : {'N', 'T'}) {
+            for (const char tb : {'N', 'T'}) {
+                for (const double alpha : {1.0, -1.0, 0.7}) {
+                    const zint pad = (s.m + ta + tb) % 3;
+                    const zint lda = (ta == 'N' ? s.m : s.k) + pad, ldb = (tb == 'N' ? s.k : s.n) + pad;
+                    const zint ldc = s.m + pad;
+                    const std::vector<double> a = random_operand<double>(random, lda, ta == 'N' ? s.k : s.m,
+                                                                         lda),
+                                              b = random_operand<double>(random, ldb, tb == 'N' ? s.n : s.k,
+                                                                         ldb);
+                    std::vector<double> c1 = random_operand<double>(random, ldc, s.n, ldc), c2 = c1;
+                    avx::dgemm_with(direct, ta, tb, s.m, s.n, s.k, alpha, a.data(), lda, b.data(), ldb, -0.5,
+                                    c1.data(), ldc);
+                    avx::dgemm_with(packed, ta, tb, s.m, s.n, s.k, alpha, a.data(), lda, b.data(), ldb, -0.5,
+                                    c2.data(), ldc);
+                    for (std::size_t i = 0; i < c1.size(); ++i) {
+                        ASSERT_TRUE(same_bits(c1[i], c2[i]))
+                            << ta << tb << " " << s.m << " x " << s.n << " x " << s.k << " alpha " << alpha
+                            << " at " << i;
+                    }
+                }
+            }
+        }
+    }
+}
 
 // Through the dispatcher table: each level's variant, with the choices of this processor.
 class GemmVariant : public ::testing::TestWithParam<CpuLevel> {};

@@ -19,4 +19,9 @@ ZOR_DECLARE_VARIANTS(
     void dgemm_macro_fma(const zint& mb, const zint& nb, const zint& kb, const double* packed_a,
                          const double* packed_b, const double* beta, double* c, const zint& ldc);
     void zgemm_macro_fma(const zint& mb, const zint& nb, const zint& kb, const zcomplex* packed_a,
-                         const zcomplex* packed_b, const zcomplex* beta, zcomplex* c, const zint& ldc);)
+                         const zcomplex* packed_b, const zcomplex* beta, zcomplex* c, const zint& ldc);
+    // C += alpha·op(A)·op(B) from the caller's arrays (gemm/direct.cpp) when dgemm_direct_suits the
+    // shape, with the bits of the blocked AVX-512 path; false, having done nothing, otherwise.
+    bool dgemm_direct_avx512(const char& transa, const char& transb, const zint& m, const zint& n,
+                             const zint& k, const double& alpha, const double* a, const zint& lda,
+                             const double* b, const zint& ldb, double* c, const zint& ldc);)

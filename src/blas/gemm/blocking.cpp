@@ -150,6 +150,15 @@ zint gemm_kc(zint k, zint kr) {
     return 256;
 }
 
+bool dgemm_direct_suits(bool plain_a, zint m, zint n, zint k) {
+    // Measured against the packed path: rows of C up to 384 at any depth, and beyond 512 columns only
+    // when C has few rows (each column strip then rereads A from the level-2 cache). A taller C
+    // reads A from memory a column at a time, page after page.
+    (void)plain_a;
+    (void)k;
+    return m <= 96 || (m <= 384 && n <= 512);
+}
+
 zint gemm_mc(std::int64_t cache_bytes, int element_bytes, zint mr) {
     if (cache_bytes <= 0) cache_bytes = kAssumedCacheBytes;
     // The divisions of the published rule, one by one: truncation makes the order matter.
