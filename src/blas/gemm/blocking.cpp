@@ -155,8 +155,7 @@ bool dgemm_direct_suits(bool plain_a, zint m, zint n, zint k) {
     // when C has few rows (each column strip then rereads A from the level-2 cache). A taller C
     // reads A from memory a column at a time, page after page.
     (void)plain_a;
-    (void)k;
-    return m <= 96 || (m <= 384 && n <= 512);
+    return m <= 96 || (m <= 384 && n <= 512 && k <= 256);
 }
 
 zint gemm_mc(std::int64_t cache_bytes, int element_bytes, zint mr) {
