@@ -24,4 +24,14 @@ ZOR_DECLARE_VARIANTS(
     // shape, with the bits of the blocked AVX-512 path; false, having done nothing, otherwise.
     bool dgemm_direct_avx512(const char& transa, const char& transb, const zint& m, const zint& n,
                              const zint& k, const double& alpha, const double* a, const zint& lda,
-                             const double* b, const zint& ldb, double* c, const zint& ldc);)
+                             const double* b, const zint& ldb, double* c, const zint& ldc);
+    // The unblocked real path in the order of the blocked kernels (gemm/direct.cpp), with fused
+    // multiply-adds (the FMA and AVX-512 kernels) or without (plain AVX): small products get the bits
+    // they would get as part of a larger one.
+    void dgemm_small_fused(const char& transa, const char& transb, const zint& m, const zint& n,
+                           const zint& k, const double& alpha, const double* a, const zint& lda,
+                           const double* b, const zint& ldb, const double& beta, double* c, const zint& ldc);
+    void dgemm_small_unfused(const char& transa, const char& transb, const zint& m, const zint& n,
+                             const zint& k, const double& alpha, const double* a, const zint& lda,
+                             const double* b, const zint& ldb, const double& beta, double* c,
+                             const zint& ldc);)

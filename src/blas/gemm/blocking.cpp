@@ -150,11 +150,10 @@ zint gemm_kc(zint k, zint kr) {
     return 256;
 }
 
-bool dgemm_direct_suits(bool plain_a, zint m, zint n, zint k) {
-    // Measured against the packed path: rows of C up to 384 at any depth, and beyond 512 columns only
-    // when C has few rows (each column strip then rereads A from the level-2 cache). A taller C
-    // reads A from memory a column at a time, page after page.
-    (void)plain_a;
+bool dgemm_direct_suits(zint m, zint n, zint k) {
+    // Measured against the packed path: up to 96 rows of C at any width and depth; up to 384 rows
+    // with at most 512 columns and a depth of at most 256. Taller C, or deeper A, is read a column
+    // of A at a time across pages and cache sets, which packing avoids.
     return m <= 96 || (m <= 384 && n <= 512 && k <= 256);
 }
 

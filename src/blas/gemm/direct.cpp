@@ -189,8 +189,8 @@ void copy_transposed(zint m, zint depth, const double* a, zint lda, zint p0, dou
 bool dgemm_direct_avx512(const char& transa, const char& transb, const zint& m, const zint& n, const zint& k,
                          const double& alpha, const double* a, const zint& lda, const double* b,
                          const zint& ldb, double* c, const zint& ldc) {
+    if (!dgemm_direct_suits(m, n, k)) return false;
     const bool plain_a = lsame(transa, 'N');
-    if (!dgemm_direct_suits(plain_a, m, n, k)) return false;
     const zint kc = gemm_kc(k, 4);
     const bool plain_b = lsame(transb, 'N');
     DirectBlock blk{.a = a,
