@@ -1,6 +1,7 @@
 // GEMM through the CBLAS interface: zor against the other libraries on the machine, in GFLOP/s,
-// single-threaded. Square problems from n = 64 to 4096 and the tall-skinny updates m = n = 4096 with
-// k = 64 and 256, for dgemm and zgemm, column-major, no transposition, alpha = 1, beta = 1.
+// single-threaded. Square problems from n = 64 to 4096 and skinny ones (m = n = 4096 with k = 32 to
+// 256; 64 or 128 columns or rows with the other two dimensions 4096), for dgemm and zgemm,
+// column-major, no transposition, alpha = 1, beta = 1.
 //
 // Options besides the harness's: --plot FILE draws GFLOP/s against n with gnuplot (PNG or SVG, by
 // the file's extension); --peak measures this core's FMA throughput first, the ceiling the table is
