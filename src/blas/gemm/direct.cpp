@@ -23,11 +23,7 @@
 
 ZOR_TARGET_BEGIN("avx512f,fma")
 
-#if !defined(__clang__)
-// GCC 12 flags the undefined pass-through operand inside its own AVX-512 intrinsics (its bug 105593).
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#pragma GCC diagnostic ignored "-Wuninitialized"
-#endif
+ZOR_ALLOW_AVX512_INTRINSICS
 
 namespace zor::avx {
 

@@ -65,38 +65,23 @@ void daxpy_four_lane(zint n, double alpha, const double* x, double* y) {
     for (; i < n; ++i) y[i] += x[i] * alpha;
 }
 
+// y := y + alpha x over the lanes of `mask`; F is RealFactor8 or ComplexFactor8.
+template <class F>
 struct AxpyStep {
     const double* x;
     double* y;
-    __m512d alpha;
-    ZOR_AVX512 void full(zint at) const {
-        _mm512_storeu_pd(
-            y + at, _mm512_add_pd(_mm512_loadu_pd(y + at), _mm512_mul_pd(_mm512_loadu_pd(x + at), alpha)));
-    }
-    ZOR_AVX512 void part(zint at, __mmask8 mask) const {
-        store8(y + at, mask, _mm512_add_pd(load8(y + at, mask), _mm512_mul_pd(load8(x + at, mask), alpha)));
-    }
-};
-
-struct ComplexAxpyStep {
-    const double* x;
-    double* y;
-    ComplexFactor8 alpha;
-    ZOR_AVX512 void full(zint at) const {
-        _mm512_storeu_pd(
-            y + at, _mm512_add_pd(_mm512_loadu_pd(y + at), complex_times(_mm512_loadu_pd(x + at), alpha)));
-    }
-    ZOR_AVX512 void part(zint at, __mmask8 mask) const {
-        store8(y + at, mask, _mm512_add_pd(load8(y + at, mask), complex_times(load8(x + at, mask), alpha)));
+    F alpha;
+    ZOR_AVX512 void operator()(zint at, __mmask8 mask) const {
+        store8(y + at, mask, _mm512_add_pd(load8(y + at, mask), times(load8(x + at, mask), alpha)));
     }
 };
 
 ZOR_AVX512 void daxpy_eight_lane(zint n, double alpha, const double* x, double* y) {
-    eight_lane_run(n, y, 8, AxpyStep{x, y, _mm512_set1_pd(alpha)});
+    eight_lane_run(n, y, 8, AxpyStep<RealFactor8>{x, y, real_factor8(alpha)});
 }
 
 ZOR_AVX512 void zaxpy_eight_lane(zint n, const zcomplex& alpha, const zcomplex* x, zcomplex* y) {
-    eight_lane_run(2 * n, y, 16, ComplexAxpyStep{&x->re, &y->re, complex_factor8(alpha)});
+    eight_lane_run(2 * n, y, 16, AxpyStep<ComplexFactor8>{&x->re, &y->re, complex_factor8(alpha)});
 }
 
 void zaxpy_four_lane(zint n, const zcomplex& alpha, const zcomplex* x, zcomplex* y) {

@@ -33,19 +33,13 @@ void swap_strided(zint n, T* x, zint incx, T* y, zint incy) {
 struct CopyStep {
     const double* x;
     double* y;
-    ZOR_AVX512 void full(zint at) const { _mm512_storeu_pd(y + at, _mm512_loadu_pd(x + at)); }
-    ZOR_AVX512 void part(zint at, __mmask8 mask) const { store8(y + at, mask, load8(x + at, mask)); }
+    ZOR_AVX512 void operator()(zint at, __mmask8 mask) const { store8(y + at, mask, load8(x + at, mask)); }
 };
 
 struct SwapStep {
     double* x;
     double* y;
-    ZOR_AVX512 void full(zint at) const {
-        const __m512d xv = _mm512_loadu_pd(x + at), yv = _mm512_loadu_pd(y + at);
-        _mm512_storeu_pd(x + at, yv);
-        _mm512_storeu_pd(y + at, xv);
-    }
-    ZOR_AVX512 void part(zint at, __mmask8 mask) const {
+    ZOR_AVX512 void operator()(zint at, __mmask8 mask) const {
         const __m512d xv = load8(x + at, mask), yv = load8(y + at, mask);
         store8(x + at, mask, yv);
         store8(y + at, mask, xv);

@@ -41,12 +41,7 @@ struct RotateStep {
     double* x;
     double* y;
     __m512d c, s;
-    ZOR_AVX512 void full(zint at) const {
-        const __m512d xv = _mm512_loadu_pd(x + at), yv = _mm512_loadu_pd(y + at);
-        _mm512_storeu_pd(x + at, _mm512_add_pd(_mm512_mul_pd(c, xv), _mm512_mul_pd(s, yv)));
-        _mm512_storeu_pd(y + at, _mm512_sub_pd(_mm512_mul_pd(c, yv), _mm512_mul_pd(s, xv)));
-    }
-    ZOR_AVX512 void part(zint at, __mmask8 mask) const {
+    ZOR_AVX512 void operator()(zint at, __mmask8 mask) const {
         const __m512d xv = load8(x + at, mask), yv = load8(y + at, mask);
         store8(x + at, mask, _mm512_add_pd(_mm512_mul_pd(c, xv), _mm512_mul_pd(s, yv)));
         store8(y + at, mask, _mm512_sub_pd(_mm512_mul_pd(c, yv), _mm512_mul_pd(s, xv)));

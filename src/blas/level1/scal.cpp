@@ -56,34 +56,22 @@ void dscal_four_lane(zint n, double alpha, double* x) {
     for (; i < n; ++i) x[i] *= alpha;
 }
 
+// x := alpha x over the lanes of `mask`; F is RealFactor8 or ComplexFactor8.
+template <class F>
 struct ScalStep {
     double* x;
-    __m512d alpha;
-    ZOR_AVX512 void full(zint at) const {
-        _mm512_storeu_pd(x + at, _mm512_mul_pd(_mm512_loadu_pd(x + at), alpha));
-    }
-    ZOR_AVX512 void part(zint at, __mmask8 mask) const {
-        store8(x + at, mask, _mm512_mul_pd(load8(x + at, mask), alpha));
-    }
-};
-
-struct ComplexScalStep {
-    double* x;
-    ComplexFactor8 alpha;
-    ZOR_AVX512 void full(zint at) const {
-        _mm512_storeu_pd(x + at, complex_times(_mm512_loadu_pd(x + at), alpha));
-    }
-    ZOR_AVX512 void part(zint at, __mmask8 mask) const {
-        store8(x + at, mask, complex_times(load8(x + at, mask), alpha));
+    F alpha;
+    ZOR_AVX512 void operator()(zint at, __mmask8 mask) const {
+        store8(x + at, mask, times(load8(x + at, mask), alpha));
     }
 };
 
 ZOR_AVX512 void dscal_eight_lane(zint n, double alpha, double* x) {
-    eight_lane_run(n, x, 8, ScalStep{x, _mm512_set1_pd(alpha)});
+    eight_lane_run(n, x, 8, ScalStep<RealFactor8>{x, real_factor8(alpha)});
 }
 
 ZOR_AVX512 void zscal_eight_lane(zint n, const zcomplex& alpha, zcomplex* x) {
-    eight_lane_run(2 * n, x, 16, ComplexScalStep{&x->re, complex_factor8(alpha)});
+    eight_lane_run(2 * n, x, 16, ScalStep<ComplexFactor8>{&x->re, complex_factor8(alpha)});
 }
 
 void zscal_four_lane(zint n, const zcomplex& alpha, zcomplex* x) {

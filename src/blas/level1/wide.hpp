@@ -13,12 +13,7 @@
 
 #if ZOR_LEVEL == 4
 
-#if !defined(__clang__)
-// GCC 12 flags the undefined pass-through operand inside its own AVX-512 intrinsics (its bug 105593),
-// wherever they are inlined: in the rest of the including source too.
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#pragma GCC diagnostic ignored "-Wuninitialized"
-#endif
+ZOR_ALLOW_AVX512_INTRINSICS
 
 namespace zor::avx {
 namespace {
@@ -31,27 +26,27 @@ ZOR_AVX512 inline __mmask8 first_lanes(zint count) {
     return static_cast<__mmask8>((1u << count) - 1u);
 }
 
-// Runs `step` over n doubles: a masked vector up to the 64-byte boundary of `anchor` (when it lies on
-// a boundary of `grain` bytes, so that the vectors after it keep whole elements of that size), whole
-// vectors four at a time, whole vectors, and a masked last vector. Step has full(at) and
-// part(at, mask).
+// Runs step(at, mask) over n doubles: a masked vector up to the 64-byte boundary of `anchor` (when it
+// lies on a boundary of `grain` bytes, so that the vectors after it keep whole elements of that
+// size), whole vectors four at a time, whole vectors, and a masked last vector.
 template <class Step>
 ZOR_AVX512 inline void eight_lane_run(zint n, const void* anchor, int grain, const Step& step) {
+    constexpr __mmask8 kAll = 0xff;
     zint i = 0;
     if (address(anchor) % static_cast<unsigned>(grain) == 0) {
         zint head = static_cast<zint>((64 - address(anchor) % 64) % 64 / 8);
         if (head > n) head = n;
-        if (head > 0) step.part(0, first_lanes(head));
+        if (head > 0) step(0, first_lanes(head));
         i = head;
     }
     for (; n - i >= 32; i += 32) {
-        step.full(i);
-        step.full(i + 8);
-        step.full(i + 16);
-        step.full(i + 24);
+        step(i, kAll);
+        step(i + 8, kAll);
+        step(i + 16, kAll);
+        step(i + 24, kAll);
     }
-    for (; n - i >= 8; i += 8) step.full(i);
-    if (i < n) step.part(i, first_lanes(n - i));
+    for (; n - i >= 8; i += 8) step(i, kAll);
+    if (i < n) step(i, first_lanes(n - i));
 }
 
 ZOR_AVX512 inline __m512d load8(const double* p, __mmask8 mask) {
@@ -72,7 +67,19 @@ ZOR_AVX512 inline ComplexFactor8 complex_factor8(const zcomplex& alpha) {
             _mm512_castsi512_pd(
                 _mm512_xor_si512(_mm512_castpd_si512(_mm512_set1_pd(alpha.im)), _mm512_castpd_si512(sign)))};
 }
-ZOR_AVX512 inline __m512d complex_times(__m512d x, const ComplexFactor8& f) {
+// A real factor in every lane.
+struct RealFactor8 {
+    __m512d a;
+};
+ZOR_AVX512 inline RealFactor8 real_factor8(double alpha) {
+    return {_mm512_set1_pd(alpha)};
+}
+
+// x times a real factor, or times a complex one element by element.
+ZOR_AVX512 inline __m512d times(__m512d x, const RealFactor8& f) {
+    return _mm512_mul_pd(x, f.a);
+}
+ZOR_AVX512 inline __m512d times(__m512d x, const ComplexFactor8& f) {
     return _mm512_add_pd(_mm512_mul_pd(x, f.ar), _mm512_mul_pd(_mm512_permute_pd(x, 0x55), f.ai_signed));
 }
 
