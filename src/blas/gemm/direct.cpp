@@ -49,11 +49,15 @@ struct DirectBlock {
 
 // C(0:rows, 0:cols) += the product of RV vectors of rows of op(A) (the last one `last` lanes, 1 to 8)
 // and `cols` (1 to 8) columns of op(B). Missing columns repeat the last one and are not stored.
-template <int RV, Alpha A>
+// kWhole: a tile of 8 whole columns whose last vector is whole too, so that no mask is applied and
+// the columns of B are reached from two pointers at fixed multiples of their step (fewer registers
+// held across the loop).
+template <int RV, Alpha A, bool kWhole>
 void direct_tile(const DirectBlock& blk, int last, int cols, double* c, zint ldc) {
-    const __mmask8 mask = static_cast<__mmask8>((1u << last) - 1u);
+    const __mmask8 mask = kWhole ? static_cast<__mmask8>(0xff) : static_cast<__mmask8>((1u << last) - 1u);
     zint offset[kTileColumns];
-    for (int j = 0; j < kTileColumns; ++j) offset[j] = (j < cols ? j : cols - 1) * blk.b_column;
+    const zint bc = blk.b_column;
+    for (int j = 0; j < kTileColumns; ++j) offset[j] = (kWhole || j < cols ? j : cols - 1) * bc;
     __m512d acc[RV][kTileColumns];
 #pragma GCC unroll 3
     for (int v = 0; v < RV; ++v) {
@@ -66,12 +70,14 @@ void direct_tile(const DirectBlock& blk, int last, int cols, double* c, zint ldc
         __m512d av[RV];
 #pragma GCC unroll 3
         for (int v = 0; v < RV; ++v) {
-            av[v] = v + 1 < RV ? _mm512_loadu_pd(ap + 8 * v) : _mm512_maskz_loadu_pd(mask, ap + 8 * v);
+            av[v] =
+                kWhole || v + 1 < RV ? _mm512_loadu_pd(ap + 8 * v) : _mm512_maskz_loadu_pd(mask, ap + 8 * v);
             if constexpr (A == Alpha::Other) av[v] = _mm512_mul_pd(blk.alpha, av[v]);
         }
 #pragma GCC unroll 8
         for (int j = 0; j < kTileColumns; ++j) {
-            const __m512d bv = _mm512_set1_pd(bp[offset[j]]);
+            const double* b_value = kWhole ? bp + (j / 4) * 4 * bc + (j % 4) * bc : bp + offset[j];
+            const __m512d bv = _mm512_set1_pd(*b_value);
 #pragma GCC unroll 3
             for (int v = 0; v < RV; ++v) {
                 acc[v][j] = A == Alpha::MinusOne ? _mm512_fnmadd_pd(av[v], bv, acc[v][j])
@@ -90,7 +96,7 @@ void direct_tile(const DirectBlock& blk, int last, int cols, double* c, zint ldc
         for (int v = 0; v < RV; ++v) {
             __m512d sum = acc[v][j];
             if (padded) sum = _mm512_add_pd(sum, _mm512_setzero_pd());
-            if (v + 1 < RV) {
+            if (kWhole || v + 1 < RV) {
                 _mm512_storeu_pd(column + 8 * v, _mm512_add_pd(_mm512_loadu_pd(column + 8 * v), sum));
             } else {
                 const __m512d old = _mm512_maskz_loadu_pd(mask, column + 8 * v);
@@ -111,12 +117,20 @@ void direct_rows(const DirectBlock& blk, zint i, zint rows, zint j, zint cols, d
     const int vectors = static_cast<int>((rows + 7) / 8), last = static_cast<int>(rows - 8 * (vectors - 1));
     double* tile = c + i + j * ldc;
     const int width = static_cast<int>(cols);
-    if (vectors == 3) {
-        direct_tile<3, A>(at, last, width, tile, ldc);
+    if (width == kTileColumns && last == 8) {
+        if (vectors == 3) {
+            direct_tile<3, A, true>(at, last, width, tile, ldc);
+        } else if (vectors == 2) {
+            direct_tile<2, A, true>(at, last, width, tile, ldc);
+        } else {
+            direct_tile<1, A, true>(at, last, width, tile, ldc);
+        }
+    } else if (vectors == 3) {
+        direct_tile<3, A, false>(at, last, width, tile, ldc);
     } else if (vectors == 2) {
-        direct_tile<2, A>(at, last, width, tile, ldc);
+        direct_tile<2, A, false>(at, last, width, tile, ldc);
     } else {
-        direct_tile<1, A>(at, last, width, tile, ldc);
+        direct_tile<1, A, false>(at, last, width, tile, ldc);
     }
 }
 
