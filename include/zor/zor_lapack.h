@@ -164,6 +164,119 @@ ZOR_FORTRAN_API void zunghr(const zor_int* n, const zor_int* ilo, const zor_int*
                             const zor_int* lda, const zor_complex_double* tau, zor_complex_double* work,
                             const zor_int* lwork, zor_int* info);
 
+/* ---- The nonsymmetric eigenproblem ------------------------------------------------------------ */
+
+/* The caller's choice of eigenvalues for dgees and zgees, in the Fortran convention: the eigenvalue
+ * by reference (real and imaginary parts for dgees), a logical answer, nonzero for selected. */
+typedef zor_int (*zor_dselect2)(const double* wr, const double* wi);
+typedef zor_int (*zor_zselect1)(const zor_complex_double* w);
+
+/* Balances A by a permutation (job "P"), a diagonal scaling ("S") or both ("B"; "N": neither): rows
+ * and columns ilo .. ihi are left to the QR algorithm, scale records the permutation and factors. */
+ZOR_FORTRAN_API void dgebal(const char* job, const zor_int* n, double* a, const zor_int* lda, zor_int* ilo,
+                            zor_int* ihi, double* scale, zor_int* info, size_t job_length);
+ZOR_FORTRAN_API void zgebal(const char* job, const zor_int* n, zor_complex_double* a, const zor_int* lda,
+                            zor_int* ilo, zor_int* ihi, double* scale, zor_int* info, size_t job_length);
+/* Transforms the m right ("R") or left ("L") eigenvectors of a balanced matrix back to those of the
+ * original matrix. */
+ZOR_FORTRAN_API void dgebak(const char* job, const char* side, const zor_int* n, const zor_int* ilo,
+                            const zor_int* ihi, const double* scale, const zor_int* m, double* v,
+                            const zor_int* ldv, zor_int* info, size_t job_length, size_t side_length);
+ZOR_FORTRAN_API void zgebak(const char* job, const char* side, const zor_int* n, const zor_int* ilo,
+                            const zor_int* ihi, const double* scale, const zor_int* m, zor_complex_double* v,
+                            const zor_int* ldv, zor_int* info, size_t job_length, size_t side_length);
+/* Reduces rows and columns ilo .. ihi of A to upper Hessenberg form H = Qᴴ A Q, Q stored as
+ * reflectors below the subdiagonal (dorghr forms it). lwork >= max(1, n); lwork = -1 asks for the
+ * optimal size in work[0]. */
+ZOR_FORTRAN_API void dgehrd(const zor_int* n, const zor_int* ilo, const zor_int* ihi, double* a, const zor_int* lda,
+                            double* tau, double* work, const zor_int* lwork, zor_int* info);
+ZOR_FORTRAN_API void zgehrd(const zor_int* n, const zor_int* ilo, const zor_int* ihi, zor_complex_double* a,
+                            const zor_int* lda, zor_complex_double* tau, zor_complex_double* work,
+                            const zor_int* lwork, zor_int* info);
+/* The Schur factorization A = Z T Zᴴ (jobvs "V": Z in vs), optionally (sort "S") with the eigenvalues
+ * select chooses at the top of T (sdim of them); info = n + 1: they could not be reordered, n + 2:
+ * rounding changed the choice after reordering. lwork >= max(1, 3n) (dgees), max(1, 2n) (zgees, with
+ * rwork of n doubles); bwork (n logicals) is used only when sorting. */
+ZOR_FORTRAN_API void dgees(const char* jobvs, const char* sort, zor_dselect2 select, const zor_int* n, double* a,
+                           const zor_int* lda, zor_int* sdim, double* wr, double* wi, double* vs,
+                           const zor_int* ldvs, double* work, const zor_int* lwork, zor_int* bwork, zor_int* info,
+                           size_t jobvs_length, size_t sort_length);
+ZOR_FORTRAN_API void zgees(const char* jobvs, const char* sort, zor_zselect1 select, const zor_int* n,
+                           zor_complex_double* a, const zor_int* lda, zor_int* sdim, zor_complex_double* w,
+                           zor_complex_double* vs, const zor_int* ldvs, zor_complex_double* work,
+                           const zor_int* lwork, double* rwork, zor_int* bwork, zor_int* info,
+                           size_t jobvs_length, size_t sort_length);
+/* The eigenvalues of A and its left (jobvl "V") and right (jobvr "V") eigenvectors, each of norm 1
+ * with its largest component real. lwork >= max(1, 4n) with vectors, max(1, 3n) without (dgeev);
+ * max(1, 2n) (zgeev, with rwork of 2n doubles). */
+ZOR_FORTRAN_API void dgeev(const char* jobvl, const char* jobvr, const zor_int* n, double* a, const zor_int* lda,
+                           double* wr, double* wi, double* vl, const zor_int* ldvl, double* vr,
+                           const zor_int* ldvr, double* work, const zor_int* lwork, zor_int* info,
+                           size_t jobvl_length, size_t jobvr_length);
+ZOR_FORTRAN_API void zgeev(const char* jobvl, const char* jobvr, const zor_int* n, zor_complex_double* a,
+                           const zor_int* lda, zor_complex_double* w, zor_complex_double* vl, const zor_int* ldvl,
+                           zor_complex_double* vr, const zor_int* ldvr, zor_complex_double* work,
+                           const zor_int* lwork, double* rwork, zor_int* info, size_t jobvl_length,
+                           size_t jobvr_length);
+/* Moves the diagonal block of the Schur form T at row ifst to row ilst, updating Q (compq "V"). */
+ZOR_FORTRAN_API void dtrexc(const char* compq, const zor_int* n, double* t, const zor_int* ldt, double* q,
+                            const zor_int* ldq, zor_int* ifst, zor_int* ilst, double* work, zor_int* info,
+                            size_t compq_length);
+ZOR_FORTRAN_API void ztrexc(const char* compq, const zor_int* n, zor_complex_double* t, const zor_int* ldt,
+                            zor_complex_double* q, const zor_int* ldq, const zor_int* ifst, const zor_int* ilst,
+                            zor_int* info, size_t compq_length);
+/* Solves op(A) X + isgn X op(B) = scale C for the Schur forms A and B; X overwrites C. */
+ZOR_FORTRAN_API void dtrsyl(const char* trana, const char* tranb, const zor_int* isgn, const zor_int* m,
+                            const zor_int* n, const double* a, const zor_int* lda, const double* b,
+                            const zor_int* ldb, double* c, const zor_int* ldc, double* scale, zor_int* info,
+                            size_t trana_length, size_t tranb_length);
+ZOR_FORTRAN_API void ztrsyl(const char* trana, const char* tranb, const zor_int* isgn, const zor_int* m,
+                            const zor_int* n, const zor_complex_double* a, const zor_int* lda,
+                            const zor_complex_double* b, const zor_int* ldb, zor_complex_double* c,
+                            const zor_int* ldc, double* scale, zor_int* info, size_t trana_length,
+                            size_t tranb_length);
+/* ---- Symmetric and Hermitian eigenproblem ------------------------------------------------------ */
+
+/* The eigenvalues w (ascending) and, for jobz "V", the orthonormal eigenvectors (in place of A) of
+ * the symmetric A whose triangle uplo is given, by divide and conquer. lwork >= 2n + 1 ("N") or
+ * 1 + 6n + 2n^2 ("V"), liwork >= 1 ("N") or 3 + 5n ("V"), all 1 when n <= 1; lwork or liwork = -1
+ * asks for the optimal sizes in work[0] and iwork[0]. info = k > 0: the solver did not converge. */
+ZOR_FORTRAN_API void dsyevd(const char* jobz, const char* uplo, const zor_int* n, double* a,
+                            const zor_int* lda, double* w, double* work, const zor_int* lwork, zor_int* iwork,
+                            const zor_int* liwork, zor_int* info, size_t jobz_length, size_t uplo_length);
+/* The same for a Hermitian A: lwork >= n + 1 ("N") or 2n + n^2 ("V"), lrwork >= n or 1 + 5n + 2n^2,
+ * liwork >= 1 or 3 + 5n; any of lwork, lrwork, liwork = -1 asks for all three optimal sizes. */
+ZOR_FORTRAN_API void zheevd(const char* jobz, const char* uplo, const zor_int* n, zor_complex_double* a,
+                            const zor_int* lda, double* w, zor_complex_double* work, const zor_int* lwork,
+                            double* rwork, const zor_int* lrwork, zor_int* iwork, const zor_int* liwork,
+                            zor_int* info, size_t jobz_length, size_t uplo_length);
+/* ---- Singular value decomposition and least squares ---------------------------------------- */
+
+/* A = U S Vᵀ by divide and conquer: s receives the min(m, n) singular values, non-negative and
+ * non-increasing. jobz "A": all of U (m by m) and Vᵀ (n by n) in u and vt; "S": their first
+ * min(m, n) columns and rows; "O": those overwrite A (U's when m >= n, Vᵀ's otherwise; the other in
+ * u or vt); "N": values only. lwork = -1 asks for the optimal size in work[0]; iwork: 8 min(m, n).
+ * info = -4 (no message): A holds a NaN; info > 0: the bidiagonal divide and conquer did not
+ * converge. zgesdd computes A = U S Vᴴ and takes rwork (5 min(m, n) doubles for "N", else
+ * max(5k² + 5k, 2 max(m, n) k + 2k² + k) for k = min(m, n)). */
+ZOR_FORTRAN_API void dgesdd(const char* jobz, const zor_int* m, const zor_int* n, double* a, const zor_int* lda,
+                            double* s, double* u, const zor_int* ldu, double* vt, const zor_int* ldvt,
+                            double* work, const zor_int* lwork, zor_int* iwork, zor_int* info,
+                            size_t jobz_length);
+ZOR_FORTRAN_API void zgesdd(const char* jobz, const zor_int* m, const zor_int* n, zor_complex_double* a,
+                            const zor_int* lda, double* s, zor_complex_double* u, const zor_int* ldu,
+                            zor_complex_double* vt, const zor_int* ldvt, zor_complex_double* work,
+                            const zor_int* lwork, double* rwork, zor_int* iwork, zor_int* info,
+                            size_t jobz_length);
+/* The minimum-norm solution of min ||B - A X|| through the SVD of A: b (ldb >= max(1, m, n)) holds
+ * the nrhs right-hand sides on entry and the n by nrhs solution on return; singular values at most
+ * rcond times the largest count as zero (rcond < 0: machine precision), rank receives the number of
+ * the others and s the singular values. lwork = -1 asks for the optimal size in work[0]; iwork[0]
+ * receives the integer workspace needed. info > 0: the bidiagonal solver did not converge. */
+ZOR_FORTRAN_API void dgelsd(const zor_int* m, const zor_int* n, const zor_int* nrhs, double* a, const zor_int* lda,
+                            double* b, const zor_int* ldb, double* s, const double* rcond, zor_int* rank,
+                            double* work, const zor_int* lwork, zor_int* iwork, zor_int* info);
+
 ZOR_EXTERN_C_END
 
 #endif

@@ -18,4 +18,28 @@ if(NOT WIN32 AND NOT ZOR_SANITIZER AND EXISTS ${ZOR_REFERENCE_PROGRAMS}/xlintstd
     # The QR, LQ and pivoted QR paths of the linear-equation programs.
     zor_add_reference_test(xlintstd lin/dqr.in)
     zor_add_reference_test(xlintstz lin/zqr.in)
+
+    # The nonsymmetric eigenproblem: balancing and its inverse, the Hessenberg reduction, the
+    # reordering and Sylvester routines, the drivers (the published inputs), and the drivers again
+    # past the multishift crossover (dev.in, zev.in).
+    zor_add_reference_test(xeigtstd eig/nep.in)
+    zor_add_reference_test(xeigtstz eig/nep.in)
+    zor_add_reference_test(xeigtstd eig/dec.in)
+    zor_add_reference_test(xeigtstz eig/zec.in)
+    zor_add_reference_test(xeigtstd eig/ded.in)
+    zor_add_reference_test(xeigtstz eig/zed.in)
+    zor_add_reference_test(xeigtstd eig/dev.in)
+    zor_add_reference_test(xeigtstz eig/zev.in)
+    zor_add_reference_test(xeigtstd eig/dbal.in)
+    zor_add_reference_test(xeigtstz eig/zbal.in)
+    zor_add_reference_test(xeigtstd eig/dbak.in)
+    zor_add_reference_test(xeigtstz eig/zbak.in)
+    # The symmetric eigenproblem path (SEP) of the eigenvalue programs: dsyevd and zheevd.
+    zor_add_reference_test(xeigtstd eig/dsep.in)
+    zor_add_reference_test(xeigtstz eig/zsep.in)
+    # The least-squares path (dgelsd among the drivers) and the SVD path of the eigenproblem
+    # programs (dgesdd, zgesdd), on inputs of the project's own in the published format.
+    zor_add_reference_test(xlintstd lin/dls.in)
+    zor_add_reference_test(xeigtstd eig/dsvd.in)
+    zor_add_reference_test(xeigtstz eig/zsvd.in)
 endif()

@@ -24,7 +24,8 @@ case $program in
     *) program=$folder/lapack/$program ;;
 esac
 mkdir -p "$work"
-name=$(basename "$input" .in)
+# One program may run the same input as another (nep.in for both precisions).
+name=$(basename "$program")_$(basename "$input" .in)
 baseline=$work/$name.baseline.out
 withzor=$work/$name.zor.out
 
@@ -42,10 +43,11 @@ for out in "$baseline" "$withzor"; do
     grep -q "End of tests" "$out" || { echo "$out: the program did not finish"; tail -20 "$out"; exit 1; }
 done
 
-# The failures of a report, one a line, comparable between runs.
+# The failures of a report, one a line, comparable between runs. The eigenproblem programs print a
+# failed error-exit check as a bare "***" (their format's name field is left without its value).
 failures() {
-    grep -E 'test\( *[0-9]+\) *=|failed to pass|\*\*\*' "$1" |
-        grep -vE 'not detected by|failed the tests of the error exits' |
+    grep -E 'test\( *[0-9]+\) *=|failed to pass|\*\*\*|(ILO or IHI wrong|info is not zero|info is not 0) *= *[1-9]' "$1" |
+        grep -vE 'not detected by|failed the tests of the error exits|^ *\*\*\* *$' |
         sed -E 's/(test\( *[0-9]+\) *=).*/\1/; s/[0-9]+ out of +[0-9]+ tests/N tests/' | sort -u || true
 }
 # The argument errors zor reported, and those the program saw as not detected, as "N NAME".
@@ -53,7 +55,7 @@ reported() {
     sed -nE 's/.*ZOR ERROR: Parameter ([0-9]+) was incorrect on entry to ([A-Z0-9_]+).*/\1 \2/p' "$1"
 }
 undetected() {
-    sed -nE 's/.*Illegal value of parameter number +([0-9]+) not detected by ([A-Z0-9_]+).*/\1 \2/p' "$1"
+    sed -nE 's/.*Illegal value of parameter number +([0-9]+) not detected by +([A-Z0-9_]+).*/\1 \2/p' "$1"
 }
 
 status=0
@@ -73,6 +75,6 @@ if [ -n "$(undetected "$baseline")" ]; then
     undetected "$baseline"
     status=1
 fi
-grep -E 'passed the threshold|failed to pass' "$withzor" | sed 's/^ *//'
+grep -E 'passed the threshold|failed to pass' "$withzor" | sed 's/^ *//' || true
 echo "$(basename "$program") $(basename "$input"): $([ $status = 0 ] && echo passed || echo FAILED)"
 exit $status
