@@ -1,6 +1,7 @@
 // GEMM through the CBLAS interface: zor against the other libraries on the machine, in GFLOP/s,
-// single-threaded. Square problems from n = 64 to 4096 and the tall-skinny updates m = n = 4096 with
-// k = 64 and 256, for dgemm and zgemm, column-major, no transposition, alpha = 1, beta = 1.
+// single-threaded. Square problems from n = 64 to 4096 and skinny ones (m = n = 4096 with k = 32 to
+// 256; 64 or 128 columns or rows with the other two dimensions 4096), for dgemm and zgemm,
+// column-major, no transposition, alpha = 1, beta = 1.
 //
 // Options besides the harness's: --plot FILE draws GFLOP/s against n with gnuplot (PNG or SVG, by
 // the file's extension); --peak measures this core's FMA throughput first, the ceiling the table is
@@ -34,13 +35,16 @@ struct Problem {
     int m, n, k;
 };
 
-// Case names: "dgemm n=256" (square), "dgemm 4096x4096 k=64" (tall-skinny).
+// Case names: "dgemm n=256" (square), "dgemm 4096x4096 k=64" (m x n with depth k).
 Problem parse(const std::string& name) {
-    Problem p{name[0] == 'z', 4096, 4096, 4096};
+    Problem p{name[0] == 'z', 0, 0, 0};
     const int value = std::atoi(name.c_str() + name.find('=') + 1);
     if (name.find(" n=") != std::string::npos) {
         p.m = p.n = p.k = value;
     } else {
+        const std::size_t space = name.find(' '), times = name.find('x', space);
+        p.m = std::atoi(name.c_str() + space + 1);
+        p.n = std::atoi(name.c_str() + times + 1);
         p.k = value;
     }
     return p;
@@ -203,9 +207,13 @@ int main(int argc, char** argv) {
             benchmark.cases.push_back(
                 {std::string(routine) + " n=" + std::to_string(n), flops_per_term * n * n * n});
         }
-        for (const int k : {64, 256}) {
-            benchmark.cases.push_back({std::string(routine) + " 4096x4096 k=" + std::to_string(k),
-                                       flops_per_term * 4096.0 * 4096 * k});
+        // Skinny shapes: a shallow depth, or few columns or few rows.
+        const int skinny[][3] = {{4096, 4096, 32}, {4096, 4096, 64},  {4096, 4096, 128}, {4096, 4096, 256},
+                                 {4096, 64, 4096}, {4096, 128, 4096}, {64, 4096, 4096},  {128, 4096, 4096}};
+        for (const auto& [m, n, k] : skinny) {
+            benchmark.cases.push_back({std::string(routine) + " " + std::to_string(m) + "x" +
+                                           std::to_string(n) + " k=" + std::to_string(k),
+                                       flops_per_term * m * n * static_cast<double>(k)});
         }
     }
     benchmark.measure = &measure;

@@ -143,7 +143,7 @@ int main(int argc, char** argv) {
     benchmark.title = "Level-1 BLAS, unit stride, ns per element";
     benchmark.metric = bench::Metric::NanosecondsPerElement;
     for (const char* kernel : kOrder) {
-        for (const long n : {100L, 10000L, 1000000L}) {
+        for (const long n : {100L, 1000L, 10000L, 1000000L}) {
             benchmark.cases.push_back(
                 {std::string(kernel) + " n=" + std::to_string(n), static_cast<double>(n)});
         }

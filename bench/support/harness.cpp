@@ -28,7 +28,7 @@ const char* const kReferenceLapack = "/usr/lib/x86_64-linux-gnu/lapack/liblapack
 }  // namespace
 
 std::vector<Peer> standard_peers() {
-    return {
+    std::vector<Peer> peers = {
         {"zor", {ZOR_BENCH_LIBZOR}, {"ZOR_DEBUG_CPU_TYPE=AVX"}},
         {"zor-default", {ZOR_BENCH_LIBZOR}, {"ZOR_DEBUG_CPU_TYPE=0"}},
         {"openblas", {kOpenBlas}, {}},
@@ -40,6 +40,10 @@ std::vector<Peer> standard_peers() {
         // BLAS calls go to OpenBLAS (Debian's libblas.so.3), forced to the AVX-512 kernels.
         {"reference-lapack", {kReferenceLapack, kOpenBlas}, {"OPENBLAS_CORETYPE=SkylakeX"}},
     };
+    // Another build of zor to compare with (an earlier commit's), named by ZOR_BENCH_BASELINE.
+    if (const char* baseline = std::getenv("ZOR_BENCH_BASELINE"); baseline != nullptr && *baseline != '\0')
+        peers.push_back({"zor-baseline", {baseline}, {"ZOR_DEBUG_CPU_TYPE=AVX"}});
+    return peers;
 }
 
 Library::Library(const Peer& peer) : name_(peer.name) {
@@ -139,7 +143,8 @@ Options parse(int argc, char** argv) {
             options.list = true;
         } else {
             std::fprintf(stderr,
-                         "usage: %s [--rounds N] [--peers a,b] [--cases REGEX] [--csv FILE] [--list]\n", argv[0]);
+                         "usage: %s [--rounds N] [--peers a,b] [--cases REGEX] [--csv FILE] [--list]\n",
+                         argv[0]);
             std::exit(2);
         }
     }
@@ -175,8 +180,9 @@ std::string spawn_worker(const char* program, const Peer& peer, const Options& o
     std::vector<std::string> env;
     for (char** e = environ; *e != nullptr; ++e) {
         const std::string entry = *e;
-        if (entry.rfind("OPENBLAS_", 0) == 0 || entry.rfind("BLIS_", 0) == 0 || entry.rfind("ZOR_DEBUG_CPU", 0) == 0 ||
-            entry.rfind("OMP_", 0) == 0 || entry.rfind("GOTO_", 0) == 0)
+        if (entry.rfind("OPENBLAS_", 0) == 0 || entry.rfind("BLIS_", 0) == 0 ||
+            entry.rfind("ZOR_DEBUG_CPU", 0) == 0 || entry.rfind("OMP_", 0) == 0 ||
+            entry.rfind("GOTO_", 0) == 0)
             continue;
         env.push_back(entry);
     }
@@ -203,7 +209,8 @@ std::string spawn_worker(const char* program, const Peer& peer, const Options& o
     std::string output;
     char buffer[4096];
     ssize_t got;
-    while ((got = read(pipe_fds[0], buffer, sizeof buffer)) > 0) output.append(buffer, static_cast<size_t>(got));
+    while ((got = read(pipe_fds[0], buffer, sizeof buffer)) > 0)
+        output.append(buffer, static_cast<size_t>(got));
     close(pipe_fds[0]);
     int status = 0;
     if (spawned == 0) waitpid(pid, &status, 0);
@@ -256,7 +263,8 @@ int run(int argc, char** argv, const Benchmark& benchmark) {
     const ssize_t length = readlink("/proc/self/exe", program, sizeof program - 1);
     if (length <= 0) return 4;
     program[length] = '\0';
-    std::printf("%s: %d rounds, libraries interleaved in each round\n", benchmark.title.c_str(), options.rounds);
+    std::printf("%s: %d rounds, libraries interleaved in each round\n", benchmark.title.c_str(),
+                options.rounds);
     for (int round = 0; round < options.rounds; ++round) {
         for (const Peer& peer : peers) {
             if (failed[peer.name]) continue;
@@ -287,10 +295,12 @@ int run(int argc, char** argv, const Benchmark& benchmark) {
     }
 
     for (const Peer& peer : peers) {
-        if (!failed[peer.name]) std::printf("  %-16s %s\n", peer.name.c_str(), descriptions[peer.name].c_str());
+        if (!failed[peer.name])
+            std::printf("  %-16s %s\n", peer.name.c_str(), descriptions[peer.name].c_str());
     }
     const char* unit = benchmark.metric == Metric::GflopsPerSecond ? "GFLOP/s" : "ns/element";
-    std::printf("\nmedian %s (ratio: zor's rate over the peer's; above 1 means zor is faster)\n%-28s", unit, "case");
+    std::printf("\nmedian %s (ratio: zor's rate over the peer's; above 1 means zor is faster)\n%-28s", unit,
+                "case");
     for (const Peer& peer : peers) {
         if (!failed[peer.name]) std::printf(" %16s", peer.name.c_str());
     }

@@ -18,12 +18,14 @@ struct Peer {
 };
 
 // zor at the Avx and Default levels, OpenBLAS and BLIS as shipped and forced to their AVX-512
-// kernels, and reference LAPACK on OpenBLAS's AVX-512 BLAS, each single-threaded. Every OPENBLAS_* and BLIS_* variable of the caller is cleared.
+// kernels, and reference LAPACK on OpenBLAS's AVX-512 BLAS, each single-threaded. Every OPENBLAS_* and BLIS_*
+// variable of the caller is cleared. With ZOR_BENCH_BASELINE naming another build of libzor.so.1, also that
+// build at Avx ("zor-baseline").
 std::vector<Peer> standard_peers();
 
 // A loaded peer: its symbols, looked up by name (null when it has none).
 class Library {
-public:
+  public:
     explicit Library(const Peer& peer);
     void* symbol(const char* name) const;
     template <class F>
@@ -32,7 +34,7 @@ public:
     }
     const std::string& name() const { return name_; }
 
-private:
+  private:
     std::string name_;
     std::vector<void*> handles_;
 };

@@ -19,6 +19,7 @@
 #include "support/level3_reference.hpp"
 #include "support/random.hpp"
 #include "support/variants.hpp"
+#include "support/vectors.hpp"
 
 namespace zor::test {
 namespace {
@@ -46,6 +47,7 @@ const Path kPaths[] = {
     {"AvxPlain", CpuLevel::Avx, {0, 128, false}, 0},
     {"AvxFma", CpuLevel::Avx, {kExtensionFma, 128, false}, kExtensionFma},
     {"Avx512", CpuLevel::Avx, {kExtensionFma | kExtensionAvx512f, 128, false}, kExtensionAvx512f},
+    {"Avx512Packed", CpuLevel::Avx, {kExtensionFma | kExtensionAvx512f, 128, false, true}, kExtensionAvx512f},
 };
 
 decltype(&default_::dgemm_with) const kDgemmWith[] = {ZOR_VARIANTS(dgemm_with)};
@@ -238,11 +240,12 @@ int allocations_of(Run run, Shape s) {
     on_fresh_thread([&] {
         Random random(s.m * 10000 + s.n * 100 + s.k);
         const AllocatorScope scope;
-        const std::vector<T> a = random_operand<T>(random, s.m, s.k, s.m),
+        // op(A) = Aᵀ: the direct path of small products copies it.
+        const std::vector<T> a = random_operand<T>(random, s.k, s.m, s.k),
                              b = random_operand<T>(random, s.k, s.n, s.k);
         std::vector<T> c = random_operand<T>(random, s.m, s.n, s.m);
         AllocatorScope::reset();
-        run('N', 'N', s.m, s.n, s.k, scalar<T>(1, 0), a.data(), s.m, b.data(), s.k, scalar<T>(1, 0), c.data(),
+        run('T', 'N', s.m, s.n, s.k, scalar<T>(1, 0), a.data(), s.k, b.data(), s.k, scalar<T>(1, 0), c.data(),
             s.m);
         count = AllocatorScope::allocations();
     });
@@ -304,6 +307,89 @@ TEST_P(GemmPath, FailedAllocationIsReportedOnceAndCIsStillRight) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Paths, GemmPath, ::testing::ValuesIn(kPaths), NameOfParam{});
+
+// Random operands for op(A) (m x k) and op(B) (k x n) with padded leading dimensions, and C.
+struct Operands {
+    zint lda, ldb, ldc;
+    std::vector<double> a, b, c;
+    Operands(Random& random, char ta, char tb, Shape s, zint pad)
+        : lda((ta == 'N' ? s.m : s.k) + pad), ldb((tb == 'N' ? s.k : s.n) + pad), ldc(s.m + pad) {
+        a = random_operand<double>(random, lda, ta == 'N' ? s.k : s.m, lda);
+        b = random_operand<double>(random, ldb, tb == 'N' ? s.n : s.k, ldb);
+        c = random_operand<double>(random, ldc, s.n, ldc);
+    }
+};
+
+// The direct AVX-512 path gives the bits of the packed one: every operation pair, alpha 1, -1
+// (negated products) and another, depths not a multiple of 4 (the packed path's zero padding) and
+// across the depth blocks (256, 257, 511, 513), rows and columns around the 24 x 8 tiles and on both
+// sides of the direct path's limits.
+TEST(GemmDirectPath, GivesThePackedPathsBits) {
+    ZOR_SKIP_UNLESS_PATH_RUNS(CpuLevel::Avx, kExtensionAvx512f);
+    const GemmChoice direct{kExtensionFma | kExtensionAvx512f, 128, false},
+        packed{kExtensionFma | kExtensionAvx512f, 128, false, true};
+    const Shape shapes[] = {{4, 8, 4},       {5, 9, 5},       {23, 7, 13},   {24, 8, 256},   {25, 17, 257},
+                            {64, 64, 64},    {96, 700, 300},  {97, 20, 300}, {33, 160, 511}, {47, 9, 513},
+                            {161, 161, 100}, {384, 512, 256}, {385, 40, 30}, {200, 513, 40}, {8, 300, 130}};
+    Random random(4242);
+    for (const Shape& s : shapes) {
+        for (const char ta : {'N', 'T'}) {
+            for (const char tb : {'N', 'T'}) {
+                for (const double alpha : {1.0, -1.0, 0.7}) {
+                    Operands x(random, ta, tb, s, (s.m + ta + tb) % 3);
+                    std::vector<double> c2 = x.c;
+                    avx::dgemm_with(direct, ta, tb, s.m, s.n, s.k, alpha, x.a.data(), x.lda, x.b.data(),
+                                    x.ldb, -0.5, x.c.data(), x.ldc);
+                    avx::dgemm_with(packed, ta, tb, s.m, s.n, s.k, alpha, x.a.data(), x.lda, x.b.data(),
+                                    x.ldb, -0.5, c2.data(), x.ldc);
+                    for (std::size_t i = 0; i < c2.size(); ++i) {
+                        ASSERT_TRUE(same_bits(x.c[i], c2[i]))
+                            << ta << tb << " " << s.m << " x " << s.n << " x " << s.k << " alpha " << alpha
+                            << " at " << i;
+                    }
+                }
+            }
+        }
+    }
+}
+
+// An element of C gets the same bits whatever the shape of the call it is part of, on each Avx
+// path: the leading block of a product computed alone, below the blocking thresholds (the small
+// path), on both sides of the direct path's limits and in the packed path.
+TEST(GemmAvxPaths, AnElementsBitsDoNotDependOnTheShape) {
+    ZOR_SKIP_UNLESS_RUNNABLE(CpuLevel::Avx);
+    struct Pair {
+        Shape whole, part;
+    };
+    const Pair pairs[] = {{{4, 9, 6}, {3, 9, 6}},           {{9, 8, 6}, {9, 7, 6}},
+                          {{40, 30, 3}, {40, 30, 3}},       {{97, 30, 300}, {96, 30, 300}},
+                          {{385, 20, 130}, {384, 20, 130}}, {{200, 513, 40}, {200, 512, 40}},
+                          {{600, 12, 257}, {1, 12, 257}},   {{50, 600, 70}, {50, 1, 70}}};
+    for (const Path& path : kPaths) {
+        if (path.level != CpuLevel::Avx || (detect_avx_extensions() & path.needs) != path.needs) continue;
+        Random random(99);
+        for (const Pair& pair : pairs) {
+            for (const char ta : {'N', 'T'}) {
+                const char tb = ta == 'N' ? 'T' : 'N';
+                Operands x(random, ta, tb, pair.whole, 1);
+                std::vector<double> part = x.c;
+                const Shape& w = pair.whole;
+                const Shape& p = pair.part;
+                avx::dgemm_with(path.choice, ta, tb, w.m, w.n, w.k, 0.7, x.a.data(), x.lda, x.b.data(), x.ldb,
+                                1.0, x.c.data(), x.ldc);
+                avx::dgemm_with(path.choice, ta, tb, p.m, p.n, p.k, 0.7, x.a.data(), x.lda, x.b.data(), x.ldb,
+                                1.0, part.data(), x.ldc);
+                for (zint j = 0; j < p.n; ++j) {
+                    for (zint i = 0; i < p.m; ++i) {
+                        ASSERT_TRUE(same_bits(x.c[i + j * x.ldc], part[i + j * x.ldc]))
+                            << path.name << " " << ta << tb << " " << w.m << " x " << w.n << " against "
+                            << p.m << " x " << p.n << " x " << p.k << " at (" << i << ", " << j << ")";
+                    }
+                }
+            }
+        }
+    }
+}
 
 // Through the dispatcher table: each level's variant, with the choices of this processor.
 class GemmVariant : public ::testing::TestWithParam<CpuLevel> {};

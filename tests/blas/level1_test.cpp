@@ -18,12 +18,12 @@ namespace {
 constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-// Lengths across the unroll and peel boundaries (steps of 16, 8, 4, 2 and 1), and around the
+// Lengths across the unroll and peel boundaries (steps of 32, 16, 8, 4, 2 and 1), and around the
 // long-vector switch of the real dot product at 2048.
 std::vector<zint> lengths(bool long_vectors) {
     std::vector<zint> n;
     for (zint i = 0; i <= 40; ++i) n.push_back(i);
-    if (long_vectors) n.insert(n.end(), {2047, 2048, 2049});
+    if (long_vectors) n.insert(n.end(), {63, 64, 65, 2047, 2048, 2049});
     return n;
 }
 

@@ -150,6 +150,13 @@ zint gemm_kc(zint k, zint kr) {
     return 256;
 }
 
+bool dgemm_direct_suits(zint m, zint n, zint k) {
+    // Measured against the packed path: up to 96 rows of C at any width and depth; up to 384 rows
+    // with at most 512 columns and a depth of at most 256. Taller C, or deeper A, is read a column
+    // of A at a time across pages and cache sets, which packing avoids.
+    return m <= 96 || (m <= 384 && n <= 512 && k <= 256);
+}
+
 zint gemm_mc(std::int64_t cache_bytes, int element_bytes, zint mr) {
     if (cache_bytes <= 0) cache_bytes = kAssumedCacheBytes;
     // The divisions of the published rule, one by one: truncation makes the order matter.

@@ -100,6 +100,10 @@ GemmRecord complex_gemm_record(CpuLevel level, int sublevel);
 // halved and rounded up to kr; else 256. mc from the last-level cache size, ⌊S/(1280·bytes)⌋
 // rounded down to mr (bytes = 8 real, 16 complex). nc: max(n, nr) capped at 5000, rounded up to nr.
 zint gemm_kc(zint k, zint kr);
+// Whether the direct AVX-512 path (no packing of B, nor of A unless transposed) takes a real product
+// of this shape: small ones, and those with few rows of C, whose packed operands would be used too
+// few times to pay for the packing.
+bool dgemm_direct_suits(zint m, zint n, zint k);
 zint gemm_mc(std::int64_t cache_bytes, int element_bytes, zint mr);
 zint gemm_nc(zint n, zint nr);
 

@@ -259,7 +259,14 @@ void dgemm_with(const GemmChoice& choice, const char& transa, const char& transb
     } else {
         GemmBlockingParams<double> params;
         load_record(params, choice);
-        gemm_table_driven<double>(params, &dgemm_small, &scale_c, transa, transb, m, n, k, alpha, a, lda, b,
+        DirectPath<double>* direct = nullptr;
+        SmallPath<double>* small = &dgemm_small;
+        if constexpr (kLevel == CpuLevel::Avx) {
+            if ((choice.extensions & kExtensionAvx512f) && !choice.packed_only) direct = &dgemm_direct_avx512;
+            small = (choice.extensions & (kExtensionFma | kExtensionAvx512f)) ? &dgemm_small_fused
+                                                                              : &dgemm_small_unfused;
+        }
+        gemm_table_driven<double>(params, small, &scale_c, direct, transa, transb, m, n, k, alpha, a, lda, b,
                                   ldb, beta, c, ldc);
     }
 }

@@ -46,6 +46,12 @@ using SmallPath = void(const char& transa, const char& transb, const zint& m, co
                        const T& beta, T* c, const zint& ldc);
 template <class T>
 using ScaleC = void(const zint& m, const zint& n, const T& beta, T* c, const zint& ldc);
+// A path that computes C += alpha·op(A)·op(B) from the caller's arrays for the shapes it takes, with
+// the bits of the blocked path; false when it does not take the shape.
+template <class T>
+using DirectPath = bool(const char& transa, const char& transb, const zint& m, const zint& n, const zint& k,
+                        const T& alpha, const T* a, const zint& lda, const T* b, const zint& ldb, T* c,
+                        const zint& ldc);
 
 // The loop nest of every blocked design: column blocks of nc, depth blocks of kc (or, with
 // `remainder_first`, the k mod kc remainder first and whole blocks after it), B packed once per
@@ -119,12 +125,13 @@ void gemm_loop(const GemmLoop<T>& g, const char& transa, const char& transb, zin
     }
 }
 
-// The table-driven variant, with its record loaded into `params`.
+// The table-driven variant, with its record loaded into `params`; `direct` (may be null) is asked
+// before anything is packed.
 template <class T>
 void gemm_table_driven(GemmBlockingParams<T>& params, SmallPath<T>* small, ScaleC<T>* scale,
-                       const char& transa, const char& transb, const zint& m, const zint& n, const zint& k,
-                       const T& alpha, const T* a, const zint& lda, const T* b, const zint& ldb,
-                       const T& beta, T* c, const zint& ldc) {
+                       DirectPath<T>* direct, const char& transa, const char& transb, const zint& m,
+                       const zint& n, const zint& k, const T& alpha, const T* a, const zint& lda, const T* b,
+                       const zint& ldb, const T& beta, T* c, const zint& ldc) {
     if (m <= 0 || n <= 0) return;
     if (!is_one(beta)) scale(m, n, beta, c, ldc);
     if (is_zero(alpha)) return;
@@ -134,6 +141,7 @@ void gemm_table_driven(GemmBlockingParams<T>& params, SmallPath<T>* small, Scale
         small(transa, transb, m, n, k, alpha, a, lda, b, ldb, one, c, ldc);
         return;
     }
+    if (direct != nullptr && direct(transa, transb, m, n, k, alpha, a, lda, b, ldb, c, ldc)) return;
     const GemmOperations<T>& ops = params.operations;
     ops.choose_blocks(m, n, k, params);
     const zint k_rounded = (k + params.kr - 1) / params.kr * params.kr;

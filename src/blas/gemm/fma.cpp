@@ -14,6 +14,7 @@
 // Everything defined below, the shared tiles included, may use FMA.
 ZOR_TARGET_BEGIN("fma")
 
+#include "blas/gemm/ordered.hpp"
 #include "blas/gemm/tiles.hpp"
 #include "blas/simd.hpp"
 
@@ -31,6 +32,12 @@ void zgemm_macro_fma(const zint& mb, const zint& nb, const zint& kb, const zcomp
     make_beta_vector(*beta, beta_vector);
     zgemm_macro_columns<Vec4Fused, 2, 4, 3, 2>(mb, nb, kb, packed_a, packed_b, beta_vector, c, ldc,
                                                gemm_a_group_bytes());
+}
+
+void dgemm_small_fused(const char& transa, const char& transb, const zint& m, const zint& n, const zint& k,
+                       const double& alpha, const double* a, const zint& lda, const double* b,
+                       const zint& ldb, const double& beta, double* c, const zint& ldc) {
+    ordered_small<true>(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
 }
 
 }  // namespace zor::avx

@@ -21,6 +21,9 @@ struct GemmChoice {
     std::uint32_t extensions;
     int sublevel;
     bool family_10h;
+    // Every blocked-size product through the packed path, none through the direct one (tests
+    // compare the two).
+    bool packed_only = false;
 };
 
 }  // namespace zor

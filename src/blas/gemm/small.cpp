@@ -1,7 +1,9 @@
 // The unblocked GEMM paths and the scaling of C: what the engines run for problems below their
 // blocking thresholds, after a failed allocation, and before any product is added.
 
+#include "blas/gemm/avx_paths.hpp"
 #include "blas/gemm/gemm.hpp"
+#include "blas/gemm/ordered.hpp"
 #include "blas/kernel.hpp"
 #include "service/element.hpp"
 #include "service/letters.hpp"
@@ -106,5 +108,13 @@ void zgemm_small(const char& transa, const char& transb, const zint& m, const zi
         }
     }
 }
+
+#if ZOR_LEVEL == 4
+void dgemm_small_unfused(const char& transa, const char& transb, const zint& m, const zint& n, const zint& k,
+                         const double& alpha, const double* a, const zint& lda, const double* b,
+                         const zint& ldb, const double& beta, double* c, const zint& ldc) {
+    ordered_small<false>(transa, transb, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);
+}
+#endif
 
 }  // namespace zor::ZOR_LEVEL_NS

@@ -152,8 +152,8 @@ void zgemm_with(const GemmChoice& choice, const char& transa, const char& transb
     } else {
         GemmBlockingParams<zcomplex> params;
         load_record(params, choice);
-        gemm_table_driven<zcomplex>(params, &zgemm_small, &zscale_c, transa, transb, m, n, k, alpha, a, lda,
-                                    b, ldb, beta, c, ldc);
+        gemm_table_driven<zcomplex>(params, &zgemm_small, &zscale_c, nullptr, transa, transb, m, n, k, alpha,
+                                    a, lda, b, ldb, beta, c, ldc);
     }
 }
 

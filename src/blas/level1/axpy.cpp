@@ -3,6 +3,7 @@
 
 #include "blas/kernel.hpp"
 #include "blas/level1/level1.hpp"
+#include "blas/level1/wide.hpp"
 #include "blas/vector.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
@@ -64,6 +65,25 @@ void daxpy_four_lane(zint n, double alpha, const double* x, double* y) {
     for (; i < n; ++i) y[i] += x[i] * alpha;
 }
 
+// y := y + alpha x over the lanes of `mask`; F is RealFactor8 or ComplexFactor8.
+template <class F>
+struct AxpyStep {
+    const double* x;
+    double* y;
+    F alpha;
+    ZOR_AVX512 void operator()(zint at, __mmask8 mask) const {
+        store8(y + at, mask, _mm512_add_pd(load8(y + at, mask), times(load8(x + at, mask), alpha)));
+    }
+};
+
+ZOR_AVX512 void daxpy_eight_lane(zint n, double alpha, const double* x, double* y) {
+    eight_lane_run(n, y, 8, AxpyStep<RealFactor8>{x, y, real_factor8(alpha)});
+}
+
+ZOR_AVX512 void zaxpy_eight_lane(zint n, const zcomplex& alpha, const zcomplex* x, zcomplex* y) {
+    eight_lane_run(2 * n, y, 16, AxpyStep<ComplexFactor8>{&x->re, &y->re, complex_factor8(alpha)});
+}
+
 void zaxpy_four_lane(zint n, const zcomplex& alpha, const zcomplex* x, zcomplex* y) {
     const ComplexFactor4 f = complex_factor4(alpha);
     auto step = [&](zint at) {
@@ -118,7 +138,12 @@ void daxpy(const zint& n, const double& alpha, const double* x, const zint& incx
         return;
     }
 #if ZOR_LEVEL == 4
-    daxpy_four_lane(n, alpha, x, y);
+    // Vectors that overlap without coinciding keep the four-lane steps, whose results depend on the width.
+    if (has_avx512f() && (x == y || !overlapping(x, y, n * 8))) {
+        daxpy_eight_lane(n, alpha, x, y);
+    } else {
+        daxpy_four_lane(n, alpha, x, y);
+    }
 #else
     daxpy_two_lane(n, alpha, x, y);
 #endif
@@ -130,7 +155,11 @@ void zaxpy(const zint& n_ref, const zcomplex& alpha, const zcomplex* x, const zi
     if (n <= 0 || (alpha.re == 0.0 && alpha.im == 0.0)) return;
     if (incx == incy && (incx == 1 || incx == -1)) {
 #if ZOR_LEVEL == 4
-        zaxpy_four_lane(n, alpha, x, y);
+        if (has_avx512f() && (x == y || !overlapping(x, y, n * 16))) {
+            zaxpy_eight_lane(n, alpha, x, y);
+        } else {
+            zaxpy_four_lane(n, alpha, x, y);
+        }
         return;
 #else
         const ComplexFactor f = complex_factor(alpha);

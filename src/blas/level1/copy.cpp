@@ -4,6 +4,7 @@
 
 #include "blas/kernel.hpp"
 #include "blas/level1/level1.hpp"
+#include "blas/level1/wide.hpp"
 #include "blas/vector.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
@@ -28,10 +29,40 @@ void swap_strided(zint n, T* x, zint incx, T* y, zint incy) {
     }
 }
 
+#if ZOR_LEVEL == 4
+struct CopyStep {
+    const double* x;
+    double* y;
+    ZOR_AVX512 void operator()(zint at, __mmask8 mask) const { store8(y + at, mask, load8(x + at, mask)); }
+};
+
+struct SwapStep {
+    double* x;
+    double* y;
+    ZOR_AVX512 void operator()(zint at, __mmask8 mask) const {
+        const __m512d xv = load8(x + at, mask), yv = load8(y + at, mask);
+        store8(x + at, mask, yv);
+        store8(y + at, mask, xv);
+    }
+};
+
+ZOR_AVX512 void copy_eight_lane(zint count, const double* x, double* y) {
+    eight_lane_run(count, y, 8, CopyStep{x, y});
+}
+
+ZOR_AVX512 void swap_eight_lane(zint count, double* x, double* y) {
+    eight_lane_run(count, y, 8, SwapStep{x, y});
+}
+#endif
+
 // `count` doubles of two vectors that do not overlap.
 void copy_run(zint count, const double* x, double* y) {
     zint i = 0;
 #if ZOR_LEVEL == 4
+    if (has_avx512f()) {
+        copy_eight_lane(count, x, y);
+        return;
+    }
     for (; count - i >= 16; i += 16) {
         for (int k = 0; k < 16; k += 4) _mm256_storeu_pd(y + i + k, _mm256_loadu_pd(x + i + k));
     }
@@ -48,6 +79,10 @@ void copy_run(zint count, const double* x, double* y) {
 void swap_run(zint count, double* x, double* y) {
     zint i = 0;
 #if ZOR_LEVEL == 4
+    if (has_avx512f()) {
+        swap_eight_lane(count, x, y);
+        return;
+    }
     for (; count - i >= 8; i += 8) {
         const __m256d x0 = _mm256_loadu_pd(x + i), x1 = _mm256_loadu_pd(x + i + 4);
         const __m256d y0 = _mm256_loadu_pd(y + i), y1 = _mm256_loadu_pd(y + i + 4);

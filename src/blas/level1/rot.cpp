@@ -4,6 +4,7 @@
 
 #include "blas/kernel.hpp"
 #include "blas/level1/level1.hpp"
+#include "blas/level1/wide.hpp"
 #include "blas/simd.hpp"
 #include "blas/vector.hpp"
 
@@ -35,8 +36,31 @@ struct Rotation {
     }
 };
 
+#if ZOR_LEVEL == 4
+struct RotateStep {
+    double* x;
+    double* y;
+    __m512d c, s;
+    ZOR_AVX512 void operator()(zint at, __mmask8 mask) const {
+        const __m512d xv = load8(x + at, mask), yv = load8(y + at, mask);
+        store8(x + at, mask, _mm512_add_pd(_mm512_mul_pd(c, xv), _mm512_mul_pd(s, yv)));
+        store8(y + at, mask, _mm512_sub_pd(_mm512_mul_pd(c, yv), _mm512_mul_pd(s, xv)));
+    }
+};
+
+ZOR_AVX512 void rotate_eight_lane(zint count, double* x, double* y, const Rotation& rotation) {
+    eight_lane_run(count, y, 8, RotateStep{x, y, _mm512_set1_pd(rotation.c), _mm512_set1_pd(rotation.s)});
+}
+#endif
+
 // x := c*x + s*y, y := c*y - s*x over `count` doubles of two vectors that do not overlap.
 void rotate_run(zint count, double* x, double* y, const Rotation& rotation) {
+#if ZOR_LEVEL == 4
+    if (has_avx512f()) {
+        rotate_eight_lane(count, x, y, rotation);
+        return;
+    }
+#endif
     using L = WideVec;
     using V = L::Vec;
     const V c = L::splat(rotation.c), s = L::splat(rotation.s);

@@ -3,6 +3,7 @@
 
 #include "blas/kernel.hpp"
 #include "blas/level1/level1.hpp"
+#include "blas/level1/wide.hpp"
 #include "blas/vector.hpp"
 
 namespace zor::ZOR_LEVEL_NS {
@@ -55,6 +56,24 @@ void dscal_four_lane(zint n, double alpha, double* x) {
     for (; i < n; ++i) x[i] *= alpha;
 }
 
+// x := alpha x over the lanes of `mask`; F is RealFactor8 or ComplexFactor8.
+template <class F>
+struct ScalStep {
+    double* x;
+    F alpha;
+    ZOR_AVX512 void operator()(zint at, __mmask8 mask) const {
+        store8(x + at, mask, times(load8(x + at, mask), alpha));
+    }
+};
+
+ZOR_AVX512 void dscal_eight_lane(zint n, double alpha, double* x) {
+    eight_lane_run(n, x, 8, ScalStep<RealFactor8>{x, real_factor8(alpha)});
+}
+
+ZOR_AVX512 void zscal_eight_lane(zint n, const zcomplex& alpha, zcomplex* x) {
+    eight_lane_run(2 * n, x, 16, ScalStep<ComplexFactor8>{&x->re, complex_factor8(alpha)});
+}
+
 void zscal_four_lane(zint n, const zcomplex& alpha, zcomplex* x) {
     const ComplexFactor4 f = complex_factor4(alpha);
     zint i = 0;
@@ -87,7 +106,11 @@ void dscal(const zint& n, const double& alpha, double* x, const zint& incx) {
         return;
     }
 #if ZOR_LEVEL == 4
-    dscal_four_lane(n, alpha, x);
+    if (has_avx512f()) {
+        dscal_eight_lane(n, alpha, x);
+    } else {
+        dscal_four_lane(n, alpha, x);
+    }
 #else
     dscal_two_lane(n, alpha, x);
 #endif
@@ -99,7 +122,11 @@ void zscal(const zint& n_ref, const zcomplex& alpha, zcomplex* x, const zint& in
     const bool unit = incx == 1 || incx == -1;
 #if ZOR_LEVEL == 4
     if (unit) {
-        zscal_four_lane(n, alpha, x);
+        if (has_avx512f()) {
+            zscal_eight_lane(n, alpha, x);
+        } else {
+            zscal_four_lane(n, alpha, x);
+        }
         return;
     }
 #endif

@@ -10,11 +10,7 @@
 #include <immintrin.h>
 
 ZOR_TARGET_BEGIN("avx512f,fma")
-#if !defined(__clang__)
-// GCC 12 flags the undefined pass-through operand inside its own AVX-512 intrinsics (its bug 105593).
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#pragma GCC diagnostic ignored "-Wuninitialized"
-#endif
+ZOR_ALLOW_AVX512_INTRINSICS
 
 #include "blas/level3/level3_tiles.hpp"
 #include "blas/simd.hpp"
