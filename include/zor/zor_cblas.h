@@ -8,11 +8,25 @@
 
 #include "zor/zor_config.h"
 
-typedef enum CBLAS_LAYOUT { CblasRowMajor = 101, CblasColMajor = 102 } CBLAS_LAYOUT;
-typedef enum CBLAS_TRANSPOSE { CblasNoTrans = 111, CblasTrans = 112, CblasConjTrans = 113 } CBLAS_TRANSPOSE;
-typedef enum CBLAS_UPLO { CblasUpper = 121, CblasLower = 122 } CBLAS_UPLO;
-typedef enum CBLAS_DIAG { CblasNonUnit = 131, CblasUnit = 132 } CBLAS_DIAG;
-typedef enum CBLAS_SIDE { CblasLeft = 141, CblasRight = 142 } CBLAS_SIDE;
+/* A C caller may pass any int as an enumeration (a value outside it is reported as an error of that
+ * parameter). In C++ the enumerations are therefore of type int, so that every int is one of their
+ * values: without a fixed type a C++ enumeration holds only the values its bits need (0 to 127
+ * here), and reading another is undefined. */
+#ifdef __cplusplus
+#define ZOR_CBLAS_ENUM_TYPE : int
+#else
+#define ZOR_CBLAS_ENUM_TYPE
+#endif
+
+typedef enum CBLAS_LAYOUT ZOR_CBLAS_ENUM_TYPE { CblasRowMajor = 101, CblasColMajor = 102 } CBLAS_LAYOUT;
+typedef enum CBLAS_TRANSPOSE ZOR_CBLAS_ENUM_TYPE {
+    CblasNoTrans = 111,
+    CblasTrans = 112,
+    CblasConjTrans = 113
+} CBLAS_TRANSPOSE;
+typedef enum CBLAS_UPLO ZOR_CBLAS_ENUM_TYPE { CblasUpper = 121, CblasLower = 122 } CBLAS_UPLO;
+typedef enum CBLAS_DIAG ZOR_CBLAS_ENUM_TYPE { CblasNonUnit = 131, CblasUnit = 132 } CBLAS_DIAG;
+typedef enum CBLAS_SIDE ZOR_CBLAS_ENUM_TYPE { CblasLeft = 141, CblasRight = 142 } CBLAS_SIDE;
 
 /* The layout enumeration's older name, usable as CBLAS_ORDER and as enum CBLAS_ORDER. */
 #define CBLAS_ORDER CBLAS_LAYOUT

@@ -31,11 +31,12 @@ zcomplex conjugated(const void* p) {
     return {v.re, -v.im};
 }
 
-// Negates the imaginary parts of n elements at stride |inc|: conjugates a vector in place.
+// Negates the imaginary parts of n elements at stride |inc|: conjugates a vector in place. The
+// offsets are 64-bit: |inc| of the most negative increment, or (n - 1) |inc|, need not fit 32 bits.
 void conjugate_in_place(zor_int n, void* v, zor_int inc) {
-    const zor_int step = inc < 0 ? -inc : inc;
+    const std::int64_t step = inc < 0 ? -static_cast<std::int64_t>(inc) : inc;
     zcomplex* p = complex_out(v);
-    for (zor_int i = 0; i < n; ++i) p[i * step].im = -p[i * step].im;
+    for (std::int64_t i = 0; i < n; ++i) p[i * step].im = -p[i * step].im;
 }
 
 // The n logical elements of x conjugated, with unit stride, in a block of ZOR_malloc; with n < 1

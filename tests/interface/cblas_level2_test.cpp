@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <vector>
 
 #include "support/cblas.hpp"
@@ -225,6 +226,17 @@ TEST(CblasLevel2Results, SymmetricAndHermitian) {
             });
         }
     }
+}
+
+// The row-major Hermitian paths conjugate y in place at stride |incY|: with the most negative
+// increment that stride is taken in 64 bits (the asan preset's UBSan stops a 32-bit negation).
+TEST(CblasLevel2Results, MostNegativeIncrement) {
+    const zor_int most_negative = std::numeric_limits<zor_int>::min();
+    const double a[2] = {2.0, 5.0}, x[2] = {3.0, -1.0}, alpha[2] = {1.0, 0.0}, beta[2] = {0.0, 0.0};
+    double y[2] = {7.0, 7.0};
+    cblas_zhemv(CblasRowMajor, CblasUpper, 1, alpha, a, 1, x, most_negative, beta, y, most_negative);
+    EXPECT_EQ(y[0], 6.0);  // the diagonal's imaginary part is not read: y = 2 x
+    EXPECT_EQ(y[1], -2.0);
 }
 
 // The product, then solving op(A) z = x by its residual.

@@ -18,9 +18,11 @@
 
 #include "blas/simd.hpp"
 
+#if !defined(__clang__)
 // GCC 12 flags the undefined pass-through operand inside its own AVX-512 intrinsics (its bug 105593).
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #pragma GCC diagnostic ignored "-Wuninitialized"
+#endif
 
 namespace zor::avx {
 

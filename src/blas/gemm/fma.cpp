@@ -9,10 +9,10 @@
 
 #if ZOR_LEVEL == 4
 
-// Everything defined below, the shared tiles included, may use FMA.
-#pragma GCC target("fma")
-
 #include <immintrin.h>
+
+// Everything defined below, the shared tiles included, may use FMA.
+ZOR_TARGET_BEGIN("fma")
 
 #include "blas/gemm/tiles.hpp"
 #include "blas/simd.hpp"
@@ -34,5 +34,7 @@ void zgemm_macro_fma(const zint& mb, const zint& nb, const zint& kb, const zcomp
 }
 
 }  // namespace zor::avx
+
+ZOR_TARGET_END
 
 #endif

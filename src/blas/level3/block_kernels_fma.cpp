@@ -6,10 +6,10 @@
 
 #if ZOR_LEVEL == 4
 
-// Everything defined below, the shared tiles included, may use FMA.
-#pragma GCC target("fma")
-
 #include <immintrin.h>
+
+// Everything defined below, the shared tiles included, may use FMA.
+ZOR_TARGET_BEGIN("fma")
 
 #include "blas/level3/level3_tiles.hpp"
 #include "blas/simd.hpp"
@@ -32,5 +32,7 @@ const BlockKernels<zcomplex>& complex_block_kernels_fma() {
 }
 
 }  // namespace zor::avx
+
+ZOR_TARGET_END
 
 #endif

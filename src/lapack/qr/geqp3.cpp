@@ -44,7 +44,8 @@ void geqp3(zint m, zint n, T* a, zint lda, zint* jpvt, T* tau, T* work, zint lwo
     const zint needed = least_workspace<T>(m, n);
     const zint optimal = minmn > 0 ? norm_room<T>(n) + (n + 1) * ilaenv(1, name, " ", m, n, -1, -1) : 1;
     work[0] = from_real<T>(static_cast<double>(optimal));
-    if (query || minmn == 0) return;
+    // Even without a step to take, jpvt is numbered (fixed columns first).
+    if (query) return;
     const auto A = [&](zint i, zint j) -> T* { return a + i + j * lda; };
 
     // Fixed columns to the front, in their order; every column numbered.

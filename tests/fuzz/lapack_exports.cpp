@@ -1,0 +1,365 @@
+// The Fortran-style LAPACK exports in the fuzzer: for each, its arguments, its model and its arrays.
+// The models state the reference LAPACK routine documentation: each argument check, in the
+// routine's order, with the argument's position; the name reported is the routine's upper-case
+// name, blank-padded to six characters. Option letters compare like lsame (ASCII letters in either
+// case), except dgttrs, which takes exactly N, n, T, t, C, c.
+//
+// Adding an export: write its function in the style of the others (draw the arguments in order,
+// state the checks with c.lapack, then ask for the arrays, then c.run_lapack) and add a row to
+// kExports. Arrays a routine only writes are Use::InOut and start as filler; arrays it reads that
+// must hold valid indices (pivots) come from c.pivots.
+
+#include <cmath>
+#include <cstring>
+#include <type_traits>
+
+#include "fuzz.hpp"
+
+namespace zor::fuzz {
+
+namespace {
+
+// Whether `letter` is one of `valid` (upper case) as lsame compares them.
+bool is(char letter, const char* valid) {
+    const char upper = letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - ('a' - 'A')) : letter;
+    return upper != '\0' && std::strchr(valid, upper) != nullptr;
+}
+
+// The length of a diagonal `by` below the main one of order n.
+std::int64_t below(zor_int n, int by) {
+    return max_of(std::int64_t{n} - by, 0);
+}
+
+using D = double;
+using Z = zor_complex_double;
+
+// ---- LU -----------------------------------------------------------------------------------------
+
+template <class T, auto f>
+void getrf(Call& c, const char* name) {
+    const zor_int m = c.dimension("M"), n = c.dimension("N"), lda = c.leading("LDA", m);
+    c.lapack(name, {{m < 0, 1}, {n < 0, 2}, {lda < max1(m), 4}});
+    T* a = c.matrix<T>("A", m, n, lda, Use::InOut);
+    zor_int* ipiv = c.array<zor_int>("IPIV", min_of(m, n), Use::InOut);
+    c.run_lapack([&](zor_int* info) { f(&m, &n, a, &lda, ipiv, info); });
+}
+
+template <class T, auto f>
+void gesv(Call& c, const char* name) {
+    const zor_int n = c.dimension("N"), nrhs = c.dimension("NRHS");
+    const zor_int lda = c.leading("LDA", n), ldb = c.leading("LDB", n);
+    c.lapack(name, {{n < 0, 1}, {nrhs < 0, 2}, {lda < max1(n), 4}, {ldb < max1(n), 7}});
+    T* a = c.matrix<T>("A", n, n, lda, Use::InOut);
+    zor_int* ipiv = c.array<zor_int>("IPIV", n, Use::InOut);
+    T* b = c.matrix<T>("B", n, nrhs, ldb, Use::InOut);
+    c.run_lapack([&](zor_int* info) { f(&n, &nrhs, a, &lda, ipiv, b, &ldb, info); });
+}
+
+// A workspace query (LWORK = -1) only writes WORK(1): A and IPIV are not touched.
+template <class T, auto f>
+void getri(Call& c, const char* name) {
+    const zor_int n = c.dimension("N"), lda = c.leading("LDA", n), lwork = c.workspace("LWORK", n);
+    const bool query = lwork == -1;
+    c.lapack(name, {{n < 0, 1}, {lda < max1(n), 3}, {lwork < max1(n) && !query, 6}});
+    T* a = c.matrix<T>("A", n, n, lda, query ? Use::Untouched : Use::InOut);
+    const zor_int* ipiv = c.pivots("IPIV", n, n, query ? Use::Untouched : Use::In);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    c.run_lapack([&](zor_int* info) { f(&n, a, &lda, ipiv, work, &lwork, info); });
+}
+
+template <class T, auto f>
+void gbsv(Call& c, const char* name) {
+    const zor_int n = c.dimension("N"), kl = c.dimension("KL"), ku = c.dimension("KU");
+    const zor_int nrhs = c.dimension("NRHS");
+    const std::int64_t band = 2 * std::int64_t{kl} + ku + 1;
+    const zor_int ldab = c.leading("LDAB", band), ldb = c.leading("LDB", n);
+    c.lapack(name,
+             {{n < 0, 1}, {kl < 0, 2}, {ku < 0, 3}, {nrhs < 0, 4}, {ldab < band, 6}, {ldb < max1(n), 9}});
+    // The routine reaches the first 2 KL + KU + 1 rows of each column.
+    T* ab = c.array<T>("AB", n <= 0 ? 0 : std::int64_t{ldab} * (n - 1) + band, Use::InOut);
+    zor_int* ipiv = c.array<zor_int>("IPIV", n, Use::InOut);
+    T* b = c.matrix<T>("B", n, nrhs, ldb, Use::InOut);
+    c.run_lapack([&](zor_int* info) { f(&n, &kl, &ku, &nrhs, ab, &ldab, ipiv, b, &ldb, info); });
+}
+
+void dgttrf_(Call& c) {
+    const zor_int n = c.dimension("N");
+    c.lapack("DGTTRF", {{n < 0, 1}});
+    double* dl = c.array<double>("DL", below(n, 1), Use::InOut);
+    double* d = c.array<double>("D", n, Use::InOut);
+    double* du = c.array<double>("DU", below(n, 1), Use::InOut);
+    double* du2 = c.array<double>("DU2", below(n, 2), Use::InOut);
+    zor_int* ipiv = c.array<zor_int>("IPIV", n, Use::InOut);
+    c.run_lapack([&](zor_int* info) { dgttrf(&n, dl, d, du, du2, ipiv, info); });
+}
+
+void dgttrs_(Call& c) {
+    const char trans = c.letter("TRANS", "NTC");
+    const zor_int n = c.dimension("N"), nrhs = c.dimension("NRHS"), ldb = c.leading("LDB", n);
+    const bool known = std::strchr("NnTtCc", trans) != nullptr && trans != '\0';
+    c.lapack("DGTTRS", {{!known, 1}, {n < 0, 2}, {nrhs < 0, 3}, {ldb < max1(n), 10}});
+    const double* dl = c.array<double>("DL", below(n, 1), Use::In);
+    const double* d = c.array<double>("D", n, Use::In);
+    const double* du = c.array<double>("DU", below(n, 1), Use::In);
+    const double* du2 = c.array<double>("DU2", below(n, 2), Use::In);
+    const zor_int* ipiv = c.pivots("IPIV", n, 1, Use::In);
+    double* b = c.matrix<double>("B", n, nrhs, ldb, Use::InOut);
+    c.run_lapack([&](zor_int* info) { dgttrs(&trans, &n, &nrhs, dl, d, du, du2, ipiv, b, &ldb, info, 1); });
+}
+
+// ---- Cholesky -----------------------------------------------------------------------------------
+
+// potrf and potri: (UPLO, N, A, LDA, INFO).
+template <class T, auto f>
+void potrf(Call& c, const char* name) {
+    const char uplo = c.letter("UPLO", "UL");
+    const zor_int n = c.dimension("N"), lda = c.leading("LDA", n);
+    c.lapack(name, {{!is(uplo, "UL"), 1}, {n < 0, 2}, {lda < max1(n), 4}});
+    T* a = c.matrix<T>("A", n, n, lda, Use::InOut);
+    c.run_lapack([&](zor_int* info) { f(&uplo, &n, a, &lda, info, 1); });
+}
+
+template <class T, auto f>
+void posv(Call& c, const char* name) {
+    const char uplo = c.letter("UPLO", "UL");
+    const zor_int n = c.dimension("N"), nrhs = c.dimension("NRHS");
+    const zor_int lda = c.leading("LDA", n), ldb = c.leading("LDB", n);
+    c.lapack(name, {{!is(uplo, "UL"), 1}, {n < 0, 2}, {nrhs < 0, 3}, {lda < max1(n), 5}, {ldb < max1(n), 7}});
+    T* a = c.matrix<T>("A", n, n, lda, Use::InOut);
+    T* b = c.matrix<T>("B", n, nrhs, ldb, Use::InOut);
+    c.run_lapack([&](zor_int* info) { f(&uplo, &n, &nrhs, a, &lda, b, &ldb, info, 1); });
+}
+
+// pptrf and pptri: (UPLO, N, AP, INFO).
+template <class T, auto f>
+void pptrf(Call& c, const char* name) {
+    const char uplo = c.letter("UPLO", "UL");
+    const zor_int n = c.dimension("N");
+    c.lapack(name, {{!is(uplo, "UL"), 1}, {n < 0, 2}});
+    T* ap = c.packed<T>("AP", n, Use::InOut);
+    c.run_lapack([&](zor_int* info) { f(&uplo, &n, ap, info, 1); });
+}
+
+template <class T, auto f>
+void pptrs(Call& c, const char* name) {
+    const char uplo = c.letter("UPLO", "UL");
+    const zor_int n = c.dimension("N"), nrhs = c.dimension("NRHS"), ldb = c.leading("LDB", n);
+    c.lapack(name, {{!is(uplo, "UL"), 1}, {n < 0, 2}, {nrhs < 0, 3}, {ldb < max1(n), 6}});
+    const T* ap = c.packed<T>("AP", n, Use::In);
+    T* b = c.matrix<T>("B", n, nrhs, ldb, Use::InOut);
+    c.run_lapack([&](zor_int* info) { f(&uplo, &n, &nrhs, ap, b, &ldb, info, 1); });
+}
+
+// ---- triangular ---------------------------------------------------------------------------------
+
+template <class T, auto f>
+void trtri(Call& c, const char* name) {
+    const char uplo = c.letter("UPLO", "UL"), diag = c.letter("DIAG", "NU");
+    const zor_int n = c.dimension("N"), lda = c.leading("LDA", n);
+    c.lapack(name, {{!is(uplo, "UL"), 1}, {!is(diag, "NU"), 2}, {n < 0, 3}, {lda < max1(n), 5}});
+    T* a = c.matrix<T>("A", n, n, lda, Use::InOut);
+    c.run_lapack([&](zor_int* info) { f(&uplo, &diag, &n, a, &lda, info, 1, 1); });
+}
+
+template <class T, auto f>
+void tptri(Call& c, const char* name) {
+    const char uplo = c.letter("UPLO", "UL"), diag = c.letter("DIAG", "NU");
+    const zor_int n = c.dimension("N");
+    c.lapack(name, {{!is(uplo, "UL"), 1}, {!is(diag, "NU"), 2}, {n < 0, 3}});
+    T* ap = c.packed<T>("AP", n, Use::InOut);
+    c.run_lapack([&](zor_int* info) { f(&uplo, &diag, &n, ap, info, 1, 1); });
+}
+
+template <class T, auto f>
+void tptrs(Call& c, const char* name) {
+    const char uplo = c.letter("UPLO", "UL"), trans = c.letter("TRANS", "NTC"), diag = c.letter("DIAG", "NU");
+    const zor_int n = c.dimension("N"), nrhs = c.dimension("NRHS"), ldb = c.leading("LDB", n);
+    c.lapack(name, {{!is(uplo, "UL"), 1},
+                    {!is(trans, "NTC"), 2},
+                    {!is(diag, "NU"), 3},
+                    {n < 0, 4},
+                    {nrhs < 0, 5},
+                    {ldb < max1(n), 8}});
+    const T* ap = c.packed<T>("AP", n, Use::In);
+    T* b = c.matrix<T>("B", n, nrhs, ldb, Use::InOut);
+    c.run_lapack([&](zor_int* info) { f(&uplo, &trans, &diag, &n, &nrhs, ap, b, &ldb, info, 1, 1, 1); });
+}
+
+// ---- orthogonal factorizations ------------------------------------------------------------------
+
+// geqrf and gelqf: (M, N, A, LDA, TAU, WORK, LWORK, INFO); LWORK at least N (QR) or M (LQ), 1 when
+// either is 0. A query writes only WORK(1).
+template <class T, auto f, bool lq>
+void factor(Call& c, const char* name) {
+    const zor_int m = c.dimension("M"), n = c.dimension("N"), lda = c.leading("LDA", m);
+    const std::int64_t least = min_of(m, n) > 0 ? max1(lq ? m : n) : 1;
+    const zor_int lwork = c.workspace("LWORK", least);
+    const bool query = lwork == -1;
+    c.lapack(name, {{m < 0, 1}, {n < 0, 2}, {lda < max1(m), 4}, {lwork < least && !query, 7}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    T* a = c.matrix<T>("A", m, n, lda, out);
+    T* tau = c.array<T>("TAU", min_of(m, n), out);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    c.run_lapack([&](zor_int* info) { f(&m, &n, a, &lda, tau, work, &lwork, info); });
+}
+
+template <class T, auto f>
+void geqrf(Call& c, const char* name) {
+    factor<T, f, false>(c, name);
+}
+
+template <class T, auto f>
+void gelqf(Call& c, const char* name) {
+    factor<T, f, true>(c, name);
+}
+
+// geqp3: LWORK at least 3 N + 1 (zgeqp3: N + 1, with RWORK of 2 N), 1 when M or N is 0; any JPVT
+// on entry (nonzero entries mark the columns kept in front).
+template <class T, auto f>
+void geqp3(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const zor_int m = c.dimension("M"), n = c.dimension("N"), lda = c.leading("LDA", m);
+    const std::int64_t least = min_of(m, n) > 0 ? (complex ? 1 : 3) * std::int64_t{n} + 1 : 1;
+    const zor_int lwork = c.workspace("LWORK", least);
+    const bool query = lwork == -1;
+    c.lapack(name, {{m < 0, 1}, {n < 0, 2}, {lda < max1(m), 4}, {lwork < least && !query, 8}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    T* a = c.matrix<T>("A", m, n, lda, out);
+    zor_int* jpvt = c.array<zor_int>("JPVT", n, out);
+    T* tau = c.array<T>("TAU", min_of(m, n), out);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    if constexpr (complex) {
+        double* rwork = c.array<double>("RWORK", 2 * std::int64_t{n}, out);
+        c.run_lapack([&](zor_int* info) { f(&m, &n, a, &lda, jpvt, tau, work, &lwork, rwork, info); });
+    } else {
+        c.run_lapack([&](zor_int* info) { f(&m, &n, a, &lda, jpvt, tau, work, &lwork, info); });
+    }
+}
+
+// orgqr and orglq: (M, N, K, A, LDA, TAU, WORK, LWORK, INFO); QR needs M >= N >= K, LQ N >= M >= K;
+// LWORK at least N (QR) or M (LQ).
+template <class T, auto f, bool lq>
+void generate(Call& c, const char* name) {
+    const zor_int m = c.dimension("M"), n = c.dimension("N"), k = c.dimension("K");
+    const zor_int lda = c.leading("LDA", m);
+    const zor_int count = lq ? m : n;
+    const zor_int lwork = c.workspace("LWORK", count);
+    const bool query = lwork == -1;
+    c.lapack(name, {{m < 0, 1},
+                    {lq ? n < m : n < 0 || n > m, 2},
+                    {k < 0 || k > count, 3},
+                    {lda < max1(m), 5},
+                    {lwork < max1(count) && !query, 8}});
+    T* a = c.matrix<T>("A", m, n, lda, query ? Use::Untouched : Use::InOut);
+    const T* tau = c.array<T>("TAU", k, query ? Use::Untouched : Use::In);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    c.run_lapack([&](zor_int* info) { f(&m, &n, &k, a, &lda, tau, work, &lwork, info); });
+}
+
+template <class T, auto f>
+void orgqr(Call& c, const char* name) {
+    generate<T, f, false>(c, name);
+}
+
+template <class T, auto f>
+void orglq(Call& c, const char* name) {
+    generate<T, f, true>(c, name);
+}
+
+// orghr: 1 <= ILO <= max(1, N), min(ILO, N) <= IHI <= N; LWORK at least IHI - ILO.
+template <class T, auto f>
+void orghr(Call& c, const char* name) {
+    const zor_int n = c.dimension("N"), ilo = c.dimension("ILO"), ihi = c.dimension("IHI");
+    const zor_int lda = c.leading("LDA", n);
+    const std::int64_t least = max1(std::int64_t{ihi} - ilo);
+    const zor_int lwork = c.workspace("LWORK", least);
+    const bool query = lwork == -1;
+    c.lapack(name, {{n < 0, 1},
+                    {ilo < 1 || ilo > max1(n), 2},
+                    {ihi < min_of(ilo, n) || ihi > n, 3},
+                    {lda < max1(n), 5},
+                    {lwork < least && !query, 8}});
+    T* a = c.matrix<T>("A", n, n, lda, query ? Use::Untouched : Use::InOut);
+    const T* tau = c.array<T>("TAU", below(n, 1), query ? Use::Untouched : Use::In);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    c.run_lapack([&](zor_int* info) { f(&n, &ilo, &ihi, a, &lda, tau, work, &lwork, info); });
+}
+
+// ---- auxiliaries: no argument checks ------------------------------------------------------------
+
+void dlapy2_(Call& c) {
+    const double x = c.real("X"), y = c.real("Y");
+    c.unchecked();
+    c.run([&] {
+        const double r = dlapy2(&x, &y);
+        c.require(!(std::isnan(x) || std::isnan(y)) || std::isnan(r), "NaN from a NaN argument");
+    });
+}
+
+void zdrot_(Call& c) {
+    const zor_int n = c.dimension("N"), incx = c.increment("INCX"), incy = c.increment("INCY");
+    const double cs = c.real("C"), sn = c.real("S");
+    c.unchecked(n <= 0);
+    Z* x = c.vector<Z>("CX", n, incx, Use::InOut);
+    Z* y = c.vector<Z>("CY", n, incy, Use::InOut);
+    c.run([&] { zdrot(&n, x, &incx, y, &incy, &cs, &sn); });
+}
+
+void zrotg_fuzz(Call& c) {
+    Z ca = c.complex("CA");
+    const Z cb = c.complex("CB");
+    double cs = 0.0;
+    Z sn{};
+    c.unchecked();
+    c.run([&] { zrotg_(&ca, &cb, &cs, &sn); });
+}
+
+// One row per export: the name as exported, the function of its shape, its element type and the
+// name it reports; the d and z forms in one row.
+#define ZOR_FUZZ_EXPORT(export_name, shape, type, reported)                   \
+    {                                                                         \
+#export_name, [](Call & c) { shape<type, export_name>(c, reported); } \
+    }
+#define ZOR_FUZZ_EXPORTS(name, shape, reported) \
+    ZOR_FUZZ_EXPORT(d##name, shape, D, "D" reported), ZOR_FUZZ_EXPORT(z##name, shape, Z, "Z" reported)
+
+constexpr Export kExports[] = {
+    ZOR_FUZZ_EXPORTS(getrf, getrf, "GETRF"),
+    ZOR_FUZZ_EXPORTS(gesv, gesv, "GESV"),
+    ZOR_FUZZ_EXPORTS(getri, getri, "GETRI"),
+    ZOR_FUZZ_EXPORTS(gbsv, gbsv, "GBSV"),
+    {"dgttrf", dgttrf_},
+    {"dgttrs", dgttrs_},
+    ZOR_FUZZ_EXPORTS(potrf, potrf, "POTRF"),
+    ZOR_FUZZ_EXPORTS(posv, posv, "POSV"),
+    ZOR_FUZZ_EXPORTS(potri, potrf, "POTRI"),
+    ZOR_FUZZ_EXPORTS(pptrf, pptrf, "PPTRF"),
+    ZOR_FUZZ_EXPORTS(pptrs, pptrs, "PPTRS"),
+    ZOR_FUZZ_EXPORTS(pptri, pptrf, "PPTRI"),
+    ZOR_FUZZ_EXPORTS(trtri, trtri, "TRTRI"),
+    ZOR_FUZZ_EXPORTS(tptri, tptri, "TPTRI"),
+    ZOR_FUZZ_EXPORTS(tptrs, tptrs, "TPTRS"),
+    ZOR_FUZZ_EXPORTS(geqrf, geqrf, "GEQRF"),
+    ZOR_FUZZ_EXPORTS(gelqf, gelqf, "GELQF"),
+    ZOR_FUZZ_EXPORTS(geqp3, geqp3, "GEQP3"),
+    ZOR_FUZZ_EXPORT(dorgqr, orgqr, D, "DORGQR"),
+    ZOR_FUZZ_EXPORT(zungqr, orgqr, Z, "ZUNGQR"),
+    ZOR_FUZZ_EXPORT(dorglq, orglq, D, "DORGLQ"),
+    ZOR_FUZZ_EXPORT(zunglq, orglq, Z, "ZUNGLQ"),
+    ZOR_FUZZ_EXPORT(dorghr, orghr, D, "DORGHR"),
+    ZOR_FUZZ_EXPORT(zunghr, orghr, Z, "ZUNGHR"),
+    {"dlapy2", dlapy2_},
+    {"zdrot", zdrot_},
+    {"zrotg_", zrotg_fuzz},
+};
+
+#undef ZOR_FUZZ_EXPORTS
+#undef ZOR_FUZZ_EXPORT
+
+}  // namespace
+
+std::span<const Export> lapack_exports() {
+    return kExports;
+}
+
+}  // namespace zor::fuzz
