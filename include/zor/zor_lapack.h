@@ -236,6 +236,60 @@ ZOR_FORTRAN_API void ztrsyl(const char* trana, const char* tranb, const zor_int*
                             const zor_int* ldc, double* scale, zor_int* info, size_t trana_length,
                             size_t tranb_length);
 
+/* ---- The generalized eigenproblem ------------------------------------------------------------- */
+
+/* Reduces the pencil (A, B), B upper triangular, to Hessenberg-triangular form Q^H A Z, Q^H B Z by
+ * rotations on rows and columns ilo .. ihi; compq, compz "N" (none), "I" (Q := the rotations), "V"
+ * (Q := Q times them). */
+ZOR_FORTRAN_API void dgghrd(const char* compq, const char* compz, const zor_int* n, const zor_int* ilo,
+                            const zor_int* ihi, double* a, const zor_int* lda, double* b, const zor_int* ldb,
+                            double* q, const zor_int* ldq, double* z, const zor_int* ldz, zor_int* info,
+                            size_t compq_length, size_t compz_length);
+ZOR_FORTRAN_API void zgghrd(const char* compq, const char* compz, const zor_int* n, const zor_int* ilo,
+                            const zor_int* ihi, zor_complex_double* a, const zor_int* lda, zor_complex_double* b,
+                            const zor_int* ldb, zor_complex_double* q, const zor_int* ldq, zor_complex_double* z,
+                            const zor_int* ldz, zor_int* info, size_t compq_length, size_t compz_length);
+/* The QZ iteration on a Hessenberg-triangular pair: the generalized eigenvalues (alpha, beta) and
+ * (job "S") the generalized Schur form, with Q and Z as in dgghrd. lwork >= max(1, n); zhgeqz takes
+ * rwork of n doubles. */
+ZOR_FORTRAN_API void dhgeqz(const char* job, const char* compq, const char* compz, const zor_int* n,
+                            const zor_int* ilo, const zor_int* ihi, double* h, const zor_int* ldh, double* t,
+                            const zor_int* ldt, double* alphar, double* alphai, double* beta, double* q,
+                            const zor_int* ldq, double* z, const zor_int* ldz, double* work, const zor_int* lwork,
+                            zor_int* info, size_t job_length, size_t compq_length, size_t compz_length);
+ZOR_FORTRAN_API void zhgeqz(const char* job, const char* compq, const char* compz, const zor_int* n,
+                            const zor_int* ilo, const zor_int* ihi, zor_complex_double* h, const zor_int* ldh,
+                            zor_complex_double* t, const zor_int* ldt, zor_complex_double* alpha,
+                            zor_complex_double* beta, zor_complex_double* q, const zor_int* ldq,
+                            zor_complex_double* z, const zor_int* ldz, zor_complex_double* work,
+                            const zor_int* lwork, double* rwork, zor_int* info, size_t job_length,
+                            size_t compq_length, size_t compz_length);
+/* Right and/or left eigenvectors of a generalized Schur pair (S, P), all, selected, or all
+ * back-transformed by the Q and Z given in vl and vr; work of 6n (dtgevc), 2n with rwork of 2n
+ * doubles (ztgevc). */
+ZOR_FORTRAN_API void dtgevc(const char* side, const char* howmny, const zor_int* select, const zor_int* n,
+                            const double* s, const zor_int* lds, const double* p, const zor_int* ldp, double* vl,
+                            const zor_int* ldvl, double* vr, const zor_int* ldvr, const zor_int* mm, zor_int* m,
+                            double* work, zor_int* info, size_t side_length, size_t howmny_length);
+ZOR_FORTRAN_API void ztgevc(const char* side, const char* howmny, const zor_int* select, const zor_int* n,
+                            const zor_complex_double* s, const zor_int* lds, const zor_complex_double* p,
+                            const zor_int* ldp, zor_complex_double* vl, const zor_int* ldvl, zor_complex_double* vr,
+                            const zor_int* ldvr, const zor_int* mm, zor_int* m, zor_complex_double* work,
+                            double* rwork, zor_int* info, size_t side_length, size_t howmny_length);
+/* The generalized eigenvalues (alpha, beta) of the pencil (A, B) and its left and right eigenvectors,
+ * each scaled so that its largest component has |re| + |im| = 1. lwork >= max(1, 8n) (dggev),
+ * max(1, 2n) with rwork of 8n doubles (zggev). */
+ZOR_FORTRAN_API void dggev(const char* jobvl, const char* jobvr, const zor_int* n, double* a, const zor_int* lda,
+                           double* b, const zor_int* ldb, double* alphar, double* alphai, double* beta, double* vl,
+                           const zor_int* ldvl, double* vr, const zor_int* ldvr, double* work, const zor_int* lwork,
+                           zor_int* info, size_t jobvl_length, size_t jobvr_length);
+ZOR_FORTRAN_API void zggev(const char* jobvl, const char* jobvr, const zor_int* n, zor_complex_double* a,
+                           const zor_int* lda, zor_complex_double* b, const zor_int* ldb, zor_complex_double* alpha,
+                           zor_complex_double* beta, zor_complex_double* vl, const zor_int* ldvl,
+                           zor_complex_double* vr, const zor_int* ldvr, zor_complex_double* work,
+                           const zor_int* lwork, double* rwork, zor_int* info, size_t jobvl_length,
+                           size_t jobvr_length);
+
 ZOR_EXTERN_C_END
 
 #endif
