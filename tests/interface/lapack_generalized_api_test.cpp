@@ -54,7 +54,8 @@ TEST(GeneralizedExports, AComplexPair) {
     zor_complex_double za[4] = {{0, 0}, {1, 0}, {-1, 0}, {0, 0}}, zb[4] = {{2, 0}, {0, 0}, {0, 0}, {2, 0}};
     zor_complex_double alpha[2], zbeta[2], zvr[4], zwork[64];
     double rwork[16];
-    zggev("N", "V", &n, za, &n, zb, &n, alpha, zbeta, nullptr, &one, zvr, &n, zwork, &lwork, rwork, &info, 1, 1);
+    zggev("N", "V", &n, za, &n, zb, &n, alpha, zbeta, nullptr, &one, zvr, &n, zwork, &lwork, rwork, &info, 1,
+          1);
     ASSERT_EQ(info, 0);
     for (int k = 0; k < 2; ++k) {
         const Complex l = c(alpha[k]) / c(zbeta[k]);
@@ -74,7 +75,8 @@ TEST(GeneralizedExports, HessenbergQzAndVectors) {
     dgghrd("I", "I", &n, &ilo, &n, a, &n, b, &n, q, &n, z, &n, &info, 1, 1);
     ASSERT_EQ(info, 0);
     EXPECT_EQ(a[2], 0.0);  // H(3, 1)
-    dhgeqz("S", "V", "V", &n, &ilo, &n, a, &n, b, &n, wr, wi, beta, q, &n, z, &n, work, &lwork, &info, 1, 1, 1);
+    dhgeqz("S", "V", "V", &n, &ilo, &n, a, &n, b, &n, wr, wi, beta, q, &n, z, &n, work, &lwork, &info, 1, 1,
+           1);
     ASSERT_EQ(info, 0);
     double vr[9];
     for (int k = 0; k < 9; ++k) vr[k] = z[k];
@@ -87,7 +89,8 @@ TEST(GeneralizedExports, HessenbergQzAndVectors) {
         if (wi[j] != 0) continue;
         for (int i = 0; i < 3; ++i) {
             double r = 0;
-            for (int k = 0; k < 3; ++k) r += (beta[j] * a0[i + 3 * k] - wr[j] * b0[i + 3 * k]) * vr[k + 3 * j];
+            for (int k = 0; k < 3; ++k)
+                r += (beta[j] * a0[i + 3 * k] - wr[j] * b0[i + 3 * k]) * vr[k + 3 * j];
             EXPECT_NEAR(r, 0, 1e-13) << i << " " << j;
         }
     }
@@ -156,23 +159,23 @@ const ErrorCase kErrorCases[] = {
     {"DHGEQZ", 6,
      [] {
          return info_after([](zor_int* i) {
-             dhgeqz("E", "N", "N", &kTwo, &kOne, &kThree, g_a, &kTwo, g_a, &kTwo, g_a, g_a, g_a, g_a, &kOne, g_a,
-                    &kOne, g_work, &kTwo, i, 1, 1, 1);
+             dhgeqz("E", "N", "N", &kTwo, &kOne, &kThree, g_a, &kTwo, g_a, &kTwo, g_a, g_a, g_a, g_a, &kOne,
+                    g_a, &kOne, g_work, &kTwo, i, 1, 1, 1);
          });
      }},
     {"ZHGEQZ", 18,
      [] {
          return info_after([](zor_int* i) {
-             zhgeqz("E", "N", "N", &kTwo, &kOne, &kTwo, g_z, &kTwo, g_z, &kTwo, g_z, g_z, g_z, &kOne, g_z, &kOne,
-                    g_zwork, &kOne, g_a, i, 1, 1, 1);
+             zhgeqz("E", "N", "N", &kTwo, &kOne, &kTwo, g_z, &kTwo, g_z, &kTwo, g_z, g_z, g_z, &kOne, g_z,
+                    &kOne, g_zwork, &kOne, g_a, i, 1, 1, 1);
          });
      }},
     {"DTGEVC", 2,
      [] {
          return info_after([](zor_int* i) {
              zor_int m = 0;
-             dtgevc("R", "X", g_select, &kTwo, g_a, &kTwo, g_a, &kTwo, g_a, &kTwo, g_a, &kTwo, &kTwo, &m, g_work,
-                    i, 1, 1);
+             dtgevc("R", "X", g_select, &kTwo, g_a, &kTwo, g_a, &kTwo, g_a, &kTwo, g_a, &kTwo, &kTwo, &m,
+                    g_work, i, 1, 1);
          });
      }},
     {"ZTGEVC", 13,
@@ -194,8 +197,8 @@ const ErrorCase kErrorCases[] = {
     {"ZGGEV ", 3,
      [] {
          return info_after([](zor_int* i) {
-             zggev("N", "N", &kMinus, g_z, &kOne, g_z, &kOne, g_z, g_z, g_z, &kOne, g_z, &kOne, g_zwork, &kOne, g_a,
-                   i, 1, 1);
+             zggev("N", "N", &kMinus, g_z, &kOne, g_z, &kOne, g_z, g_z, g_z, &kOne, g_z, &kOne, g_zwork,
+                   &kOne, g_a, i, 1, 1);
          });
      }},
 };
@@ -208,8 +211,8 @@ TEST_P(GeneralizedExportErrors, APrintedMessageAndTheParameterInInfo) {
     const zor_int info = ec.call();
     const std::string printed = ::testing::internal::GetCapturedStdout();
     EXPECT_EQ(info, -ec.parameter);
-    EXPECT_EQ(printed, "\nZOR ERROR: Parameter " + std::to_string(ec.parameter) + " was incorrect on entry to " +
-                           ec.message_name + "\n");
+    EXPECT_EQ(printed, "\nZOR ERROR: Parameter " + std::to_string(ec.parameter) +
+                           " was incorrect on entry to " + ec.message_name + "\n");
 }
 
 INSTANTIATE_TEST_SUITE_P(Exports, GeneralizedExportErrors, ::testing::ValuesIn(kErrorCases),

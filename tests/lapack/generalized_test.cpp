@@ -25,8 +25,8 @@ namespace zor::test {
 namespace {
 
 enum class PencilKind { Random, SingularB, SingularPencil, IdentityB, ZeroLines, Graded, Triangular };
-constexpr const char* kPencilNames[] = {"Random", "SingularB", "SingularPencil", "IdentityB",
-                                        "ZeroLines", "Graded", "Triangular"};
+constexpr const char* kPencilNames[] = {"Random",    "SingularB", "SingularPencil", "IdentityB",
+                                        "ZeroLines", "Graded",    "Triangular"};
 
 struct PencilCase {
     PencilKind kind;
@@ -209,9 +209,8 @@ double vector_residual(const Matrix<T>& a, const Matrix<T>& b, const Matrix<T>& 
             }
             r += magnitude(s);
         }
-        const long double denominator =
-            (magnitude(beta) * anorm + magnitude(alpha) * bnorm) * std::max<long double>(xnorm, 1e-300L) * n *
-            epsilon();
+        const long double denominator = (magnitude(beta) * anorm + magnitude(alpha) * bnorm) *
+                                        std::max<long double>(xnorm, 1e-300L) * n * epsilon();
         worst = std::max(worst, static_cast<double>(r / denominator));
     }
     return worst;
@@ -231,8 +230,9 @@ zint ggev_lwork(zint n, char jobvl) {
     std::vector<T> work(1);
     zint info = 0;
     PencilValues<T> w(n);
-    ggev<T>(jobvl, 'V', n, nullptr, std::max<zint>(n, 1), nullptr, std::max<zint>(n, 1), w.view(), w.beta.data(),
-            nullptr, std::max<zint>(n, 1), nullptr, std::max<zint>(n, 1), work.data(), -1, nullptr, info);
+    ggev<T>(jobvl, 'V', n, nullptr, std::max<zint>(n, 1), nullptr, std::max<zint>(n, 1), w.view(),
+            w.beta.data(), nullptr, std::max<zint>(n, 1), nullptr, std::max<zint>(n, 1), work.data(), -1,
+            nullptr, info);
     EXPECT_EQ(info, 0);
     return static_cast<zint>(real(work[0]));
 }
@@ -245,8 +245,8 @@ zint run_ggev(char jobvl, char jobvr, const Pencil<T>& p, PencilValues<T>& w, Ma
     std::vector<T> work(static_cast<std::size_t>(std::max<zint>(lwork, 1)));
     std::vector<double> rwork(static_cast<std::size_t>(8 * std::max<zint>(n, 1)));
     zint info = -99;
-    ggev<T>(jobvl, jobvr, n, a.data(), a.ld, b.data(), b.ld, w.view(), w.beta.data(), vl.data(), vl.ld, vr.data(),
-            vr.ld, work.data(), lwork, rwork.data(), info);
+    ggev<T>(jobvl, jobvr, n, a.data(), a.ld, b.data(), b.ld, w.view(), w.beta.data(), vl.data(), vl.ld,
+            vr.data(), vr.ld, work.data(), lwork, rwork.data(), info);
     return info;
 }
 
@@ -293,13 +293,15 @@ void check_ggev(PencilKind kind, zint n) {
     if (kind == PencilKind::SingularB) {
         // At least the rank deficiency of B in infinite eigenvalues.
         zint infinite = 0;
-        for (zint j = 0; j < n; ++j) infinite += std::fabs(real(w.beta[static_cast<std::size_t>(j)])) <= 1e-13;
+        for (zint j = 0; j < n; ++j)
+            infinite += std::fabs(real(w.beta[static_cast<std::size_t>(j)])) <= 1e-13;
         EXPECT_GE(infinite, n / 2);
     }
     if (kind == PencilKind::IdentityB) {
         // The eigenvalues of the standard problem.
         Matrix<T> a = p.a, none2(1, 1, 1);
-        std::vector<double> re(static_cast<std::size_t>(n)), im(re.size()), rw(static_cast<std::size_t>(2 * n));
+        std::vector<double> re(static_cast<std::size_t>(n)), im(re.size()),
+            rw(static_cast<std::size_t>(2 * n));
         std::vector<zcomplex> zw(re.size());
         std::vector<T> work(static_cast<std::size_t>(8 * n + 64));
         zint info = 0;
@@ -318,7 +320,8 @@ void check_ggev(PencilKind kind, zint n) {
             long double nearest = std::numeric_limits<long double>::infinity();
             for (zint k = 0; k < n; ++k) {
                 const Exact alpha = w.alpha(k), beta = w.b(k);
-                nearest = std::min(nearest, magnitude(alpha - lambda * beta) / std::max(magnitude(beta), 1e-300L));
+                nearest =
+                    std::min(nearest, magnitude(alpha - lambda * beta) / std::max(magnitude(beta), 1e-300L));
             }
             EXPECT_LT(nearest, 1e3 * n * epsilon() * scale) << j;
         }
@@ -359,8 +362,8 @@ void check_schur_pair(PencilKind kind, zint n) {
     hgeqz<T>('S', 'V', 'V', n, 1, n, s.data(), s.ld, t.data(), t.ld, w.view(), w.beta.data(), q.data(), q.ld,
              z.data(), z.ld, work.data(), lwork, rwork.data(), info);
     ASSERT_EQ(info, 0);
-    hgeqz<T>('E', 'N', 'N', n, 1, n, h0.data(), h0.ld, t0.data(), t0.ld, w2.view(), w2.beta.data(), nullptr, 1,
-             nullptr, 1, work.data(), lwork, rwork.data(), info);
+    hgeqz<T>('E', 'N', 'N', n, 1, n, h0.data(), h0.ld, t0.data(), t0.ld, w2.view(), w2.beta.data(), nullptr,
+             1, nullptr, 1, work.data(), lwork, rwork.data(), info);
     ASSERT_EQ(info, 0);
     EXPECT_TRUE(w.same_bits_as(w2));
     EXPECT_LT(pair_residual(p.a, s, q, z), kResidualThreshold);
@@ -411,7 +414,8 @@ void check_balancing(char job, PencilKind kind, zint n) {
     Matrix<T> a = p.a, b = p.b;
     std::vector<double> lscale(static_cast<std::size_t>(n)), rscale(lscale.size()), work(6 * lscale.size());
     zint ilo = 0, ihi = 0, info = 0;
-    ggbal<T>(job, n, a.data(), a.ld, b.data(), b.ld, ilo, ihi, lscale.data(), rscale.data(), work.data(), info);
+    ggbal<T>(job, n, a.data(), a.ld, b.data(), b.ld, ilo, ihi, lscale.data(), rscale.data(), work.data(),
+             info);
     ASSERT_EQ(info, 0);
     Matrix<T> l(n, n, n), r(n, n, n);
     for (zint j = 0; j < n; ++j)
@@ -448,8 +452,8 @@ TEST(Balancing, ScalingEvensOutAGradedPencil) {
     Matrix<double> a = p.a, b = p.b;
     std::vector<double> lscale(12), rscale(12), work(72);
     zint ilo = 0, ihi = 0, info = 0;
-    ggbal<double>('S', 12, a.data(), a.ld, b.data(), b.ld, ilo, ihi, lscale.data(), rscale.data(), work.data(),
-                  info);
+    ggbal<double>('S', 12, a.data(), a.ld, b.data(), b.ld, ilo, ihi, lscale.data(), rscale.data(),
+                  work.data(), info);
     ASSERT_EQ(info, 0);
     auto spread = [](const Matrix<double>& m) {
         double lo = 1e308, hi = 0;
@@ -484,8 +488,8 @@ void check_not_finite(double bad) {
     std::vector<T> work(static_cast<std::size_t>(n));
     std::vector<double> rwork(static_cast<std::size_t>(n));
     zint info = 0;
-    hgeqz<T>('S', 'I', 'I', n, 1, n, h.data(), h.ld, t.data(), t.ld, w.view(), w.beta.data(), vl.data(), vl.ld,
-             vr.data(), vr.ld, work.data(), n, rwork.data(), info);
+    hgeqz<T>('S', 'I', 'I', n, 1, n, h.data(), h.ld, t.data(), t.ld, w.view(), w.beta.data(), vl.data(),
+             vl.ld, vr.data(), vr.ld, work.data(), n, rwork.data(), info);
     EXPECT_EQ(info, n);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
@@ -511,8 +515,8 @@ void check_selected_vectors() {
     std::vector<T> work(static_cast<std::size_t>(6 * n));
     std::vector<double> rwork(static_cast<std::size_t>(2 * n));
     zint info = 0, m = 0;
-    hgeqz<T>('S', 'N', 'N', n, 1, n, s.data(), s.ld, t.data(), t.ld, w.view(), w.beta.data(), nullptr, 1, nullptr,
-             1, work.data(), n, rwork.data(), info);
+    hgeqz<T>('S', 'N', 'N', n, 1, n, s.data(), s.ld, t.data(), t.ld, w.view(), w.beta.data(), nullptr, 1,
+             nullptr, 1, work.data(), n, rwork.data(), info);
     ASSERT_EQ(info, 0);
     Matrix<T> all(n, n, n), some(n, n, n);
     tgevc<T>('R', 'A', nullptr, n, s.data(), s.ld, t.data(), t.ld, nullptr, 1, all.data(), all.ld, n, m,
@@ -521,14 +525,15 @@ void check_selected_vectors() {
     std::vector<zint> select(static_cast<std::size_t>(n));
     for (zint j = 0; j < n; ++j) select[static_cast<std::size_t>(j)] = j % 3 == 1;
     const zint needed = tgevc_columns(static_cast<char>('S'), select.data(), n, s.data(), s.ld);
-    tgevc<T>('R', 'S', select.data(), n, s.data(), s.ld, t.data(), t.ld, nullptr, 1, some.data(), some.ld, needed,
-             m, work.data(), rwork.data(), info);
+    tgevc<T>('R', 'S', select.data(), n, s.data(), s.ld, t.data(), t.ld, nullptr, 1, some.data(), some.ld,
+             needed, m, work.data(), rwork.data(), info);
     ASSERT_EQ(info, 0);
     ASSERT_EQ(m, needed);
     zint col = 0;
     for (zint j = 0; j < n; ++j) {
         const bool pair = !kIsComplex<T> && j + 1 < n && !is_zero(s(j + 1, j));
-        const bool chosen = select[static_cast<std::size_t>(j)] || (pair && select[static_cast<std::size_t>(j + 1)]);
+        const bool chosen =
+            select[static_cast<std::size_t>(j)] || (pair && select[static_cast<std::size_t>(j + 1)]);
         const zint width = pair ? 2 : 1;
         if (chosen) {
             for (zint k = 0; k < width; ++k)

@@ -107,15 +107,16 @@ zint tgevc_columns(char howmny, const Logical* select, zint n, const T* s, zint 
 // tgevc's checks. Real data: S must be quasi-triangular (no two consecutive nonzero subdiagonal
 // entries, -5) and P zero beside its 2 by 2 blocks (-7); mm at least the columns needed (-13).
 template <class T, class Logical>
-zint check_tgevc(char side, char howmny, const Logical* select, zint n, const T* s, zint lds, const T* p, zint ldp,
-                 zint ldvl, zint ldvr, zint mm) {
+zint check_tgevc(char side, char howmny, const Logical* select, zint n, const T* s, zint lds, const T* p,
+                 zint ldp, zint ldvl, zint ldvr, zint mm) {
     const char* name = routine_name<T>("DTGEVC", "ZTGEVC");
     const bool right = lsame(side, 'R') || lsame(side, 'B'), left = lsame(side, 'L') || lsame(side, 'B');
-    const zint info = check_arguments(name, {{!right && !left, 1},
-                                             {!lsame(howmny, 'A') && !lsame(howmny, 'S') && !lsame(howmny, 'B'), 2},
-                                             {n < 0, 4},
-                                             {lds < max_of(1, n), 6},
-                                             {ldp < max_of(1, n), 8}});
+    const zint info =
+        check_arguments(name, {{!right && !left, 1},
+                               {!lsame(howmny, 'A') && !lsame(howmny, 'S') && !lsame(howmny, 'B'), 2},
+                               {n < 0, 4},
+                               {lds < max_of(1, n), 6},
+                               {ldp < max_of(1, n), 8}});
     if (info != 0) return info;
     bool sbad = false, pbad = false;
     if constexpr (!kIsComplex<T>) {

@@ -21,8 +21,8 @@ bool nonzero(const OneBased<T>& a, const OneBased<T>& b, zint i, zint j) {
 
 // Exchanges rows r1, r2 over columns first .. n and columns c1, c2 over rows 1 .. last of A and B.
 template <class T>
-void exchange(const OneBased<T>& a, const OneBased<T>& b, zint n, zint r1, zint r2, zint first, zint c1, zint c2,
-              zint last) {
+void exchange(const OneBased<T>& a, const OneBased<T>& b, zint n, zint r1, zint r2, zint first, zint c1,
+              zint c2, zint last) {
     if (r1 != r2) {
         Blas<T>::swap(n - first + 1, a.at(r1, first), a.ld, a.at(r2, first), a.ld);
         Blas<T>::swap(n - first + 1, b.at(r1, first), b.ld, b.at(r2, first), b.ld);
@@ -36,7 +36,8 @@ void exchange(const OneBased<T>& a, const OneBased<T>& b, zint n, zint r1, zint 
 // The one column (row) of rows (columns) k .. l holding the entries of row (column) `line`, or 0
 // when two hold some; a line without entries answers `empty`.
 template <class T>
-zint single_entry(const OneBased<T>& a, const OneBased<T>& b, zint line, zint k, zint l, bool row, zint empty) {
+zint single_entry(const OneBased<T>& a, const OneBased<T>& b, zint line, zint k, zint l, bool row,
+                  zint empty) {
     zint found = 0;
     for (zint j = k; j <= l; ++j) {
         if (row ? nonzero(a, b, line, j) : nonzero(a, b, j, line)) {
@@ -74,10 +75,12 @@ void scale_pencil(zint n, const OneBased<T>& a, const OneBased<T>& b, zint ilo, 
         double c = 0.0;
         if (k < nr) {
             const zint i = ilo + k;
-            for (zint j = ilo; j <= ihi; ++j) c += (is_zero(a(i, j)) ? 0.0 : 1.0) + (is_zero(b(i, j)) ? 0.0 : 1.0);
+            for (zint j = ilo; j <= ihi; ++j)
+                c += (is_zero(a(i, j)) ? 0.0 : 1.0) + (is_zero(b(i, j)) ? 0.0 : 1.0);
         } else {
             const zint j = ilo + k - nr;
-            for (zint i = ilo; i <= ihi; ++i) c += (is_zero(a(i, j)) ? 0.0 : 1.0) + (is_zero(b(i, j)) ? 0.0 : 1.0);
+            for (zint i = ilo; i <= ihi; ++i)
+                c += (is_zero(a(i, j)) ? 0.0 : 1.0) + (is_zero(b(i, j)) ? 0.0 : 1.0);
         }
         return c > 0.0 ? 1.0 / c : 0.0;
     };

@@ -86,8 +86,8 @@ zint check_ggev(char jobvl, char jobvr, zint n, zint lda, zint ldb, zint ldvl, z
 }
 
 template <class T>
-void ggev(char jobvl, char jobvr, zint n, T* a, zint lda, T* b, zint ldb, Eigenvalues<T> alpha, T* beta, T* vl,
-          zint ldvl, T* vr, zint ldvr, T* work, zint lwork, double* rwork, zint& info) {
+void ggev(char jobvl, char jobvr, zint n, T* a, zint lda, T* b, zint ldb, Eigenvalues<T> alpha, T* beta,
+          T* vl, zint ldvl, T* vr, zint ldvr, T* work, zint lwork, double* rwork, zint& info) {
     info = check_ggev<T>(jobvl, jobvr, n, lda, ldb, ldvl, ldvr, lwork);
     if (info != 0) return;
     const bool wantl = lsame(jobvl, 'V'), wantr = lsame(jobvr, 'V'), vectors = wantl || wantr;
@@ -143,8 +143,8 @@ void ggev(char jobvl, char jobvr, zint n, T* a, zint lda, T* b, zint ldb, Eigenv
     if (wantr) laset('F', n, n, zero<T>(), one<T>(), vr, ldvr);
     gghrd(wantl ? 'V' : 'N', wantr ? 'V' : 'N', n, ilo, ihi, a, lda, b, ldb, vl, ldvl, vr, ldvr, ierr);
 
-    hgeqz(vectors ? 'S' : 'E', wantl ? 'V' : 'N', wantr ? 'V' : 'N', n, ilo, ihi, a, lda, b, ldb, alpha, beta, vl,
-          ldvl, vr, ldvr, rest, rest_size, nullptr, ierr);
+    hgeqz(vectors ? 'S' : 'E', wantl ? 'V' : 'N', wantr ? 'V' : 'N', n, ilo, ihi, a, lda, b, ldb, alpha, beta,
+          vl, ldvl, vr, ldvr, rest, rest_size, nullptr, ierr);
     if (ierr != 0) {
         info = (ierr > 0 && ierr <= n) ? ierr : n + 1;
     } else if (vectors) {

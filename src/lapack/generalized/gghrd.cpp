@@ -14,16 +14,15 @@ template <class T>
 zint check_gghrd(char compq, char compz, zint n, zint ilo, zint ihi, zint lda, zint ldb, zint ldq, zint ldz) {
     const bool wantq = lsame(compq, 'I') || lsame(compq, 'V');
     const bool wantz = lsame(compz, 'I') || lsame(compz, 'V');
-    return check_arguments(routine_name<T>("DGGHRD", "ZGGHRD"),
-                           {{!valid_compq(compq), 1},
-                            {!valid_compq(compz), 2},
-                            {n < 0, 3},
-                            {ilo < 1, 4},
-                            {ihi > n || ihi < ilo - 1, 5},
-                            {lda < max_of(1, n), 7},
-                            {ldb < max_of(1, n), 9},
-                            {(wantq && ldq < n) || ldq < 1, 11},
-                            {(wantz && ldz < n) || ldz < 1, 13}});
+    return check_arguments(routine_name<T>("DGGHRD", "ZGGHRD"), {{!valid_compq(compq), 1},
+                                                                 {!valid_compq(compz), 2},
+                                                                 {n < 0, 3},
+                                                                 {ilo < 1, 4},
+                                                                 {ihi > n || ihi < ilo - 1, 5},
+                                                                 {lda < max_of(1, n), 7},
+                                                                 {ldb < max_of(1, n), 9},
+                                                                 {(wantq && ldq < n) || ldq < 1, 11},
+                                                                 {(wantz && ldz < n) || ldz < 1, 13}});
 }
 
 template <class T>

@@ -134,7 +134,8 @@ struct Qz {
                 break;
             }
         }
-        single_sweep(istart, ilast, s1 * h(istart, istart) - w * t(istart, istart), s1 * h(istart + 1, istart));
+        single_sweep(istart, ilast, s1 * h(istart, istart) - w * t(istart, istart),
+                     s1 * h(istart + 1, istart));
     }
 
     void complex_step(zint ifirst, zint ilast, zint iiter, T& eshift) const;
@@ -147,57 +148,57 @@ struct Qz {
 template <class T>
 void Qz<T>::complex_step(zint ifirst, zint ilast, zint iiter, T& eshift) const {
     if constexpr (kIsComplex<T>) {
-    T shift{};
-    if (iiter % 10 != 0) {
-        // The eigenvalue of the bottom 2 by 2 of H T⁻¹ nearer to its last diagonal entry.
-        const T u12 = (bscale * t(ilast - 1, ilast)) / (bscale * t(ilast, ilast));
-        const T ad11 = (ascale * h(ilast - 1, ilast - 1)) / (bscale * t(ilast - 1, ilast - 1));
-        const T ad21 = (ascale * h(ilast, ilast - 1)) / (bscale * t(ilast - 1, ilast - 1));
-        const T ad12 = (ascale * h(ilast - 1, ilast)) / (bscale * t(ilast, ilast));
-        const T ad22 = (ascale * h(ilast, ilast)) / (bscale * t(ilast, ilast));
-        const T abi22 = ad22 - u12 * ad21;
-        const T abi12 = ad12 - u12 * ad11;
-        shift = abi22;
-        const T ctemp = complex_sqrt(abi12) * complex_sqrt(ad21);
-        if (!is_zero(ctemp)) {
-            const T x = 0.5 * (ad11 - shift);
-            const double temp2 = abs1(x);
-            const double temp = std::fmax(abs1(ctemp), temp2);
-            const T xs = x / temp, cs = ctemp / temp;
-            T y = temp * complex_sqrt(xs * xs + cs * cs);
-            if (temp2 > 0.0) {
-                const T xd = x / temp2;
-                if (xd.re * y.re + xd.im * y.im < 0.0) y = -y;
+        T shift{};
+        if (iiter % 10 != 0) {
+            // The eigenvalue of the bottom 2 by 2 of H T⁻¹ nearer to its last diagonal entry.
+            const T u12 = (bscale * t(ilast - 1, ilast)) / (bscale * t(ilast, ilast));
+            const T ad11 = (ascale * h(ilast - 1, ilast - 1)) / (bscale * t(ilast - 1, ilast - 1));
+            const T ad21 = (ascale * h(ilast, ilast - 1)) / (bscale * t(ilast - 1, ilast - 1));
+            const T ad12 = (ascale * h(ilast - 1, ilast)) / (bscale * t(ilast, ilast));
+            const T ad22 = (ascale * h(ilast, ilast)) / (bscale * t(ilast, ilast));
+            const T abi22 = ad22 - u12 * ad21;
+            const T abi12 = ad12 - u12 * ad11;
+            shift = abi22;
+            const T ctemp = complex_sqrt(abi12) * complex_sqrt(ad21);
+            if (!is_zero(ctemp)) {
+                const T x = 0.5 * (ad11 - shift);
+                const double temp2 = abs1(x);
+                const double temp = std::fmax(abs1(ctemp), temp2);
+                const T xs = x / temp, cs = ctemp / temp;
+                T y = temp * complex_sqrt(xs * xs + cs * cs);
+                if (temp2 > 0.0) {
+                    const T xd = x / temp2;
+                    if (xd.re * y.re + xd.im * y.im < 0.0) y = -y;
+                }
+                shift = shift - ctemp * (ctemp / (x + y));
             }
-            shift = shift - ctemp * (ctemp / (x + y));
-        }
-    } else {
-        // Exceptional shifts: the accumulated ratios of the bottom entries.
-        if (iiter % 20 == 0 && bscale * abs1(t(ilast, ilast)) > safmin) {
-            eshift = eshift + (ascale * h(ilast, ilast)) / (bscale * t(ilast, ilast));
         } else {
-            eshift = eshift + (ascale * h(ilast, ilast - 1)) / (bscale * t(ilast - 1, ilast - 1));
+            // Exceptional shifts: the accumulated ratios of the bottom entries.
+            if (iiter % 20 == 0 && bscale * abs1(t(ilast, ilast)) > safmin) {
+                eshift = eshift + (ascale * h(ilast, ilast)) / (bscale * t(ilast, ilast));
+            } else {
+                eshift = eshift + (ascale * h(ilast, ilast - 1)) / (bscale * t(ilast - 1, ilast - 1));
+            }
+            shift = eshift;
         }
-        shift = eshift;
-    }
-    // The sweep with shift `shift` on the scaled pencil: s1 = 1 on (ascale H, bscale T).
-    zint istart = ifirst;
-    for (zint j = ilast - 1; j > ifirst; --j) {
-        const T ctemp = ascale * h(j, j) - shift * (bscale * t(j, j));
-        double temp = abs1(ctemp);
-        double temp2 = ascale * abs1(h(j + 1, j));
-        const double tempr = std::fmax(temp, temp2);
-        if (tempr < 1.0 && tempr != 0.0) {
-            temp /= tempr;
-            temp2 /= tempr;
+        // The sweep with shift `shift` on the scaled pencil: s1 = 1 on (ascale H, bscale T).
+        zint istart = ifirst;
+        for (zint j = ilast - 1; j > ifirst; --j) {
+            const T ctemp = ascale * h(j, j) - shift * (bscale * t(j, j));
+            double temp = abs1(ctemp);
+            double temp2 = ascale * abs1(h(j + 1, j));
+            const double tempr = std::fmax(temp, temp2);
+            if (tempr < 1.0 && tempr != 0.0) {
+                temp /= tempr;
+                temp2 /= tempr;
+            }
+            if (abs1(h(j, j - 1)) * temp2 <= temp * atol) {
+                istart = j;
+                break;
+            }
         }
-        if (abs1(h(j, j - 1)) * temp2 <= temp * atol) {
-            istart = j;
-            break;
-        }
-    }
-    single_sweep(istart, ilast, ascale * h(istart, istart) - shift * (bscale * t(istart, istart)),
-                 ascale * h(istart + 1, istart));
+        single_sweep(istart, ilast, ascale * h(istart, istart) - shift * (bscale * t(istart, istart)),
+                     ascale * h(istart + 1, istart));
     }
 }
 
@@ -256,7 +257,8 @@ void Qz<T>::double_sweep(zint ifirst, zint ilast) const {
         const double ad32l = (ascale * h(f + 2, f + 1)) / (bscale * t(f + 1, f + 1));
         const double u12l = t(f, f + 1) / t(f + 1, f + 1);
         double v[3];
-        v[0] = (ad11 - ad11l) * (ad22 - ad11l) - ad12 * ad21 + ad21 * u12 * ad11l + (ad12l - ad11l * u12l) * ad21l;
+        v[0] = (ad11 - ad11l) * (ad22 - ad11l) - ad12 * ad21 + ad21 * u12 * ad11l +
+               (ad12l - ad11l * u12l) * ad21l;
         v[1] = ((ad22l - ad11l) - ad21l * u12l - (ad11 - ad11l) - (ad22 - ad11l) + ad21 * u12) * ad21l;
         v[2] = ad32l * ad21l;
         double tau = 0.0;
@@ -399,8 +401,8 @@ zint Qz<T>::real_step(zint ifirst, zint ilast, zint& iiter, double& eshift, zint
             } else {
                 // The eigenvalues of the bottom 2 by 2; a real one, that nearer T⁻¹H's last entry.
                 double s2 = 0.0, wr2 = 0.0;
-                lag2(h.at(ilast - 1, ilast - 1), h.ld, t.at(ilast - 1, ilast - 1), t.ld, safmin * kSafety, s1, s2,
-                     wr, wr2, wi);
+                lag2(h.at(ilast - 1, ilast - 1), h.ld, t.at(ilast - 1, ilast - 1), t.ld, safmin * kSafety, s1,
+                     s2, wr, wr2, wi);
                 if (std::fabs((wr / s1) * t(ilast, ilast) - h(ilast, ilast)) >
                     std::fabs((wr2 / s2) * t(ilast, ilast) - h(ilast, ilast))) {
                     std::swap(wr, wr2);
@@ -424,8 +426,8 @@ zint Qz<T>::real_step(zint ifirst, zint ilast, zint& iiter, double& eshift, zint
             // A 2 by 2 block: standardised, and deflated when its eigenvalues stay complex.
             standardise_block(ilast - 1);
             double s2 = 0.0, wr2 = 0.0;
-            lag2(h.at(ilast - 1, ilast - 1), h.ld, t.at(ilast - 1, ilast - 1), t.ld, safmin * kSafety, s1, s2, wr,
-                 wr2, wi);
+            lag2(h.at(ilast - 1, ilast - 1), h.ld, t.at(ilast - 1, ilast - 1), t.ld, safmin * kSafety, s1, s2,
+                 wr, wr2, wi);
             if (wi == 0.0) continue;
             const double s1inv = 1.0 / s1;
             const double a11 = h(ilast - 1, ilast - 1), a21 = h(ilast, ilast - 1);
@@ -525,8 +527,22 @@ void hgeqz(char job, char compq, char compz, zint n, zint ilo, zint ihi, T* h, z
     if (info != 0) return;
     work[0] = from_real<T>(static_cast<double>(max_of(1, n)));
     if (lwork == -1 || n <= 0) return;
-    Qz<T> qz{{h, ldh}, {t, ldt}, {q, ldq}, {z, ldz}, n, lsame(job, 'S'), !lsame(compq, 'N'), !lsame(compz, 'N'),
-             alpha, beta, 0, 0, 0, 0, 0, 0};
+    Qz<T> qz{{h, ldh},
+             {t, ldt},
+             {q, ldq},
+             {z, ldz},
+             n,
+             lsame(job, 'S'),
+             !lsame(compq, 'N'),
+             !lsame(compz, 'N'),
+             alpha,
+             beta,
+             0,
+             0,
+             0,
+             0,
+             0,
+             0};
     if (lsame(compq, 'I')) laset('F', n, n, zero<T>(), one<T>(), q, ldq);
     if (lsame(compz, 'I')) laset('F', n, n, zero<T>(), one<T>(), z, ldz);
     const OneBased<T>& H = qz.h;

@@ -22,8 +22,9 @@ struct Limits {
 
 // The denominator for the eigenvalue of magnitude wabs, and the factor for w.
 void choose_scale(const Limits& l, double wabs, double& scale, double& wscale) {
-    const double wsize = std::fmax(std::fmax(l.safmin, l.c1),
-                                   std::fmax(kFuzzy * (wabs * l.c2 + l.c3), std::fmin(l.c4, 0.5 * std::fmax(wabs, l.c5))));
+    const double wsize =
+        std::fmax(std::fmax(l.safmin, l.c1),
+                  std::fmax(kFuzzy * (wabs * l.c2 + l.c3), std::fmin(l.c4, 0.5 * std::fmax(wabs, l.c5))));
     if (wsize == 1.0) {
         scale = l.ascale * l.bsize;
         wscale = 1.0;
@@ -43,13 +44,14 @@ void lag2(const double* a, zint lda, const double* b, zint ldb, double safmin, d
           double& wr1, double& wr2, double& wi) {
     const double rtmin = std::sqrt(safmin), rtmax = 1.0 / rtmin, safmax = 1.0 / safmin;
     // A scaled to norm one.
-    const double anorm = std::fmax(std::fmax(std::fabs(a[0]) + std::fabs(a[1]), std::fabs(a[lda]) + std::fabs(a[lda + 1])),
-                                   safmin);
+    const double anorm = std::fmax(
+        std::fmax(std::fabs(a[0]) + std::fabs(a[1]), std::fabs(a[lda]) + std::fabs(a[lda + 1])), safmin);
     const double ascale = 1.0 / anorm;
     const double a11 = ascale * a[0], a21 = ascale * a[1], a12 = ascale * a[lda], a22 = ascale * a[lda + 1];
     // B with its diagonal kept away from zero, scaled by its largest diagonal entry.
     double b11 = b[0], b12 = b[ldb], b22 = b[ldb + 1];
-    const double bmin = rtmin * std::fmax(std::fmax(std::fabs(b11), std::fabs(b12)), std::fmax(std::fabs(b22), rtmin));
+    const double bmin =
+        rtmin * std::fmax(std::fmax(std::fabs(b11), std::fabs(b12)), std::fmax(std::fabs(b22), rtmin));
     if (std::fabs(b11) < bmin) b11 = std::copysign(bmin, b11);
     if (std::fabs(b22) < bmin) b22 = std::copysign(bmin, b22);
     const double bnorm = std::fmax(std::fmax(std::fabs(b11), std::fabs(b12) + std::fabs(b22)), safmin);

@@ -36,7 +36,8 @@ struct Scales {
 template <class T>
 void scaled_eigenvalue(const OneBased<const T>& s, const OneBased<const T>& p, zint j, const Scales& c,
                        double& acoef, T& bcoef) {
-    const double temp = 1.0 / std::fmax(std::fmax(abs1(s(j, j)) * c.ascale, std::fabs(real(p(j, j))) * c.bscale), c.safmin);
+    const double temp =
+        1.0 / std::fmax(std::fmax(abs1(s(j, j)) * c.ascale, std::fabs(real(p(j, j))) * c.bscale), c.safmin);
     const T salpha = (temp * s(j, j)) * c.ascale;
     const double sbeta = (temp * real(p(j, j))) * c.bscale;
     acoef = sbeta * c.ascale;
@@ -77,8 +78,8 @@ struct VectorSolve {
 }  // namespace
 
 template <class T>
-void tgevc(char side, char howmny, const zint* select, zint n, const T* s, zint lds, const T* p, zint ldp, T* vl,
-           zint ldvl, T* vr, zint ldvr, zint mm, zint& m, T* work, double* rwork, zint& info) {
+void tgevc(char side, char howmny, const zint* select, zint n, const T* s, zint lds, const T* p, zint ldp,
+           T* vl, zint ldvl, T* vr, zint ldvr, zint mm, zint& m, T* work, double* rwork, zint& info) {
     info = check_tgevc<T>(side, howmny, select, n, s, lds, p, ldp, ldvl, ldvr, mm);
     if (info != 0) return;
     m = tgevc_columns(howmny, select, n, s, lds);
@@ -122,7 +123,8 @@ void tgevc(char side, char howmny, const zint* select, zint n, const T* s, zint 
     c.bscale = 1.0 / std::fmax(c.bnorm, c.safmin);
 
     // The vector and its back-transformed form, complex entries for both element types.
-    zcomplex* x = kIsComplex<T> ? reinterpret_cast<zcomplex*>(work) : reinterpret_cast<zcomplex*>(base + 2 * n);
+    zcomplex* x =
+        kIsComplex<T> ? reinterpret_cast<zcomplex*>(work) : reinterpret_cast<zcomplex*>(base + 2 * n);
     zcomplex* full = x + n;
 
     // Solves for the vector of the block at rows jb .. jb + nb - 1 (nb 1 or 2) with eigenvalue
@@ -144,7 +146,8 @@ void tgevc(char side, char howmny, const zint* select, zint n, const T* s, zint 
             const double acoefa = std::fabs(acoef), bcoefa = std::fabs(bcoefr) + std::fabs(bcoefi);
             double scale = 1.0;
             if (acoefa * c.ulp < c.safmin && acoefa >= c.safmin) scale = (c.safmin / c.ulp) / acoefa;
-            if (bcoefa * c.ulp < c.safmin && bcoefa >= c.safmin) scale = std::fmax(scale, (c.safmin / c.ulp) / bcoefa);
+            if (bcoefa * c.ulp < c.safmin && bcoefa >= c.safmin)
+                scale = std::fmax(scale, (c.safmin / c.ulp) / bcoefa);
             if (c.safmin * acoefa > c.ascale) scale = c.ascale / (c.safmin * acoefa);
             if (c.safmin * bcoefa > c.bscale) scale = std::fmin(scale, c.bscale / (c.safmin * bcoefa));
             v.acoef = acoef * scale;
@@ -210,7 +213,8 @@ void tgevc(char side, char howmny, const zint* select, zint n, const T* s, zint 
                     zint ierr = 0;
                     const double wi = leftside ? -v.bcoef.im : v.bcoef.im;
                     laln2(leftside, jn, nw, v.dmin, v.acoef, S.at(j, j), lds, real(P(j, j)),
-                          jn == 2 ? real(P(j + 1, j + 1)) : 0.0, b, 2, v.bcoef.re, wi, sol, 2, scale, xnorm, ierr);
+                          jn == 2 ? real(P(j + 1, j + 1)) : 0.0, b, 2, v.bcoef.re, wi, sol, 2, scale, xnorm,
+                          ierr);
                     if (scale < 1.0) {
                         for (zint k = 0; k < jn; ++k) x[j - 1 + k] = {b[k], b[2 + k]};
                         rescale(scale);
@@ -223,7 +227,8 @@ void tgevc(char side, char howmny, const zint* select, zint n, const T* s, zint 
                 // The next updates use these columns (right) or rows (left); keep them finite.
                 double colnorm = 0.0;
                 for (zint k = 0; k < jn; ++k)
-                    colnorm = std::fmax(colnorm, acoefa * colnorm_s[j - 1 + k] + bcoefa * colnorm_p[j - 1 + k]);
+                    colnorm =
+                        std::fmax(colnorm, acoefa * colnorm_s[j - 1 + k] + bcoefa * colnorm_p[j - 1 + k]);
                 if (xmax > 1.0 && colnorm > c.bignum / xmax) rescale(1.0 / xmax);
             };
             if (!leftside) {
@@ -285,9 +290,7 @@ void tgevc(char side, char howmny, const zint* select, zint n, const T* s, zint 
         return true;
     };
 
-    auto chosen = [&](zint j, zint nb) {
-        return all || select[j - 1] != 0 || (nb == 2 && select[j] != 0);
-    };
+    auto chosen = [&](zint j, zint nb) { return all || select[j - 1] != 0 || (nb == 2 && select[j] != 0); };
     if (left) {
         zint col = 0;
         for (zint j = 1; j <= n;) {
