@@ -276,6 +276,37 @@ ZOR_FORTRAN_API void ztgevc(const char* side, const char* howmny, const zor_int*
                             const zor_int* ldp, zor_complex_double* vl, const zor_int* ldvl, zor_complex_double* vr,
                             const zor_int* ldvr, const zor_int* mm, zor_int* m, zor_complex_double* work,
                             double* rwork, zor_int* info, size_t side_length, size_t howmny_length);
+/* The caller's choice of eigenvalues for dgges and zgges, in the Fortran convention: alpha (real and
+ * imaginary parts for dgges) and beta by reference, a logical answer, nonzero for selected. */
+typedef zor_int (*zor_dselect3)(const double* alphar, const double* alphai, const double* beta);
+typedef zor_int (*zor_zselect2)(const zor_complex_double* alpha, const zor_complex_double* beta);
+/* The generalized Schur factorization (A, B) = (Q S Z^H, Q T Z^H), optionally with the eigenvalues
+ * selctg chooses leading (sdim of them); info = n + 2: rounding changed the choice after
+ * reordering, n + 3: the reordering failed. lwork >= max(8n, 6n + 16) (dgges), max(1, 2n) with
+ * rwork of 8n doubles (zgges). */
+ZOR_FORTRAN_API void dgges(const char* jobvsl, const char* jobvsr, const char* sort, zor_dselect3 selctg,
+                           const zor_int* n, double* a, const zor_int* lda, double* b, const zor_int* ldb,
+                           zor_int* sdim, double* alphar, double* alphai, double* beta, double* vsl,
+                           const zor_int* ldvsl, double* vsr, const zor_int* ldvsr, double* work,
+                           const zor_int* lwork, zor_int* bwork, zor_int* info, size_t jobvsl_length,
+                           size_t jobvsr_length, size_t sort_length);
+ZOR_FORTRAN_API void zgges(const char* jobvsl, const char* jobvsr, const char* sort, zor_zselect2 selctg,
+                           const zor_int* n, zor_complex_double* a, const zor_int* lda, zor_complex_double* b,
+                           const zor_int* ldb, zor_int* sdim, zor_complex_double* alpha, zor_complex_double* beta,
+                           zor_complex_double* vsl, const zor_int* ldvsl, zor_complex_double* vsr,
+                           const zor_int* ldvsr, zor_complex_double* work, const zor_int* lwork, double* rwork,
+                           zor_int* bwork, zor_int* info, size_t jobvsl_length, size_t jobvsr_length,
+                           size_t sort_length);
+/* Moves the diagonal block of the generalized Schur pair (A, B) at row ifst to row ilst, updating Q
+ * and Z (wantq, wantz nonzero); lwork >= 4n + 16 (dtgexc, n > 1). */
+ZOR_FORTRAN_API void dtgexc(const zor_int* wantq, const zor_int* wantz, const zor_int* n, double* a,
+                            const zor_int* lda, double* b, const zor_int* ldb, double* q, const zor_int* ldq,
+                            double* z, const zor_int* ldz, zor_int* ifst, zor_int* ilst, double* work,
+                            const zor_int* lwork, zor_int* info);
+ZOR_FORTRAN_API void ztgexc(const zor_int* wantq, const zor_int* wantz, const zor_int* n, zor_complex_double* a,
+                            const zor_int* lda, zor_complex_double* b, const zor_int* ldb, zor_complex_double* q,
+                            const zor_int* ldq, zor_complex_double* z, const zor_int* ldz, const zor_int* ifst,
+                            zor_int* ilst, zor_int* info);
 /* The generalized eigenvalues (alpha, beta) of the pencil (A, B) and its left and right eigenvectors,
  * each scaled so that its largest component has |re| + |im| = 1. lwork >= max(1, 8n) (dggev),
  * max(1, 2n) with rwork of 8n doubles (zggev). */

@@ -16,8 +16,11 @@
 // interface; the checks report as the published routines ("DGGHRD", "ZHGEQZ", ...), info = -k
 // for a bad argument k.
 
+#include <cstdint>
+#include <type_traits>
 #include "lapack/lapack.hpp"
 #include "lapack/schur/schur.hpp"
+
 #include "service/types.hpp"
 
 namespace zor {
@@ -75,6 +78,50 @@ template <class T>
 void ggev(char jobvl, char jobvr, zint n, T* a, zint lda, T* b, zint ldb, Eigenvalues<T> alpha, T* beta,
           T* vl, zint ldvl, T* vr, zint ldvr, T* work, zint lwork, double* rwork, zint& info);
 
+// Exchanges the adjacent diagonal blocks of orders n1 and n2 (real data: 1 or 2 each; complex data:
+// 1) at row j1 of the generalized Schur pair (A, B), updating Q and Z (wantq, wantz). info = 1: the
+// exchange was refused (it would have changed the pair by more than 20 eps ||(A, B)||, or a real
+// 2 by 2 block would have lost its complex eigenvalues); nothing is changed then.
+template <class T>
+void tgex2(bool wantq, bool wantz, zint n, T* a, zint lda, T* b, zint ldb, T* q, zint ldq, T* z, zint ldz,
+           zint j1, zint n1, zint n2, zint& info);
+
+// Moves the block at row ifst to row ilst by exchanges of neighbours (real data: both moved to the
+// first rows of their blocks). lwork >= 4n + 16 for real data (n > 1; 1 otherwise), not
+// referenced for complex data; lwork = -1 answers it. info = 1: an exchange was refused; ilst is
+// where the block stopped.
+template <class T>
+void tgexc(bool wantq, bool wantz, zint n, T* a, zint lda, T* b, zint ldb, T* q, zint ldq, T* z, zint ldz,
+           zint& ifst, zint& ilst, T* work, zint lwork, zint& info);
+template <class T>
+zint tgexc_workspace(zint n);
+
+// Reorders the pair so that the selected eigenvalues (a real pair by either entry) lead it, m of
+// them, and recomputes alpha and beta from the reordered pair (P's diagonal made non-negative).
+// info = 1: an exchange was refused; the pair is reordered as far as it got. The published ijob
+// 0: no condition numbers or projections.
+template <class T>
+void tgsen(bool wantq, bool wantz, const zint* select, zint n, T* a, zint lda, T* b, zint ldb,
+           Eigenvalues<T> alpha, T* beta, T* q, zint ldq, T* z, zint ldz, zint& m, zint& info);
+
+// The caller's choice of eigenvalues for gges, in the Fortran convention: alpha (real data: its
+// real and imaginary parts) and beta by reference, a 32-bit logical answer.
+using RealPairSelect = std::int32_t (*)(const double* alphar, const double* alphai, const double* beta);
+using ComplexPairSelect = std::int32_t (*)(const zcomplex* alpha, const zcomplex* beta);
+template <class T>
+using PairSelect = std::conditional_t<kIsComplex<T>, ComplexPairSelect, RealPairSelect>;
+
+// The generalized Schur factorization (A, B) = (Q S Zᴴ, Q P Zᴴ): S, P overwrite A, B; Q goes to vsl
+// (jobvsl "V"), Z to vsr (jobvsr "V"). sort "S": the eigenvalues selctg chooses lead (sdim of
+// them). Real data: lwork >= max(8n, 6n + 16) (1 for n = 0); complex data: lwork >= max(1, 2n),
+// rwork of 8n; lwork = -1 answers the optimum. bwork: n 64-bit logicals, used when sorting. info
+// = 1 .. n: the QZ iteration failed; n + 1: other failure of hgeqz; n + 2: after reordering,
+// rounding changed the choice; n + 3: the reordering failed.
+template <class T>
+void gges(char jobvsl, char jobvsr, char sort, PairSelect<T> selctg, zint n, T* a, zint lda, T* b, zint ldb,
+          zint& sdim, Eigenvalues<T> alpha, T* beta, T* vsl, zint ldvsl, T* vsr, zint ldvsr, T* work,
+          zint lwork, double* rwork, zint* bwork, zint& info);
+
 // The argument checks of the exports (0 or -k after reporting parameter k), run by the exports
 // before any array is copied and by the routines themselves.
 template <class T>
@@ -82,6 +129,12 @@ zint check_gghrd(char compq, char compz, zint n, zint ilo, zint ihi, zint lda, z
 template <class T>
 zint check_hgeqz(char job, char compq, char compz, zint n, zint ilo, zint ihi, zint ldh, zint ldt, zint ldq,
                  zint ldz, zint lwork);
+template <class T>
+zint check_tgexc(bool wantq, bool wantz, zint n, zint lda, zint ldb, zint ldq, zint ldz, zint ifst, zint ilst,
+                 zint lwork);
+template <class T>
+zint check_gges(char jobvsl, char jobvsr, char sort, zint n, zint lda, zint ldb, zint ldvsl, zint ldvsr,
+                zint lwork);
 template <class T>
 zint check_ggev(char jobvl, char jobvr, zint n, zint lda, zint ldb, zint ldvl, zint ldvr, zint lwork);
 
@@ -140,5 +193,12 @@ zint check_tgevc(char side, char howmny, const Logical* select, zint n, const T*
 // it.
 void lag2(const double* a, zint lda, const double* b, zint ldb, double safmin, double& scale1, double& scale2,
           double& wr1, double& wr2, double& wi);
+
+// The eigenvalues of the real 2 by 2 block (A, B) in standard form (B diagonal, positive) with
+// complex eigenvalues, as hgeqz and tgsen report them: alpha = (alphar + i alphai) and beta for both
+// (the pair with positive imaginary part first; beta the magnitudes of the diagonal the complex
+// triangularisation would give). False when lag2 finds the eigenvalues real.
+bool pair_values(const double* a, zint lda, const double* b, zint ldb, double safmin, double* alphar,
+                 double* alphai, double* beta);
 
 }  // namespace zor

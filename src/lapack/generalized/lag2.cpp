@@ -6,6 +6,7 @@
 
 #include <cmath>
 
+#include "lapack/auxiliary/auxiliary.hpp"
 #include "lapack/generalized/generalized.hpp"
 #include "lapack/lapack.hpp"
 
@@ -134,6 +135,78 @@ void lag2(const double* a, zint lda, const double* b, zint ldb, double safmin, d
     }
     choose_scale(l, std::fabs(wr2), scale2, wscale);
     wr2 *= wscale;
+}
+
+bool pair_values(const double* a, zint lda, const double* b, zint ldb, double safmin, double* alphar,
+                 double* alphai, double* beta) {
+    constexpr double kSafety = 100.0;
+    double s1 = 0.0, s2 = 0.0, wr = 0.0, wr2 = 0.0, wi = 0.0;
+    lag2(a, lda, b, ldb, safmin * kSafety, s1, s2, wr, wr2, wi);
+    if (wi == 0.0) return false;
+    const double s1inv = 1.0 / s1;
+    const double a11 = a[0], a21 = a[1], a12 = a[lda], a22 = a[lda + 1];
+    const double b11 = b[0], b22 = b[ldb + 1];
+    // The complex rotations (cz, sz) from the right and (cq, sq) from the left that would
+    // triangularise the block: their products with T's diagonal are the betas.
+    const double c11r = s1 * a11 - wr * b11, c11i = -wi * b11, c12 = s1 * a12;
+    const double c21 = s1 * a21, c22r = s1 * a22 - wr * b22, c22i = -wi * b22;
+    double cz = 0.0, szr = 0.0, szi = 0.0;
+    if (std::fabs(c11r) + std::fabs(c11i) + std::fabs(c12) >
+        std::fabs(c21) + std::fabs(c22r) + std::fabs(c22i)) {
+        const double t1 = lapy3(c12, c11r, c11i);
+        cz = c12 / t1;
+        szr = -c11r / t1;
+        szi = -c11i / t1;
+    } else {
+        cz = lapy2(c22r, c22i);
+        if (cz <= safmin) {
+            cz = 0.0;
+            szr = 1.0;
+            szi = 0.0;
+        } else {
+            const double tempr = c22r / cz, tempi = c22i / cz;
+            const double t1 = lapy2(cz, c21);
+            cz /= t1;
+            szr = -c21 * tempr / t1;
+            szi = c21 * tempi / t1;
+        }
+    }
+    const double an = std::fabs(a11) + std::fabs(a12) + std::fabs(a21) + std::fabs(a22);
+    const double bn = std::fabs(b11) + std::fabs(b22);
+    const double wabs = std::fabs(wr) + std::fabs(wi);
+    double cq = 0.0, sqr = 0.0, sqi = 0.0;
+    if (s1 * an > wabs * bn) {
+        cq = cz * b11;
+        sqr = szr * b22;
+        sqi = -szi * b22;
+    } else {
+        const double a1r = cz * a11 + szr * a12, a1i = szi * a12;
+        const double a2r = cz * a21 + szr * a22, a2i = szi * a22;
+        cq = lapy2(a1r, a1i);
+        if (cq <= safmin) {
+            cq = 0.0;
+            sqr = 1.0;
+            sqi = 0.0;
+        } else {
+            const double tempr = a1r / cq, tempi = a1i / cq;
+            sqr = tempr * a2r + tempi * a2i;
+            sqi = tempi * a2r - tempr * a2i;
+        }
+    }
+    const double t1 = lapy3(cq, sqr, sqi);
+    cq /= t1;
+    sqr /= t1;
+    sqi /= t1;
+    const double tempr = sqr * szr - sqi * szi, tempi = sqr * szi + sqi * szr;
+    const double b1a = lapy2(cq * cz * b11 + tempr * b22, tempi * b22);
+    const double b2a = lapy2(cq * cz * b22 + tempr * b11, -tempi * b11);
+    beta[0] = b1a;
+    beta[1] = b2a;
+    alphar[0] = (wr * b1a) * s1inv;
+    alphai[0] = (wi * b1a) * s1inv;
+    alphar[1] = (wr * b2a) * s1inv;
+    alphai[1] = -(wi * b2a) * s1inv;
+    return true;
 }
 
 }  // namespace zor
