@@ -475,6 +475,101 @@ void ggev(Call& c, const char* name) {
     }
 }
 
+// The caller's choice for gges, in the Fortran convention.
+zor_int choose_real(const double* alphar, const double*, const double* beta) {
+    return *alphar < *beta;
+}
+zor_int choose_complex(const zor_complex_double* alpha, const zor_complex_double*) {
+    return alpha->real < 0;
+}
+
+// gges: (JOBVSL, JOBVSR, SORT, SELCTG, N, A, LDA, B, LDB, SDIM, ALPHAR, ALPHAI (ALPHA), BETA, VSL,
+// LDVSL, VSR, LDVSR, WORK, LWORK, [RWORK,] BWORK, INFO); LWORK at least max(8 N, 6 N + 16) (1 for
+// N = 0; zgges: max(1, 2 N), RWORK of 8 N); BWORK only when sorting.
+template <class T, auto f>
+void gges(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const char jobvsl = c.letter("JOBVSL", "NV"), jobvsr = c.letter("JOBVSR", "NV"),
+               sort = c.letter("SORT", "NS");
+    const zor_int n = c.dimension("N"), lda = c.leading("LDA", n), ldb = c.leading("LDB", n);
+    const zor_int ldvsl = c.leading("LDVSL", n), ldvsr = c.leading("LDVSR", n);
+    const std::int64_t least = complex ? max1(2 * std::int64_t{n})
+                                       : (n <= 0 ? 1 : max_of(8 * std::int64_t{n}, 6 * std::int64_t{n} + 16));
+    const zor_int lwork = c.workspace("LWORK", least);
+    const bool query = lwork == -1, wantl = is(jobvsl, "V"), wantr = is(jobvsr, "V");
+    const int shift = complex ? 1 : 0;
+    c.lapack(name, {{!is(jobvsl, "NV"), 1},
+                    {!is(jobvsr, "NV"), 2},
+                    {!is(sort, "NS"), 3},
+                    {n < 0, 5},
+                    {lda < max1(n), 7},
+                    {ldb < max1(n), 9},
+                    {ldvsl < 1 || (wantl && ldvsl < n), 15 - shift},
+                    {ldvsr < 1 || (wantr && ldvsr < n), 17 - shift},
+                    {lwork < least && !query, 19 - shift}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    T* a = c.matrix<T>("A", n, n, lda, out);
+    T* b = c.matrix<T>("B", n, n, ldb, out);
+    T* alpha = c.array<T>("ALPHA", n, out);
+    double* alphai = complex ? nullptr : c.array<double>("ALPHAI", n, out);
+    T* beta = c.array<T>("BETA", n, out);
+    T* vsl = wantl ? c.matrix<T>("VSL", n, n, ldvsl, out) : c.array<T>("VSL", 1, Use::Untouched);
+    T* vsr = wantr ? c.matrix<T>("VSR", n, n, ldvsr, out) : c.array<T>("VSR", 1, Use::Untouched);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    const bool sorting = is(sort, "S") && !query;
+    zor_int* bwork = c.array<zor_int>("BWORK", sorting ? n : 1, sorting ? Use::InOut : Use::Untouched);
+    zor_int sdim = 0;
+    if constexpr (complex) {
+        double* rwork = c.array<double>("RWORK", 8 * std::int64_t{n}, out);
+        c.run_lapack([&](zor_int* info) {
+            f(&jobvsl, &jobvsr, &sort, choose_complex, &n, a, &lda, b, &ldb, &sdim, alpha, beta, vsl, &ldvsl,
+              vsr, &ldvsr, work, &lwork, rwork, bwork, info, 1, 1, 1);
+        });
+    } else {
+        c.run_lapack([&](zor_int* info) {
+            f(&jobvsl, &jobvsr, &sort, choose_real, &n, a, &lda, b, &ldb, &sdim, alpha, alphai, beta, vsl,
+              &ldvsl, vsr, &ldvsr, work, &lwork, bwork, info, 1, 1, 1);
+        });
+    }
+}
+
+// tgexc: (WANTQ, WANTZ, N, A, LDA, B, LDB, Q, LDQ, Z, LDZ, IFST, ILST, [WORK, LWORK,] INFO); 1 <=
+// IFST, ILST <= N; dtgexc's LWORK at least 4 N + 16 (1 for N <= 1).
+template <class T, auto f>
+void tgexc(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const zor_int wantq = c.dimension("WANTQ") & 1, wantz = c.dimension("WANTZ") & 1;
+    const zor_int n = c.dimension("N"), lda = c.leading("LDA", n), ldb = c.leading("LDB", n);
+    const zor_int ldq = c.leading("LDQ", n), ldz = c.leading("LDZ", n);
+    zor_int ifst = c.dimension("IFST"), ilst = c.dimension("ILST");
+    const std::int64_t least = n <= 1 ? 1 : 4 * std::int64_t{n} + 16;
+    const zor_int lwork = complex ? 1 : c.workspace("LWORK", least);
+    const bool query = !complex && lwork == -1;
+    c.lapack(name, {{n < 0, 3},
+                    {lda < max1(n), 5},
+                    {ldb < max1(n), 7},
+                    {ldq < 1 || (wantq && ldq < max1(n)), 9},
+                    {ldz < 1 || (wantz && ldz < max1(n)), 11},
+                    {ifst < 1 || ifst > n, 12},
+                    {ilst < 1 || ilst > n, 13},
+                    {!complex && lwork < least && !query, 15}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    T* a = c.matrix<T>("A", n, n, lda, out);
+    T* b = c.matrix<T>("B", n, n, ldb, out);
+    T* q = wantq ? c.matrix<T>("Q", n, n, ldq, out) : c.array<T>("Q", 1, Use::Untouched);
+    T* z = wantz ? c.matrix<T>("Z", n, n, ldz, out) : c.array<T>("Z", 1, Use::Untouched);
+    if constexpr (complex) {
+        c.run_lapack([&](zor_int* info) {
+            f(&wantq, &wantz, &n, a, &lda, b, &ldb, q, &ldq, z, &ldz, &ifst, &ilst, info);
+        });
+    } else {
+        T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+        c.run_lapack([&](zor_int* info) {
+            f(&wantq, &wantz, &n, a, &lda, b, &ldb, q, &ldq, z, &ldz, &ifst, &ilst, work, &lwork, info);
+        });
+    }
+}
+
 // ---- auxiliaries: no argument checks ------------------------------------------------------------
 
 void dlapy2_(Call& c) {
@@ -542,6 +637,8 @@ constexpr Export kExports[] = {
     ZOR_FUZZ_EXPORTS(hgeqz, hgeqz, "HGEQZ"),
     ZOR_FUZZ_EXPORTS(tgevc, tgevc, "TGEVC"),
     ZOR_FUZZ_EXPORTS(ggev, ggev, "GGEV"),
+    ZOR_FUZZ_EXPORTS(gges, gges, "GGES"),
+    ZOR_FUZZ_EXPORTS(tgexc, tgexc, "TGEXC"),
     {"dlapy2", dlapy2_},
     {"zdrot", zdrot_},
     {"zrotg_", zrotg_fuzz},

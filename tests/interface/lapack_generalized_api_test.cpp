@@ -16,6 +16,8 @@ namespace {
 
 using Complex = std::complex<double>;
 
+const zor_int kTrue = 1;
+
 Complex c(const zor_complex_double& z) {
     return {z.real, z.imag};
 }
@@ -106,6 +108,36 @@ TEST(GeneralizedExports, HessenbergQzAndVectors) {
     }
 }
 
+// dgges calls selctg with alpha and beta by reference inside the caller's arrays and reads its
+// 32-bit answer: the chosen eigenvalues (here the finite ones of magnitude below 2) lead, sdim of
+// them; dtgexc then moves the last block to the top.
+const double* g_alphar = nullptr;
+bool g_inside = true;
+zor_int small_finite(const double* ar, const double* ai, const double* b) {
+    g_inside = g_inside && ar >= g_alphar && ar < g_alphar + 4;
+    return *b != 0 && std::hypot(*ar, *ai) < 2 * *b;
+}
+
+TEST(GeneralizedExports, SchurFormSortedBySelctg) {
+    const zor_int n = 4, lwork = 200;
+    double a[16] = {4, 0, 0, 0, 1, 1, 0, 0, 2, 1, -3, 0, 1, 2, 1, 0.5};
+    double b[16] = {1, 0, 0, 0, 1, 1, 0, 0, 0, 1, 1, 0, 1, 0, 1, 1};
+    double wr[4], wi[4], beta[4], vsl[16], vsr[16], work[200];
+    zor_int bwork[4], sdim = -1, info = 9;
+    g_alphar = wr;
+    dgges("V", "V", "S", small_finite, &n, a, &n, b, &n, &sdim, wr, wi, beta, vsl, &n, vsr, &n, work, &lwork, bwork,
+          &info, 1, 1, 1);
+    ASSERT_EQ(info, 0);
+    EXPECT_TRUE(g_inside);
+    EXPECT_EQ(sdim, 2);  // 1 and 0.5; 4 and -3 stay behind
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(std::fabs(wr[i] / beta[i]) < 2, i < sdim) << i;
+    zor_int ifst = 4, ilst = 1;
+    dtgexc(&kTrue, &kTrue, &n, a, &n, b, &n, vsl, &n, vsr, &n, &ifst, &ilst, work, &lwork, &info);
+    ASSERT_EQ(info, 0);
+    EXPECT_EQ(ilst, 1);
+    EXPECT_NEAR(std::fabs(a[0] / b[0]), std::fabs(wr[3] / beta[3]), 1e-13);
+}
+
 // lwork = -1 answers at least the least workspace and reads no array but work.
 TEST(GeneralizedExports, WorkspaceQueries) {
     const zor_int n = 300, minus_one = -1, one = 1;
@@ -192,6 +224,37 @@ const ErrorCase kErrorCases[] = {
          return info_after([](zor_int* i) {
              dggev("N", "N", &kTwo, g_a, &kTwo, g_a, &kTwo, g_a, g_a, g_a, g_a, &kOne, g_a, &kOne, g_work,
                    &kThree, i, 1, 1);
+         });
+     }},
+    {"DGGES ", 19,
+     [] {
+         return info_after([](zor_int* i) {
+             zor_int sdim = 0;
+             dgges("N", "N", "S", small_finite, &kTwo, g_a, &kTwo, g_a, &kTwo, &sdim, g_a, g_a, g_a, g_a, &kOne, g_a,
+                   &kOne, g_work, &kThree, g_select, i, 1, 1, 1);
+         });
+     }},
+    {"ZGGES ", 3,
+     [] {
+         return info_after([](zor_int* i) {
+             zor_int sdim = 0;
+             zgges("N", "N", "X", nullptr, &kTwo, g_z, &kTwo, g_z, &kTwo, &sdim, g_z, g_z, g_z, &kOne, g_z, &kOne,
+                   g_zwork, &kThree, g_a, g_select, i, 1, 1, 1);
+         });
+     }},
+    {"DTGEXC", 13,
+     [] {
+         return info_after([](zor_int* i) {
+             zor_int ifst = 1, ilst = 3;
+             dtgexc(&kOne, &kOne, &kTwo, g_a, &kTwo, g_a, &kTwo, g_a, &kTwo, g_a, &kTwo, &ifst, &ilst, g_work,
+                    &kThree, i);
+         });
+     }},
+    {"ZTGEXC", 9,
+     [] {
+         return info_after([](zor_int* i) {
+             zor_int ilst = 1;
+             ztgexc(&kOne, &kOne, &kTwo, g_z, &kTwo, g_z, &kTwo, g_z, &kOne, g_z, &kTwo, &kOne, &ilst, i);
          });
      }},
     {"ZGGEV ", 3,
