@@ -201,11 +201,9 @@ ZOR_API void zgges(const char* jobvsl, const char* jobvsr, const char* sort, zor
                    zor_complex_double* vsl, const zor_int* ldvsl, zor_complex_double* vsr,
                    const zor_int* ldvsr, zor_complex_double* work, const zor_int* lwork, double* rwork,
                    zor_int* bwork, zor_int* info, size_t, size_t, size_t) {
-    // zor_complex_double and the library's complex type are the same two doubles.
-    gges_export<zor::zcomplex>(
-        "ZGGES", jobvsl, jobvsr, sort, reinterpret_cast<zor::ComplexPairSelect>(selctg), n, as_complex(a),
-        lda, as_complex(b), ldb, sdim, complex_values(alpha), as_complex(beta), as_complex(vsl), ldvsl,
-        as_complex(vsr), ldvsr, as_complex(work), lwork, rwork, bwork, info);
+    gges_export<zor::zcomplex>("ZGGES", jobvsl, jobvsr, sort, selctg, n, as_complex(a), lda, as_complex(b),
+                               ldb, sdim, complex_values(alpha), as_complex(beta), as_complex(vsl), ldvsl,
+                               as_complex(vsr), ldvsr, as_complex(work), lwork, rwork, bwork, info);
 }
 
 ZOR_API void dtgexc(const zor_int* wantq, const zor_int* wantz, const zor_int* n, double* a,

@@ -304,7 +304,7 @@ void gghrd(Call& c, const char* name) {
                     {!is(compz, "NIV"), 2},
                     {n < 0, 3},
                     {ilo < 1, 4},
-                    {ihi > n || ihi < ilo - 1, 5},
+                    {ihi > n || ihi < std::int64_t{ilo} - 1, 5},
                     {lda < max1(n), 7},
                     {ldb < max1(n), 9},
                     {(wanted(compq) && ldq < n) || ldq < 1, 11},
@@ -336,7 +336,7 @@ void hgeqz(Call& c, const char* name) {
                     {!is(compz, "NIV"), 3},
                     {n < 0, 4},
                     {ilo < 1, 5},
-                    {ihi > n || ihi < ilo - 1, 6},
+                    {ihi > n || ihi < std::int64_t{ilo} - 1, 6},
                     {ldh < n, 8},
                     {ldt < n, 10},
                     {ldq < 1 || (wanted(compq) && ldq < n), 15 - shift},
@@ -384,7 +384,7 @@ void tgevc(Call& c, const char* name) {
     const T* p = c.matrix<T>("P", n, n, ldp, Use::In);
     bool sbad = false, pbad = false;
     std::int64_t needed = n;
-    if (c.computes() && n > 0) {
+    if (c.computes() && c.arrays_in_full() && n > 0) {
         auto sub = [&](const T* m, zor_int ld, std::int64_t i, std::int64_t j) {
             const T& x = m[i + j * std::int64_t{ld}];
             if constexpr (complex) {

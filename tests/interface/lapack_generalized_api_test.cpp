@@ -125,8 +125,8 @@ TEST(GeneralizedExports, SchurFormSortedBySelctg) {
     double wr[4], wi[4], beta[4], vsl[16], vsr[16], work[200];
     zor_int bwork[4], sdim = -1, info = 9;
     g_alphar = wr;
-    dgges("V", "V", "S", small_finite, &n, a, &n, b, &n, &sdim, wr, wi, beta, vsl, &n, vsr, &n, work, &lwork, bwork,
-          &info, 1, 1, 1);
+    dgges("V", "V", "S", small_finite, &n, a, &n, b, &n, &sdim, wr, wi, beta, vsl, &n, vsr, &n, work, &lwork,
+          bwork, &info, 1, 1, 1);
     ASSERT_EQ(info, 0);
     EXPECT_TRUE(g_inside);
     EXPECT_EQ(sdim, 2);  // 1 and 0.5; 4 and -3 stay behind
@@ -230,16 +230,16 @@ const ErrorCase kErrorCases[] = {
      [] {
          return info_after([](zor_int* i) {
              zor_int sdim = 0;
-             dgges("N", "N", "S", small_finite, &kTwo, g_a, &kTwo, g_a, &kTwo, &sdim, g_a, g_a, g_a, g_a, &kOne, g_a,
-                   &kOne, g_work, &kThree, g_select, i, 1, 1, 1);
+             dgges("N", "N", "S", small_finite, &kTwo, g_a, &kTwo, g_a, &kTwo, &sdim, g_a, g_a, g_a, g_a,
+                   &kOne, g_a, &kOne, g_work, &kThree, g_select, i, 1, 1, 1);
          });
      }},
     {"ZGGES ", 3,
      [] {
          return info_after([](zor_int* i) {
              zor_int sdim = 0;
-             zgges("N", "N", "X", nullptr, &kTwo, g_z, &kTwo, g_z, &kTwo, &sdim, g_z, g_z, g_z, &kOne, g_z, &kOne,
-                   g_zwork, &kThree, g_a, g_select, i, 1, 1, 1);
+             zgges("N", "N", "X", nullptr, &kTwo, g_z, &kTwo, g_z, &kTwo, &sdim, g_z, g_z, g_z, &kOne, g_z,
+                   &kOne, g_zwork, &kThree, g_a, g_select, i, 1, 1, 1);
          });
      }},
     {"DTGEXC", 13,

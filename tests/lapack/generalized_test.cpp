@@ -432,8 +432,8 @@ TEST_P(Pencils, SchurPairComplex) {
 std::int32_t inside_real(const double* ar, const double* ai, const double* b) {
     return std::hypot(*ar, *ai) < std::fabs(*b);
 }
-std::int32_t inside_complex(const zcomplex* a, const zcomplex* b) {
-    return std::hypot(a->re, a->im) < std::hypot(b->re, b->im);
+std::int32_t inside_complex(const zor_complex_double* a, const zor_complex_double* b) {
+    return std::hypot(a->real, a->imag) < std::hypot(b->real, b->imag);
 }
 
 // gges with sorting: A = Q S Zᴴ, B = Q P Zᴴ, unitary Q and Z, the chosen eigenvalues leading (sdim

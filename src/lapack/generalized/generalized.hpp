@@ -22,6 +22,7 @@
 #include "lapack/schur/schur.hpp"
 
 #include "service/types.hpp"
+#include "zor/zor_config.h"
 
 namespace zor {
 
@@ -107,7 +108,9 @@ void tgsen(bool wantq, bool wantz, const zint* select, zint n, T* a, zint lda, T
 // The caller's choice of eigenvalues for gges, in the Fortran convention: alpha (real data: its
 // real and imaginary parts) and beta by reference, a 32-bit logical answer.
 using RealPairSelect = std::int32_t (*)(const double* alphar, const double* alphai, const double* beta);
-using ComplexPairSelect = std::int32_t (*)(const zcomplex* alpha, const zcomplex* beta);
+// The complex form takes the interface's complex type (the same two doubles), so that the caller's
+// function is called through its own type.
+using ComplexPairSelect = std::int32_t (*)(const zor_complex_double* alpha, const zor_complex_double* beta);
 template <class T>
 using PairSelect = std::conditional_t<kIsComplex<T>, ComplexPairSelect, RealPairSelect>;
 

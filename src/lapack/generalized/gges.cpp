@@ -25,7 +25,8 @@ inline bool chosen(RealPairSelect select, Eigenvalues<double> alpha, const doubl
     return select(alpha.re + i, alpha.im + i, beta + i) != 0;
 }
 inline bool chosen(ComplexPairSelect select, Eigenvalues<zcomplex> alpha, const zcomplex* beta, zint i) {
-    return select(alpha.w + i, beta + i) != 0;
+    return select(reinterpret_cast<const zor_complex_double*>(alpha.w + i),
+                  reinterpret_cast<const zor_complex_double*>(beta + i)) != 0;
 }
 
 // sdim recounted from the caller's choices after reordering (a real pair counts when either of its
