@@ -235,6 +235,47 @@ ZOR_FORTRAN_API void ztrsyl(const char* trana, const char* tranb, const zor_int*
                             const zor_complex_double* b, const zor_int* ldb, zor_complex_double* c,
                             const zor_int* ldc, double* scale, zor_int* info, size_t trana_length,
                             size_t tranb_length);
+/* ---- Symmetric and Hermitian eigenproblem ------------------------------------------------------ */
+
+/* The eigenvalues w (ascending) and, for jobz "V", the orthonormal eigenvectors (in place of A) of
+ * the symmetric A whose triangle uplo is given, by divide and conquer. lwork >= 2n + 1 ("N") or
+ * 1 + 6n + 2n^2 ("V"), liwork >= 1 ("N") or 3 + 5n ("V"), all 1 when n <= 1; lwork or liwork = -1
+ * asks for the optimal sizes in work[0] and iwork[0]. info = k > 0: the solver did not converge. */
+ZOR_FORTRAN_API void dsyevd(const char* jobz, const char* uplo, const zor_int* n, double* a,
+                            const zor_int* lda, double* w, double* work, const zor_int* lwork, zor_int* iwork,
+                            const zor_int* liwork, zor_int* info, size_t jobz_length, size_t uplo_length);
+/* The same for a Hermitian A: lwork >= n + 1 ("N") or 2n + n^2 ("V"), lrwork >= n or 1 + 5n + 2n^2,
+ * liwork >= 1 or 3 + 5n; any of lwork, lrwork, liwork = -1 asks for all three optimal sizes. */
+ZOR_FORTRAN_API void zheevd(const char* jobz, const char* uplo, const zor_int* n, zor_complex_double* a,
+                            const zor_int* lda, double* w, zor_complex_double* work, const zor_int* lwork,
+                            double* rwork, const zor_int* lrwork, zor_int* iwork, const zor_int* liwork,
+                            zor_int* info, size_t jobz_length, size_t uplo_length);
+/* ---- Singular value decomposition and least squares ---------------------------------------- */
+
+/* A = U S Vᵀ by divide and conquer: s receives the min(m, n) singular values, non-negative and
+ * non-increasing. jobz "A": all of U (m by m) and Vᵀ (n by n) in u and vt; "S": their first
+ * min(m, n) columns and rows; "O": those overwrite A (U's when m >= n, Vᵀ's otherwise; the other in
+ * u or vt); "N": values only. lwork = -1 asks for the optimal size in work[0]; iwork: 8 min(m, n).
+ * info = -4 (no message): A holds a NaN; info > 0: the bidiagonal divide and conquer did not
+ * converge. zgesdd computes A = U S Vᴴ and takes rwork (5 min(m, n) doubles for "N", else
+ * max(5k² + 5k, 2 max(m, n) k + 2k² + k) for k = min(m, n)). */
+ZOR_FORTRAN_API void dgesdd(const char* jobz, const zor_int* m, const zor_int* n, double* a, const zor_int* lda,
+                            double* s, double* u, const zor_int* ldu, double* vt, const zor_int* ldvt,
+                            double* work, const zor_int* lwork, zor_int* iwork, zor_int* info,
+                            size_t jobz_length);
+ZOR_FORTRAN_API void zgesdd(const char* jobz, const zor_int* m, const zor_int* n, zor_complex_double* a,
+                            const zor_int* lda, double* s, zor_complex_double* u, const zor_int* ldu,
+                            zor_complex_double* vt, const zor_int* ldvt, zor_complex_double* work,
+                            const zor_int* lwork, double* rwork, zor_int* iwork, zor_int* info,
+                            size_t jobz_length);
+/* The minimum-norm solution of min ||B - A X|| through the SVD of A: b (ldb >= max(1, m, n)) holds
+ * the nrhs right-hand sides on entry and the n by nrhs solution on return; singular values at most
+ * rcond times the largest count as zero (rcond < 0: machine precision), rank receives the number of
+ * the others and s the singular values. lwork = -1 asks for the optimal size in work[0]; iwork[0]
+ * receives the integer workspace needed. info > 0: the bidiagonal solver did not converge. */
+ZOR_FORTRAN_API void dgelsd(const zor_int* m, const zor_int* n, const zor_int* nrhs, double* a, const zor_int* lda,
+                            double* b, const zor_int* ldb, double* s, const double* rcond, zor_int* rank,
+                            double* work, const zor_int* lwork, zor_int* iwork, zor_int* info);
 
 /* ---- The generalized eigenproblem ------------------------------------------------------------- */
 

@@ -152,7 +152,7 @@ ZOR_API void zgees(const char* jobvs, const char* sort, zor_zselect1 select, con
                    zor_complex_double* vs, const zor_int* ldvs, zor_complex_double* work,
                    const zor_int* lwork, double* rwork, zor_int* bwork, zor_int* info, size_t, size_t) {
     // zor_complex_double and the library's complex type are the same two doubles.
-    gees_export<zor::zcomplex>("ZGEES", jobvs, sort, reinterpret_cast<zor::ComplexSelect>(select), n,
+    gees_export<zor::zcomplex>("ZGEES", jobvs, sort, select, n,
                                as_complex(a), lda, sdim, complex_eigenvalues(w), as_complex(vs), ldvs,
                                as_complex(work), lwork, rwork, bwork, info);
 }

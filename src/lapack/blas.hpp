@@ -22,7 +22,9 @@
     X(her2k, dsyr2k, zher2k) X(hemm, dsymm, zhemm)                                                  \
     /* the LAPACK layer's kernels */                                                                \
     X(potf2_upper, dpotf2_upper, zpotf2_upper) X(potf2_lower, dpotf2_lower, zpotf2_lower)          \
-    X(tpsm, dtpsm, ztpsm) X(tpmv, dtpmv, ztpmv) X(hprk, dsprk, zhprk)
+    X(tpsm, dtpsm, ztpsm) X(tpmv, dtpmv, ztpmv) X(hprk, dsprk, zhprk)                               \
+    X(latrd_hemv, dlatrd_symv, zlatrd_hemv) X(sb2st_right, dsb2st_right, zhb2st_right)              \
+    X(sb2st_left, dsb2st_left, zhb2st_left)
 // clang-format on
 
 namespace zor {

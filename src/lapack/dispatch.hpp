@@ -10,7 +10,9 @@
 #define ZOR_LAPACK_KERNELS(X)                                                              \
     X(dpotf2_upper) X(dpotf2_lower) X(zpotf2_upper) X(zpotf2_lower) /* Cholesky steps */   \
     X(dgtts2)                                                       /* tridiagonal solve */ \
-    X(dtpsm) X(ztpsm) X(dtpmv) X(ztpmv) X(dsprk) X(zhprk)           /* packed storage */
+    X(dtpsm) X(ztpsm) X(dtpmv) X(ztpmv) X(dsprk) X(zhprk)           /* packed storage */    \
+    X(dlatrd_symv) X(zlatrd_hemv)                                   /* tridiagonal reduction */ \
+    X(dsb2st_right) X(zhb2st_right) X(dsb2st_left) X(zhb2st_left)
 // clang-format on
 
 namespace zor {

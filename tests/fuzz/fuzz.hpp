@@ -140,8 +140,9 @@ class Call {
     }
     // Whether the model lets the call compute.
     bool computes() const { return !error_ && !quick_; }
-    // Whether the arrays were made in full (not too large to run, when they are a few elements).
-    bool arrays_in_full() const { return !too_large_; }
+    // Whether the arrays have the sizes the arguments claim (the call is not skipped as too large):
+    // only then may a shape fill them with contents of its own.
+    bool full_size() const { return computes() && !too_large_; }
     // A further property of the result (checked inside run); fails the input with `what`.
     void require(bool ok, const char* what);
 

@@ -384,7 +384,7 @@ void tgevc(Call& c, const char* name) {
     const T* p = c.matrix<T>("P", n, n, ldp, Use::In);
     bool sbad = false, pbad = false;
     std::int64_t needed = n;
-    if (c.computes() && c.arrays_in_full() && n > 0) {
+    if (c.full_size() && n > 0) {
         auto sub = [&](const T* m, zor_int ld, std::int64_t i, std::int64_t j) {
             const T& x = m[i + j * std::int64_t{ld}];
             if constexpr (complex) {
@@ -471,6 +471,247 @@ void ggev(Call& c, const char* name) {
         c.run_lapack([&](zor_int* info) {
             f(&jobvl, &jobvr, &n, a, &lda, b, &ldb, alpha, alphai, beta, vl, &ldvl, vr, &ldvr, work, &lwork,
               info, 1, 1);
+// ---- the nonsymmetric eigenproblem -------------------------------------------------------------
+
+// gebal: a NaN in A is reported as argument 3 after the permutation: keep A finite.
+template <class T, auto f>
+void gebal(Call& c, const char* name) {
+    const char job = c.letter("JOB", "NPSB");
+    const zor_int n = c.dimension("N"), lda = c.leading("LDA", n);
+    c.lapack(name, {{!is(job, "NPSB"), 1}, {n < 0, 2}, {lda < max1(n), 4}});
+    T* a = c.matrix<T>("A", n, n, lda, Use::InOut);
+    double* scale = c.array<double>("SCALE", n, Use::InOut);
+    if (c.full_size()) {
+        auto* values = reinterpret_cast<double*>(a);
+        const std::int64_t count =
+            (n > 0 ? (n - 1) * std::int64_t{lda} + n : 0) * std::int64_t{sizeof(T) / sizeof(double)};
+        for (std::int64_t i = 0; i < count; ++i)
+            if (!std::isfinite(values[i])) values[i] = 0.0;
+    }
+    zor_int ilo = 0, ihi = 0;
+    c.run_lapack([&](zor_int* info) { f(&job, &n, a, &lda, &ilo, &ihi, scale, info, 1); });
+}
+
+// gebak: SCALE as gebal leaves it, row indices outside ILO .. IHI and positive factors inside.
+template <class T, auto f>
+void gebak(Call& c, const char* name) {
+    const char job = c.letter("JOB", "NPSB"), side = c.letter("SIDE", "LR");
+    const zor_int n = c.dimension("N"), ilo = c.dimension("ILO"), ihi = c.dimension("IHI");
+    const zor_int m = c.dimension("M"), ldv = c.leading("LDV", n);
+    c.lapack(name, {{!is(job, "NPSB"), 1},
+                    {!is(side, "LR"), 2},
+                    {n < 0, 3},
+                    {ilo < 1 || ilo > max1(n), 4},
+                    {ihi < min_of(ilo, n) || ihi > n, 5},
+                    {m < 0, 7},
+                    {ldv < max1(n), 9}});
+    double* scale = c.array<double>("SCALE", n, Use::In);
+    T* v = c.matrix<T>("V", n, m, ldv, Use::InOut);
+    if (c.full_size()) {
+        for (zor_int i = 0; i < n; ++i)
+            scale[i] = i + 1 < ilo || i + 1 > ihi ? double((i * 7) % n + 1) : std::fabs(scale[i]) + 0.5;
+    }
+    c.run_lapack([&](zor_int* info) { f(&job, &side, &n, &ilo, &ihi, scale, &m, v, &ldv, info, 1, 1); });
+}
+
+// gehrd: the ILO/IHI rules of orghr; LWORK at least max(1, N).
+template <class T, auto f>
+void gehrd(Call& c, const char* name) {
+    const zor_int n = c.dimension("N"), ilo = c.dimension("ILO"), ihi = c.dimension("IHI");
+    const zor_int lda = c.leading("LDA", n);
+    const zor_int lwork = c.workspace("LWORK", max1(n));
+    const bool query = lwork == -1;
+    c.lapack(name, {{n < 0, 1},
+                    {ilo < 1 || ilo > max1(n), 2},
+                    {ihi < min_of(ilo, n) || ihi > n, 3},
+                    {lda < max1(n), 5},
+                    {lwork < max1(n) && !query, 8}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    T* a = c.matrix<T>("A", n, n, lda, out);
+    T* tau = c.array<T>("TAU", below(n, 1), out);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    c.run_lapack([&](zor_int* info) { f(&n, &ilo, &ihi, a, &lda, tau, work, &lwork, info); });
+}
+
+zor_int select_left_half(const double* wr, const double*) {
+    return *wr < 0.0;
+}
+zor_int select_left_half_z(const zor_complex_double* w) {
+    return w->real < 0.0;
+}
+
+// gees: LWORK at least 3 N (dgees) or 2 N (zgees, with RWORK of N), 1 when N is 0; VS only with
+// JOBVS "V", BWORK only when sorting. The complex form has no WI: later parameters are one less.
+template <class T, auto f>
+void gees(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const char jobvs = c.letter("JOBVS", "VN"), sort = c.letter("SORT", "SN");
+    const zor_int n = c.dimension("N"), lda = c.leading("LDA", n), ldvs = c.leading("LDVS", n);
+    const bool wantvs = is(jobvs, "V");
+    const std::int64_t least = n > 0 ? (complex ? 2 : 3) * std::int64_t{n} : 1;
+    const zor_int lwork = c.workspace("LWORK", least);
+    const bool query = lwork == -1;
+    const int shift = complex ? 1 : 0;
+    c.lapack(name, {{!is(jobvs, "VN"), 1},
+                    {!is(sort, "SN"), 2},
+                    {n < 0, 4},
+                    {lda < max1(n), 6},
+                    {ldvs < 1 || (wantvs && ldvs < n), 11 - shift},
+                    {lwork < least && !query, 13 - shift}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    T* a = c.matrix<T>("A", n, n, lda, out);
+    T* vs = c.matrix<T>("VS", wantvs ? n : 0, n, ldvs, wantvs ? out : Use::Untouched);
+    zor_int* bwork = c.array<zor_int>("BWORK", n, is(sort, "S") ? out : Use::Untouched);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    zor_int sdim = 0;
+    if constexpr (complex) {
+        T* w = c.array<T>("W", n, out);
+        double* rwork = c.array<double>("RWORK", n, out);
+        c.run_lapack([&](zor_int* info) {
+            f(&jobvs, &sort, select_left_half_z, &n, a, &lda, &sdim, w, vs, &ldvs, work, &lwork, rwork, bwork,
+              info, 1, 1);
+        });
+    } else {
+        double* wr = c.array<double>("WR", n, out);
+        double* wi = c.array<double>("WI", n, out);
+        c.run_lapack([&](zor_int* info) {
+            f(&jobvs, &sort, select_left_half, &n, a, &lda, &sdim, wr, wi, vs, &ldvs, work, &lwork, bwork,
+              info, 1, 1);
+        });
+    }
+}
+
+// geev: LWORK at least 4 N with vectors, 3 N without (dgeev), 2 N (zgeev, with RWORK of 2 N), 1
+// when N is 0; VL and VR only when asked for.
+template <class T, auto f>
+void geev(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const char jobvl = c.letter("JOBVL", "VN"), jobvr = c.letter("JOBVR", "VN");
+    const zor_int n = c.dimension("N"), lda = c.leading("LDA", n);
+    const zor_int ldvl = c.leading("LDVL", n), ldvr = c.leading("LDVR", n);
+    const bool wantvl = is(jobvl, "V"), wantvr = is(jobvr, "V");
+    const std::int64_t least = n > 0 ? (complex ? 2 : wantvl || wantvr ? 4 : 3) * std::int64_t{n} : 1;
+    const zor_int lwork = c.workspace("LWORK", least);
+    const bool query = lwork == -1;
+    const int shift = complex ? 1 : 0;
+    c.lapack(name, {{!is(jobvl, "VN"), 1},
+                    {!is(jobvr, "VN"), 2},
+                    {n < 0, 3},
+                    {lda < max1(n), 5},
+                    {ldvl < 1 || (wantvl && ldvl < n), 9 - shift},
+                    {ldvr < 1 || (wantvr && ldvr < n), 11 - shift},
+                    {lwork < least && !query, 13 - shift}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    T* a = c.matrix<T>("A", n, n, lda, out);
+    T* vl = c.matrix<T>("VL", wantvl ? n : 0, n, ldvl, wantvl ? out : Use::Untouched);
+    T* vr = c.matrix<T>("VR", wantvr ? n : 0, n, ldvr, wantvr ? out : Use::Untouched);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    if constexpr (complex) {
+        T* w = c.array<T>("W", n, out);
+        double* rwork = c.array<double>("RWORK", 2 * std::int64_t{n}, out);
+        c.run_lapack([&](zor_int* info) {
+            f(&jobvl, &jobvr, &n, a, &lda, w, vl, &ldvl, vr, &ldvr, work, &lwork, rwork, info, 1, 1);
+        });
+    } else {
+        double* wr = c.array<double>("WR", n, out);
+        double* wi = c.array<double>("WI", n, out);
+        c.run_lapack([&](zor_int* info) {
+            f(&jobvl, &jobvr, &n, a, &lda, wr, wi, vl, &ldvl, vr, &ldvr, work, &lwork, info, 1, 1);
+        });
+    }
+}
+
+// trexc on any T (its subdiagonal decides the blocks of the real form); Q only with COMPQ "V".
+template <class T, auto f>
+void trexc(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const char compq = c.letter("COMPQ", "VN");
+    const zor_int n = c.dimension("N"), ldt = c.leading("LDT", n), ldq = c.leading("LDQ", n);
+    zor_int ifst = c.dimension("IFST"), ilst = c.dimension("ILST");
+    const bool wantq = is(compq, "V");
+    c.lapack(name, {{!is(compq, "VN"), 1},
+                    {n < 0, 2},
+                    {ldt < max1(n), 4},
+                    {ldq < 1 || (wantq && ldq < max1(n)), 6},
+                    {(ifst < 1 || ifst > n) && n > 0, 7},
+                    {(ilst < 1 || ilst > n) && n > 0, 8}});
+    T* t = c.matrix<T>("T", n, n, ldt, Use::InOut);
+    T* q = c.matrix<T>("Q", wantq ? n : 0, n, ldq, wantq ? Use::InOut : Use::Untouched);
+    if constexpr (complex) {
+        c.run_lapack([&](zor_int* info) { f(&compq, &n, t, &ldt, q, &ldq, &ifst, &ilst, info, 1); });
+    } else {
+        double* work = c.array<double>("WORK", n, Use::InOut);
+        c.run_lapack([&](zor_int* info) { f(&compq, &n, t, &ldt, q, &ldq, &ifst, &ilst, work, info, 1); });
+    }
+}
+
+// trsyl on any A and B; "T" is valid for the real form only.
+template <class T, auto f>
+void trsyl(Call& c, const char* name) {
+    const char* valid = std::is_same_v<T, Z> ? "NC" : "NTC";
+    const char trana = c.letter("TRANA", valid), tranb = c.letter("TRANB", valid);
+    const zor_int isgn = c.enumeration("ISGN", -1, 3);
+    const zor_int m = c.dimension("M"), n = c.dimension("N");
+    const zor_int lda = c.leading("LDA", m), ldb = c.leading("LDB", n), ldc = c.leading("LDC", m);
+    c.lapack(name, {{!is(trana, valid), 1},
+                    {!is(tranb, valid), 2},
+                    {isgn != 1 && isgn != -1, 3},
+                    {m < 0, 4},
+                    {n < 0, 5},
+                    {lda < max1(m), 7},
+                    {ldb < max1(n), 9},
+                    {ldc < max1(m), 11}});
+    const T* a = c.matrix<T>("A", m, m, lda, Use::In);
+    const T* b = c.matrix<T>("B", n, n, ldb, Use::In);
+    T* cc = c.matrix<T>("C", m, n, ldc, Use::InOut);
+    double scale = 0.0;
+    c.run_lapack([&](zor_int* info) {
+        f(&trana, &tranb, &isgn, &m, &n, a, &lda, b, &ldb, cc, &ldc, &scale, info, 1, 1);
+    });
+}
+
+// ---- the symmetric eigenproblem ----------------------------------------------------------------
+
+// syevd (dsyevd, zheevd): the least LWORK, LRWORK, LIWORK of the published table, all 1 when N <= 1;
+// any of them -1 is a query, which writes only the first element of each work array.
+template <class T, auto f>
+void syevd(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const char jobz = c.letter("JOBZ", "VN"), uplo = c.letter("UPLO", "UL");
+    const zor_int n = c.dimension("N"), lda = c.leading("LDA", n);
+    const bool vectors = is(jobz, "V");
+    const std::int64_t nn = std::int64_t{n} * n;
+    const bool small = n <= 1;
+    const std::int64_t least_work = small     ? 1
+                                    : complex ? (vectors ? 2 * n + nn : n + 1)
+                                    : vectors ? 1 + 6 * n + 2 * nn
+                                              : 2 * n + 1;
+    const std::int64_t least_rwork = small ? 1 : vectors ? 1 + 5 * n + 2 * nn : n;
+    const std::int64_t least_iwork = small || !vectors ? 1 : 3 + 5 * std::int64_t{n};
+    const zor_int lwork = c.workspace("LWORK", least_work);
+    const zor_int lrwork = complex ? c.workspace("LRWORK", least_rwork) : 0;
+    const zor_int liwork = c.workspace("LIWORK", least_iwork);
+    const bool query = lwork == -1 || liwork == -1 || (complex && lrwork == -1);
+    c.lapack(name, {{!is(jobz, "VN"), 1},
+                    {!is(uplo, "UL"), 2},
+                    {n < 0, 3},
+                    {lda < max1(n), 5},
+                    {lwork < least_work && !query, 8},
+                    {complex && lrwork < least_rwork && !query, 10},
+                    {liwork < least_iwork && !query, complex ? 12 : 10}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    T* a = c.matrix<T>("A", n, n, lda, out);
+    double* w = c.array<double>("W", n, out);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    zor_int* iwork = c.array<zor_int>("IWORK", query ? 1 : liwork, Use::InOut);
+    if constexpr (complex) {
+        double* rwork = c.array<double>("RWORK", query ? 1 : lrwork, Use::InOut);
+        c.run_lapack([&](zor_int* info) {
+            f(&jobz, &uplo, &n, a, &lda, w, work, &lwork, rwork, &lrwork, iwork, &liwork, info, 1, 1);
+        });
+    } else {
+        c.run_lapack([&](zor_int* info) {
+            f(&jobz, &uplo, &n, a, &lda, w, work, &lwork, iwork, &liwork, info, 1, 1);
         });
     }
 }
@@ -529,6 +770,68 @@ void gges(Call& c, const char* name) {
         c.run_lapack([&](zor_int* info) {
             f(&jobvsl, &jobvsr, &sort, choose_real, &n, a, &lda, b, &ldb, &sdim, alpha, alphai, beta, vsl,
               &ldvsl, vsr, &ldvsr, work, &lwork, bwork, info, 1, 1, 1);
+// ---- the SVD and least squares ------------------------------------------------------------------
+
+// A NaN in A makes gesdd return info = -4 without a message (as LAPACK 3.10 on): keep A finite.
+template <class T>
+void keep_finite(Call& c, T* a, zor_int m, zor_int n, zor_int lda) {
+    if (!c.full_size() || m <= 0 || n <= 0) return;
+    auto* values = reinterpret_cast<double*>(a);
+    const std::int64_t count = ((n - 1) * std::int64_t{lda} + m) * std::int64_t{sizeof(T) / sizeof(double)};
+    for (std::int64_t i = 0; i < count; ++i)
+        if (!std::isfinite(values[i])) values[i] = 0.0;
+}
+
+// gesdd: the least LWORK of the published paths (k = min(M, N), x = max(M, N); QR or LQ first when
+// x >= 1.6 k); IWORK of 8 k; zgesdd's RWORK 5 k ("N") or max(5k² + 5k, 2xk + 2k² + k).
+template <class T, auto f>
+void gesdd(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const char jobz = c.letter("JOBZ", "ASON");
+    const zor_int m = c.dimension("M"), n = c.dimension("N"), lda = c.leading("LDA", m);
+    const zor_int ldu = c.leading("LDU", m), ldvt = c.leading("LDVT", n);
+    const bool all = is(jobz, "A"), some = is(jobz, "S"), over = is(jobz, "O"), none = is(jobz, "N");
+    const std::int64_t k = min_of(m, n), x = max_of(m, n);
+    std::int64_t least = 1;
+    if (k > 0 && (all || some || over || none)) {
+        const bool first = x >= static_cast<std::int64_t>(static_cast<float>(k) * 1.6f);
+        const std::int64_t bd = none ? 7 * k : 3 * k * k + 4 * k, kk = k * k;
+        if (first) {
+            least = none   ? (complex ? 3 * k : bd + k)
+                    : over ? (complex ? 2 * kk + 3 * k : bd + 2 * kk + 3 * k)
+                    : some ? (complex ? kk + 3 * k : bd + kk + 3 * k)
+                           : (complex ? kk + 2 * k + x : kk + max_of(3 * k + bd, k + x));
+        } else {
+            least = complex ? 2 * k + x + (over ? kk : 0) : 3 * k + max_of(x, (over ? kk : 0) + bd);
+        }
+    }
+    const zor_int lwork = c.workspace("LWORK", least);
+    const bool query = lwork == -1;
+    c.lapack(name, {{!(all || some || over || none), 1},
+                    {m < 0, 2},
+                    {n < 0, 3},
+                    {lda < max1(m), 5},
+                    {ldu < 1 || ((all || some) && ldu < m) || (over && m < n && ldu < m), 8},
+                    {ldvt < 1 || (all && ldvt < n) || (some && ldvt < k) || (over && m >= n && ldvt < n), 10},
+                    {lwork < least && !query && m >= 0 && n >= 0, 12}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    T* a = c.matrix<T>("A", m, n, lda, out);
+    double* s = c.array<double>("S", k, out);
+    const bool u_used = all || some || (over && m < n), vt_used = all || some || (over && m >= n);
+    T* u = c.matrix<T>("U", u_used ? m : 0, all ? m : k, ldu, u_used ? out : Use::Untouched);
+    T* vt = c.matrix<T>("VT", vt_used ? (all ? n : k) : 0, n, ldvt, vt_used ? out : Use::Untouched);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    zor_int* iwork = c.array<zor_int>("IWORK", 8 * k, out);
+    keep_finite(c, a, m, n, lda);
+    if constexpr (complex) {
+        const std::int64_t lrwork = none ? 5 * k : max_of(5 * k * k + 5 * k, 2 * x * k + 2 * k * k + k);
+        double* rwork = c.array<double>("RWORK", lrwork, out);
+        c.run_lapack([&](zor_int* info) {
+            f(&jobz, &m, &n, a, &lda, s, u, &ldu, vt, &ldvt, work, &lwork, rwork, iwork, info, 1);
+        });
+    } else {
+        c.run_lapack([&](zor_int* info) {
+            f(&jobz, &m, &n, a, &lda, s, u, &ldu, vt, &ldvt, work, &lwork, iwork, info, 1);
         });
     }
 }
@@ -568,6 +871,44 @@ void tgexc(Call& c, const char* name) {
             f(&wantq, &wantz, &n, a, &lda, b, &ldb, q, &ldq, z, &ldz, &ifst, &ilst, work, &lwork, info);
         });
     }
+// dgelsd: the least LWORK is max(3k + rows reduced, 3k + NRHS, 3k + lalsd's 9k + 2k·25 + 8k·levels +
+// k·NRHS + 26²) with k = min(M, N), the rows reduced N after a QR factorization (M >= 1.6 N), else M.
+void dgelsd_(Call& c) {
+    const zor_int m = c.dimension("M"), n = c.dimension("N"), nrhs = c.dimension("NRHS");
+    const zor_int lda = c.leading("LDA", m), ldb = c.leading("LDB", max_of(m, n));
+    const double rcond = c.real("RCOND");
+    const std::int64_t k = min_of(m, n);
+    std::int64_t least = 1;
+    if (k > 0 && nrhs >= 0) {
+        const std::int64_t levels =
+            max_of(0, static_cast<std::int64_t>(std::log(static_cast<double>(k) / 26.0) / std::log(2.0)) + 1);
+        const std::int64_t lalsd = 9 * k + 2 * k * 25 + 8 * k * levels + k * nrhs + 26 * 26;
+        const bool qr_first = m >= n && m >= static_cast<std::int64_t>(static_cast<float>(n) * 1.6f);
+        const std::int64_t rows = m >= n ? (qr_first ? n : m) : m;
+        least = max_of(3 * k + rows, max_of(3 * k + nrhs, 3 * k + lalsd));
+    }
+    const zor_int lwork = c.workspace("LWORK", least);
+    const bool query = lwork == -1;
+    c.lapack("DGELSD", {{m < 0, 1},
+                        {n < 0, 2},
+                        {nrhs < 0, 3},
+                        {lda < max1(m), 5},
+                        {ldb < max1(max_of(m, n)), 7},
+                        {lwork < least && !query && m >= 0 && n >= 0 && nrhs >= 0, 12}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    double* a = c.matrix<double>("A", m, n, lda, out);
+    double* b = c.matrix<double>("B", max_of(m, n), nrhs, ldb, out);
+    double* s = c.array<double>("S", k, out);
+    double* work = c.array<double>("WORK", query ? 1 : lwork, Use::InOut);
+    const std::int64_t levels =
+        k > 0 ? max_of(0,
+                       static_cast<std::int64_t>(std::log(static_cast<double>(k) / 26.0) / std::log(2.0)) + 1)
+              : 0;
+    zor_int* iwork = c.array<zor_int>("IWORK", max1(3 * max1(k) * levels + 11 * max1(k)), Use::InOut);
+    zor_int rank = 0;
+    c.run_lapack([&](zor_int* info) {
+        dgelsd(&m, &n, &nrhs, a, &lda, b, &ldb, s, &rcond, &rank, work, &lwork, iwork, info);
+    });
 }
 
 // ---- auxiliaries: no argument checks ------------------------------------------------------------
@@ -639,6 +980,17 @@ constexpr Export kExports[] = {
     ZOR_FUZZ_EXPORTS(ggev, ggev, "GGEV"),
     ZOR_FUZZ_EXPORTS(gges, gges, "GGES"),
     ZOR_FUZZ_EXPORTS(tgexc, tgexc, "TGEXC"),
+    ZOR_FUZZ_EXPORTS(gebal, gebal, "GEBAL"),
+    ZOR_FUZZ_EXPORTS(gebak, gebak, "GEBAK"),
+    ZOR_FUZZ_EXPORTS(gehrd, gehrd, "GEHRD"),
+    ZOR_FUZZ_EXPORTS(gees, gees, "GEES "),
+    ZOR_FUZZ_EXPORTS(geev, geev, "GEEV "),
+    ZOR_FUZZ_EXPORTS(trexc, trexc, "TREXC"),
+    ZOR_FUZZ_EXPORTS(trsyl, trsyl, "TRSYL"),
+    ZOR_FUZZ_EXPORT(dsyevd, syevd, D, "DSYEVD"),
+    ZOR_FUZZ_EXPORT(zheevd, syevd, Z, "ZHEEVD"),
+    ZOR_FUZZ_EXPORTS(gesdd, gesdd, "GESDD"),
+    {"dgelsd", dgelsd_},
     {"dlapy2", dlapy2_},
     {"zdrot", zdrot_},
     {"zrotg_", zrotg_fuzz},

@@ -197,9 +197,9 @@ std::int32_t negative_real(const double* re, const double* im) {
     if (re < SelectLog::first || re >= SelectLog::last || im == nullptr) SelectLog::outside = true;
     return *re < 0 ? 1 : 0;
 }
-std::int32_t negative_real_complex(const zcomplex* w) {
+std::int32_t negative_real_complex(const zor_complex_double* w) {
     ++SelectLog::calls;
-    return w->re < 0 ? 1 : 0;
+    return w->real < 0 ? 1 : 0;
 }
 
 template <class T>

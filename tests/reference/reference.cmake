@@ -36,10 +36,19 @@ if(NOT WIN32 AND NOT ZOR_SANITIZER AND EXISTS ${ZOR_REFERENCE_PROGRAMS}/xlintstd
     zor_add_reference_test(xeigtstz eig/zbak.in)
 
     # The generalized eigenproblem: the Hessenberg-triangular reduction, QZ and the eigenvectors
-    # (dgg.in, zgg.in), and the drivers (dgd.in, zgd.in; their Schur-form drivers are reference
-    # LAPACK's own, running on zor's QZ).
+    # (dgg.in, zgg.in), and the drivers (dgd.in, zgd.in: dgges and dggev, and reference LAPACK's
+    # blocked and expert drivers running on zor's QZ, eigenvectors and reordering).
     zor_add_reference_test(xeigtstd eig/dgg.in)
     zor_add_reference_test(xeigtstz eig/zgg.in)
     zor_add_reference_test(xeigtstd eig/dgd.in)
     zor_add_reference_test(xeigtstz eig/zgd.in)
+
+    # The symmetric eigenproblem path (SEP) of the eigenvalue programs: dsyevd and zheevd.
+    zor_add_reference_test(xeigtstd eig/dsep.in)
+    zor_add_reference_test(xeigtstz eig/zsep.in)
+    # The least-squares path (dgelsd among the drivers) and the SVD path of the eigenproblem
+    # programs (dgesdd, zgesdd), on inputs of the project's own in the published format.
+    zor_add_reference_test(xlintstd lin/dls.in)
+    zor_add_reference_test(xeigtstd eig/dsvd.in)
+    zor_add_reference_test(xeigtstz eig/zsvd.in)
 endif()

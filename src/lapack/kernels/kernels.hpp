@@ -8,6 +8,8 @@
 // starts r·ld + g·r(r-1)/2 elements after column 0, so g = 0 is ordinary storage, g = 1 the columns
 // of an upper triangle (each one longer) and g = -1 those of a lower triangle (each one shorter).
 
+#include <cstdint>
+
 #include "service/dispatch.hpp"
 #include "service/types.hpp"
 
@@ -40,7 +42,40 @@ ZOR_DECLARE_VARIANTS(
     void dsprk(const char& uplo, const zint& n, const zint& k, const double& alpha, const double* x,
                const zint& ldx, const zint& growth, double* ap);
     void zhprk(const char& uplo, const zint& n, const zint& k, const double& alpha, const zcomplex* x,
-               const zint& ldx, const zint& growth, zcomplex* ap);)
+               const zint& ldx, const zint& growth, zcomplex* ap);
+
+    // y := A x for the symmetric (Hermitian) n by n A of the stored triangle uplo, unit strides: the
+    // product of each step of the tridiagonal reduction (the Hermitian diagonal taken as real).
+    void dlatrd_symv(const char& uplo, const zint& n, const double* a, const zint& lda, const double* x,
+                     double* y);
+    void zlatrd_hemv(const char& uplo, const zint& n, const zcomplex* a, const zint& lda, const zcomplex* x,
+                     zcomplex* y);
+    // The same with the extensions beyond AVX to use (read by the Avx variant only), for the tests.
+    void dlatrd_symv_with(std::uint32_t extensions, const char& uplo, const zint& n, const double* a,
+                          const zint& lda, const double* x, double* y);
+    void zlatrd_hemv_with(std::uint32_t extensions, const char& uplo, const zint& n, const zcomplex* a,
+                          const zint& lda, const zcomplex* x, zcomplex* y);
+
+    // The steps of the two-stage reduction's bulge chase, H = I - tau v vᴴ. right: B := B H for the
+    // rows by cols B (H of order cols; w: rows elements of scratch). left: B := Hᴴ B for the rows by
+    // cols B (cols may be 0) and D := Hᴴ D H for the rows by rows Hermitian D of the lower triangle,
+    // its diagonal kept real (H of order rows; w: rows elements of scratch); B and D share ld.
+    void dsb2st_right(const zint& rows, const zint& cols, double* b, const zint& ldb, const double* v,
+                      const double& tau, double* w);
+    void zhb2st_right(const zint& rows, const zint& cols, zcomplex* b, const zint& ldb, const zcomplex* v,
+                      const zcomplex& tau, zcomplex* w);
+    void dsb2st_left(const zint& rows, const zint& cols, double* b, double* d, const zint& ld,
+                     const double* v, const double& tau, double* w);
+    void zhb2st_left(const zint& rows, const zint& cols, zcomplex* b, zcomplex* d, const zint& ld,
+                     const zcomplex* v, const zcomplex& tau, zcomplex* w);
+    void dsb2st_right_with(std::uint32_t extensions, const zint& rows, const zint& cols, double* b,
+                           const zint& ldb, const double* v, const double& tau, double* w);
+    void zhb2st_right_with(std::uint32_t extensions, const zint& rows, const zint& cols, zcomplex* b,
+                           const zint& ldb, const zcomplex* v, const zcomplex& tau, zcomplex* w);
+    void dsb2st_left_with(std::uint32_t extensions, const zint& rows, const zint& cols, double* b, double* d,
+                          const zint& ld, const double* v, const double& tau, double* w);
+    void zhb2st_left_with(std::uint32_t extensions, const zint& rows, const zint& cols, zcomplex* b,
+                          zcomplex* d, const zint& ld, const zcomplex* v, const zcomplex& tau, zcomplex* w);)
 
 namespace zor {
 ZOR_INLINE_BEGIN

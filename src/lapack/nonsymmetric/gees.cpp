@@ -21,7 +21,7 @@ inline bool selected(RealSelect select, Eigenvalues<double> w, zint i) {
     return select(w.re + i, w.im + i) != 0;
 }
 inline bool selected(ComplexSelect select, Eigenvalues<zcomplex> w, zint i) {
-    return select(w.w + i) != 0;
+    return select(reinterpret_cast<const zor_complex_double*>(w.w + i)) != 0;
 }
 
 // Real data scaled back towards underflow: a 2 by 2 block whose off-diagonal entries underflowed

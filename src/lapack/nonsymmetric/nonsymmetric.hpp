@@ -17,14 +17,16 @@
 
 #include "lapack/schur/schur.hpp"
 #include "service/types.hpp"
+#include "zor/zor_config.h"
 
 namespace zor {
 
 // The caller's choice of eigenvalues for the top of a sorted Schur form, in the Fortran
 // convention: the eigenvalue by reference (real data: its real and imaginary parts), a 32-bit
-// logical answer, nonzero for selected.
+// logical answer, nonzero for selected. A complex eigenvalue goes as the caller's own complex type
+// (the same two doubles as zcomplex): calling through a pointer of another type is undefined.
 using RealSelect = std::int32_t (*)(const double* re, const double* im);
-using ComplexSelect = std::int32_t (*)(const zcomplex* w);
+using ComplexSelect = std::int32_t (*)(const zor_complex_double* w);
 template <class T>
 using EigenvalueSelect = std::conditional_t<kIsComplex<T>, ComplexSelect, RealSelect>;
 

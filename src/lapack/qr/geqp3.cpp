@@ -72,7 +72,8 @@ void geqp3(zint m, zint n, T* a, zint lda, zint* jpvt, T* tau, T* work, zint lwo
         // A stop asked for by the progress handler leaves the matrix partly factored.
         if (geqrf(m, na, a, lda, tau, work, lwork, sub_info)) return;
         used = max_of(used, static_cast<zint>(real(work[0])));
-        if (na < n) {
+        // With no rows there is nothing to apply (and lwork may be 1, too small for ormqr).
+        if (na > 0 && na < n) {
             ormqr('L', kAdjoint<T>, m, n - na, na, a, lda, tau, A(0, na), lda, work, lwork, sub_info);
             used = max_of(used, static_cast<zint>(real(work[0])));
         }

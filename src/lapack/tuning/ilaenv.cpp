@@ -203,6 +203,12 @@ zint pbtrf_block(const TuningRequest& r) {
     return r.n2 <= 64 ? 1 : 32;
 }
 
+// Query 1 for the first stage of the two-stage tridiagonal reduction: the band's width. A wider
+// band makes the first stage's products larger and the second stage's chase longer.
+zint band_width(const TuningRequest& r) {
+    return r.n1 < 3000 ? 32 : 64;
+}
+
 constexpr Precision kAny = Precision::Any;
 constexpr Precision kReal = Precision::Real;
 constexpr Precision kComplex = Precision::Complex;
@@ -236,6 +242,8 @@ constexpr TuningEntry kTuningTable[] = {
     {1, kAny, "LA", "UUM", 64},
     {1, kReal, "ST", "EBZ", 1},
     {1, kAny, "GG", "HD3", 32},
+    {1, kReal, "SY", "2SB", 0, &band_width},
+    {1, kComplex, "HE", "2HB", 0, &band_width},
     // Query 2: the smallest block size worth blocking NBMIN.
     {2, kAny, "GE", "QRF RQF LQF QLF HRD BRD TRI QP3", 2},
     {2, kAny, "SY", "TRF", 8},
@@ -255,6 +263,8 @@ constexpr TuningEntry kTuningTable[] = {
     {3, kReal, "OR", kQFamilies, 128},
     {3, kComplex, "UN", kQFamilies, 128},
     {3, kAny, "GG", "HD3", 128},
+    {3, kReal, "SY", "2SB", 1500},
+    {3, kComplex, "HE", "2HB", 1500},
     // Query 7: the algorithm switch of the generalized Hessenberg reduction and QZ.
     {7, kAny, "HG", "EQZ", 0, &qz_switch},
     {7, kAny, "GG", "HRD", 0, &qz_switch},
