@@ -127,6 +127,43 @@ void tgevc(char side, char howmny, const zint* select, zint n, const T* s, zint 
         kIsComplex<T> ? reinterpret_cast<zcomplex*>(work) : reinterpret_cast<zcomplex*>(base + 2 * n);
     zcomplex* full = x + n;
 
+    // x(1 .. rows) -= C(1 .. rows, k) x(k), C = acoef S - bcoef P, by columns of S and P (real
+    // data: the real and imaginary parts of x as strided views, the imaginary one only when needed).
+    auto update_right = [&](const VectorSolve<T>& v, zint k, zint rows) {
+        if (rows <= 0) return;
+        const zcomplex xk = x[k - 1];
+        const zcomplex bx = v.bcoef * xk;
+        if constexpr (kIsComplex<T>) {
+            Blas<T>::axpy(rows, -(v.acoef * xk), S.at(1, k), 1, x, 1);
+            Blas<T>::axpy(rows, bx, P.at(1, k), 1, x, 1);
+        } else {
+            double* xd = reinterpret_cast<double*>(x);
+            Blas<T>::axpy(rows, -v.acoef * xk.re, S.at(1, k), 1, xd, 2);
+            Blas<T>::axpy(rows, bx.re, P.at(1, k), 1, xd, 2);
+            if (xk.im != 0.0 || bx.im != 0.0) {
+                Blas<T>::axpy(rows, -v.acoef * xk.im, S.at(1, k), 1, xd + 1, 2);
+                Blas<T>::axpy(rows, bx.im, P.at(1, k), 1, xd + 1, 2);
+            }
+        }
+    };
+    // The sum of conj(C(k, r)) x(k) over k = from .. to, by dot products with S's and P's columns.
+    auto left_sum = [&](const VectorSolve<T>& v, zint r, zint from, zint to) -> zcomplex {
+        const zint len = to - from + 1;
+        if (len <= 0) return {0.0, 0.0};
+        zcomplex sx, px;
+        if constexpr (kIsComplex<T>) {
+            sx = Blas<T>::dotc(len, S.at(from, r), 1, x + from - 1, 1);
+            px = Blas<T>::dotc(len, P.at(from, r), 1, x + from - 1, 1);
+        } else {
+            const double* xd = reinterpret_cast<const double*>(x + from - 1);
+            sx = {Blas<T>::dotc(len, S.at(from, r), 1, xd, 2),
+                  Blas<T>::dotc(len, S.at(from, r), 1, xd + 1, 2)};
+            px = {Blas<T>::dotc(len, P.at(from, r), 1, xd, 2),
+                  Blas<T>::dotc(len, P.at(from, r), 1, xd + 1, 2)};
+        }
+        return v.acoef * sx - conj(v.bcoef) * px;
+    };
+
     // Solves for the vector of the block at rows jb .. jb + nb - 1 (nb 1 or 2) with eigenvalue
     // columns written to `out` (one column, or two for a complex pair of real data).
     auto one_vector = [&](zint jb, zint nb, bool leftside, T* out, zint ldout, zint columns) {
@@ -234,23 +271,19 @@ void tgevc(char side, char howmny, const zint* select, zint n, const T* s, zint 
             if (!leftside) {
                 const zint top = jb;
                 // rhs := -C(1 .. top - 1, block) x(block)
-                for (zint k = jb; k < jb + nb; ++k)
-                    for (zint i = 1; i < top; ++i) x[i - 1] = x[i - 1] - v.entry(i, k, false) * x[k - 1];
+                for (zint k = jb; k < jb + nb; ++k) update_right(v, k, top - 1);
                 for (zint j = top - 1; j >= 1;) {
                     const zint jn = (j > 1 && pair_at(S, n, j - 1)) ? 2 : 1;
                     const zint j0 = j - jn + 1;
                     solve_block(j0, jn);
-                    for (zint k = j0; k <= j; ++k)
-                        for (zint i = 1; i < j0; ++i) x[i - 1] = x[i - 1] - v.entry(i, k, false) * x[k - 1];
+                    for (zint k = j0; k <= j; ++k) update_right(v, k, j0 - 1);
                     j = j0 - 1;
                 }
             } else {
                 for (zint j = jb + nb; j <= n;) {
                     const zint jn = pair_at(S, n, j) ? 2 : 1;
                     for (zint r = j; r < j + jn; ++r) {
-                        zcomplex sum{0.0, 0.0};
-                        for (zint k = jb; k < j; ++k) sum = sum + v.entry(k, r, true) * x[k - 1];
-                        x[r - 1] = -sum;
+                        x[r - 1] = -left_sum(v, r, jb, j - 1);
                     }
                     solve_block(j, jn);
                     j += jn;
@@ -263,13 +296,15 @@ void tgevc(char side, char howmny, const zint* select, zint n, const T* s, zint 
         if (back) {
             const T* basis = leftside ? vl : vr;
             const zint ldb = leftside ? ldvl : ldvr;
-            for (zint i = 0; i < n; ++i) {
-                zcomplex sum{0.0, 0.0};
-                for (zint k = lo; k <= hi; ++k) {
-                    const T q = basis[i + (k - 1) * ldb];
-                    sum = sum + zcomplex{real(q), imag(q)} * x[k - 1];
-                }
-                full[i] = sum;
+            const T* first = basis + (lo - 1) * ldb;
+            if constexpr (kIsComplex<T>) {
+                Blas<T>::gemv('N', n, hi - lo + 1, one<T>(), first, ldb, x + lo - 1, 1, zero<T>(), full, 1);
+            } else {
+                // Real and imaginary parts apart, each a strided view of the complex values.
+                const double* xd = reinterpret_cast<const double*>(x + lo - 1);
+                double* fd = reinterpret_cast<double*>(full);
+                Blas<T>::gemv('N', n, hi - lo + 1, 1.0, first, ldb, xd, 2, 0.0, fd, 2);
+                Blas<T>::gemv('N', n, hi - lo + 1, 1.0, first, ldb, xd + 1, 2, 0.0, fd + 1, 2);
             }
             result = full;
         } else {
