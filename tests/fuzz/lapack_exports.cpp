@@ -830,8 +830,9 @@ void ggev(Call& c, const char* name) {
                     {ldvr < 1 || (wantr && ldvr < n), 14 - shift},
                     {lwork < least && !query, 16 - shift}});
     const Use out = query ? Use::Untouched : Use::InOut;
-    auto [a, b, alpha, alphai, beta, vl, vr, work] =
-        pencil_arrays<T>(c, n, lda, ldb, "VL", wantl, ldvl, "VR", wantr, ldvr, lwork);
+    const PencilArrays<T> p = pencil_arrays<T>(c, n, lda, ldb, "VL", wantl, ldvl, "VR", wantr, ldvr, lwork);
+    T *a = p.a, *b = p.b, *alpha = p.alpha, *beta = p.beta, *vl = p.vl, *vr = p.vr, *work = p.work;
+    double* alphai = p.alphai;
     if constexpr (complex) {
         double* rwork = c.array<double>("RWORK", 8 * std::int64_t{n}, out);
         c.run_lapack([&](zor_int* info) {
@@ -879,8 +880,10 @@ void gges(Call& c, const char* name) {
                     {ldvsr < 1 || (wantr && ldvsr < n), 17 - shift},
                     {lwork < least && !query, 19 - shift}});
     const Use out = query ? Use::Untouched : Use::InOut;
-    auto [a, b, alpha, alphai, beta, vsl, vsr, work] =
+    const PencilArrays<T> p =
         pencil_arrays<T>(c, n, lda, ldb, "VSL", wantl, ldvsl, "VSR", wantr, ldvsr, lwork);
+    T *a = p.a, *b = p.b, *alpha = p.alpha, *beta = p.beta, *vsl = p.vl, *vsr = p.vr, *work = p.work;
+    double* alphai = p.alphai;
     const bool sorting = is(sort, "S") && !query;
     zor_int* bwork = c.array<zor_int>("BWORK", sorting ? n : 1, sorting ? Use::InOut : Use::Untouched);
     zor_int sdim = 0;
