@@ -156,10 +156,12 @@ void tgevc(char side, char howmny, const zint* select, zint n, const T* s, zint 
             px = Blas<T>::dotc(len, P.at(from, r), 1, x + from - 1, 1);
         } else {
             const double* xd = reinterpret_cast<const double*>(x + from - 1);
+            // A real eigenvalue has a real vector: its imaginary parts are zero.
+            const bool pair = v.bcoef.im != 0.0;
             sx = {Blas<T>::dotc(len, S.at(from, r), 1, xd, 2),
-                  Blas<T>::dotc(len, S.at(from, r), 1, xd + 1, 2)};
+                  pair ? Blas<T>::dotc(len, S.at(from, r), 1, xd + 1, 2) : 0.0};
             px = {Blas<T>::dotc(len, P.at(from, r), 1, xd, 2),
-                  Blas<T>::dotc(len, P.at(from, r), 1, xd + 1, 2)};
+                  pair ? Blas<T>::dotc(len, P.at(from, r), 1, xd + 1, 2) : 0.0};
         }
         return v.acoef * sx - conj(v.bcoef) * px;
     };
@@ -304,7 +306,11 @@ void tgevc(char side, char howmny, const zint* select, zint n, const T* s, zint 
                 const double* xd = reinterpret_cast<const double*>(x + lo - 1);
                 double* fd = reinterpret_cast<double*>(full);
                 Blas<T>::gemv('N', n, hi - lo + 1, 1.0, first, ldb, xd, 2, 0.0, fd, 2);
-                Blas<T>::gemv('N', n, hi - lo + 1, 1.0, first, ldb, xd + 1, 2, 0.0, fd + 1, 2);
+                if (columns == 2) {
+                    Blas<T>::gemv('N', n, hi - lo + 1, 1.0, first, ldb, xd + 1, 2, 0.0, fd + 1, 2);
+                } else {
+                    for (zint i = 0; i < n; ++i) full[i].im = 0.0;
+                }
             }
             result = full;
         } else {
