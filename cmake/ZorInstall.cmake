@@ -9,11 +9,11 @@ install(TARGETS zor EXPORT zorTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-set(_zor_headers zor.h zor_cblas.h zor_config.h zor_lapack.h zor_memory.h)
-if(ZOR_FORTRAN_BLAS_NAMES)
-    list(APPEND _zor_headers zor_blas.h)
+# Every public header; the Fortran BLAS names' one only with the build that exports them.
+file(GLOB _zor_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/zor/*.h)
+if(NOT ZOR_FORTRAN_BLAS_NAMES)
+    list(FILTER _zor_headers EXCLUDE REGEX "/zor_blas\\.h$")
 endif()
-list(TRANSFORM _zor_headers PREPEND ${PROJECT_SOURCE_DIR}/include/zor/)
 install(FILES ${_zor_headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zor)
 
 set(_zor_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zor)
@@ -24,5 +24,19 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/zorConfigVersion.cmake CO
 install(FILES ${PROJECT_BINARY_DIR}/zorConfig.cmake ${PROJECT_BINARY_DIR}/zorConfigVersion.cmake
     DESTINATION ${_zor_package_dir})
 
+# zor.pc lies in <libdir>/pkgconfig, which may be more than one folder deep (lib/x86_64-linux-gnu
+# under /usr on Debian): the way up to the prefix is counted from it. Folders given as absolute
+# paths stay absolute.
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}" OR IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDEDIR}")
+    set(ZOR_PC_PREFIX "${CMAKE_INSTALL_PREFIX}")
+    set(ZOR_PC_LIBDIR "${CMAKE_INSTALL_FULL_LIBDIR}")
+    set(ZOR_PC_INCLUDEDIR "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
+else()
+    file(RELATIVE_PATH _zor_up /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+    string(REGEX REPLACE "/$" "" _zor_up "${_zor_up}")
+    set(ZOR_PC_PREFIX "\${pcfiledir}/${_zor_up}")
+    set(ZOR_PC_LIBDIR "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
+    set(ZOR_PC_INCLUDEDIR "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
+endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/zor.pc.in ${PROJECT_BINARY_DIR}/zor.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/zor.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

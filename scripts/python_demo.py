@@ -80,7 +80,7 @@ def run(out, n, rounds):
 
 def served():
     """The file each of a few entry points resolves to in this process."""
-    process = ctypes.CDLL(None)
+    la.solve(np.eye(2), np.ones(2))  # loads scipy's LAPACK wrappers and with them the libraries
     maps = []
     with open("/proc/self/maps") as f:
         for line in f:
@@ -88,11 +88,19 @@ def served():
             if len(fields) >= 6:
                 lo, hi = (int(x, 16) for x in fields[0].split("-"))
                 maps.append((lo, hi, fields[5]))
-    la.solve(np.eye(2), np.ones(2))  # loads scipy's LAPACK wrappers and with them the libraries
+    # numpy and scipy load the system libraries privately: a name not in the global scope is looked
+    # up in the BLAS/LAPACK files the process mapped, as their wrappers resolve it.
+    libraries = sorted({path for _, _, path in maps if "blas" in path or "lapack" in path})
+    scopes = [ctypes.CDLL(None)] + [ctypes.CDLL(path) for path in libraries]
     for symbol in ("cblas_dgemm", "dgemm_", "dgesv_", "dsyevd_"):
-        try:
-            address = ctypes.cast(getattr(process, symbol), ctypes.c_void_p).value
-        except AttributeError:
+        address = None
+        for scope in scopes:
+            try:
+                address = ctypes.cast(getattr(scope, symbol), ctypes.c_void_p).value
+                break
+            except AttributeError:
+                continue
+        if address is None:
             print(f"{symbol}: not loaded")
             continue
         where = next((path for lo, hi, path in maps if lo <= address < hi), "?")

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what building zor needs on a Debian machine; with --tests, also what its tests need
-# (the Windows cross compilers, Wine, qemu-user, GoogleTest, valgrind, clang with libFuzzer, and
-# reference LAPACK with its test programs, which the "reference" tests run); with --demo, what the
+# (the Windows cross compilers, Wine, qemu-user, GoogleTest, valgrind, clang with libFuzzer,
+# pkg-config for the install test, and reference LAPACK and BLAS with their test programs, which the
+# "reference" and "dropin" tests run); with --demo, what the
 # demonstration and the benchmarks compare and draw with (Debian's serial OpenBLAS and BLIS,
 # reference LAPACK, gnuplot); with --python and --scalapack, what the numpy/scipy and ScaLAPACK
 # demonstrations run.
@@ -10,7 +11,7 @@ packages=(cmake ninja-build g++ ccache binutils)
 if [ "${1:-}" = --tests ]; then
     packages+=(googletest gcc-mingw-w64-x86-64 g++-mingw-w64-x86-64 binutils-mingw-w64-x86-64 wine64 qemu-user
                libc-bin valgrind clang libclang-rt-14-dev libscalapack-openmpi-dev openmpi-bin
-               libopenmpi-dev liblapack3 libblas3 liblapack-test libblas-test)
+               libopenmpi-dev liblapack3 libblas3 liblapack-test libblas-test pkg-config)
 fi
 if [ "${1:-}" = --python ]; then
     packages+=(python3-scipy python3-pytest libopenblas0-serial liblapack3 libblas3)

@@ -28,6 +28,11 @@ constexpr const char* routine_name(const char* real, const char* complex) {
 }
 
 // The transpose letter that conjugates for complex elements: "T" for real, "C" for complex.
+// Orders beyond which no matrix fits in memory. Workspace formulas with squares of orders would
+// overflow 64 bits past them: the drivers answer kUnattainable (any lwork is too small) instead.
+inline constexpr zint kLargestOrder = zint{1} << 28;
+inline constexpr zint kUnattainable = zint{1} << 62;
+
 template <class T>
 inline constexpr char kAdjoint = kIsComplex<T> ? 'C' : 'T';
 

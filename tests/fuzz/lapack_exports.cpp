@@ -494,14 +494,18 @@ void syevd(Call& c, const char* name) {
     const char jobz = c.letter("JOBZ", "VN"), uplo = c.letter("UPLO", "UL");
     const zor_int n = c.dimension("N"), lda = c.leading("LDA", n);
     const bool vectors = is(jobz, "V");
-    const std::int64_t nn = std::int64_t{n} * n;
+    const std::int64_t N = n, nn = N * N;
     const bool small = n <= 1;
+    // Orders past 2^28 need more than any lwork can say: the library answers 2^62.
+    constexpr std::int64_t kUnattainable = std::int64_t{1} << 62;
+    const bool huge = N > (std::int64_t{1} << 28);
     const std::int64_t least_work = small     ? 1
-                                    : complex ? (vectors ? 2 * n + nn : n + 1)
-                                    : vectors ? 1 + 6 * n + 2 * nn
-                                              : 2 * n + 1;
-    const std::int64_t least_rwork = small ? 1 : vectors ? 1 + 5 * n + 2 * nn : n;
-    const std::int64_t least_iwork = small || !vectors ? 1 : 3 + 5 * std::int64_t{n};
+                                    : huge    ? kUnattainable
+                                    : complex ? (vectors ? 2 * N + nn : N + 1)
+                                    : vectors ? 1 + 6 * N + 2 * nn
+                                              : 2 * N + 1;
+    const std::int64_t least_rwork = small ? 1 : huge ? kUnattainable : vectors ? 1 + 5 * N + 2 * nn : N;
+    const std::int64_t least_iwork = small || !vectors ? 1 : huge ? kUnattainable : 3 + 5 * N;
     const zor_int lwork = c.workspace("LWORK", least_work);
     const zor_int lrwork = complex ? c.workspace("LRWORK", least_rwork) : 0;
     const zor_int liwork = c.workspace("LIWORK", least_iwork);
@@ -551,9 +555,11 @@ void gesdd(Call& c, const char* name) {
     const zor_int m = c.dimension("M"), n = c.dimension("N"), lda = c.leading("LDA", m);
     const zor_int ldu = c.leading("LDU", m), ldvt = c.leading("LDVT", n);
     const bool all = is(jobz, "A"), some = is(jobz, "S"), over = is(jobz, "O"), none = is(jobz, "N");
-    const std::int64_t k = min_of(m, n), x = max_of(m, n);
+    const std::int64_t k = max_of(min_of(m, n), 0), x = max_of(max_of(m, n), 0);
     std::int64_t least = 1;
-    if (k > 0 && (all || some || over || none)) {
+    if (k > (std::int64_t{1} << 28)) {
+        least = std::int64_t{1} << 62;  // past any lwork, as the library answers
+    } else if (k > 0 && (all || some || over || none)) {
         const bool first = x >= static_cast<std::int64_t>(static_cast<float>(k) * 1.6f);
         const std::int64_t bd = none ? 7 * k : 3 * k * k + 4 * k, kk = k * k;
         if (first) {
@@ -582,9 +588,12 @@ void gesdd(Call& c, const char* name) {
     T* vt = c.matrix<T>("VT", vt_used ? (all ? n : k) : 0, n, ldvt, vt_used ? out : Use::Untouched);
     T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
     zor_int* iwork = c.array<zor_int>("IWORK", 8 * k, out);
-    keep_finite(c, a, m, n, lda);
+    if (!query) keep_finite(c, a, m, n, lda);
     if constexpr (complex) {
-        const std::int64_t lrwork = none ? 5 * k : max_of(5 * k * k + 5 * k, 2 * x * k + 2 * k * k + k);
+        const std::int64_t lrwork = none ? 5 * k
+                                    : k > (std::int64_t{1} << 28)
+                                        ? std::int64_t{1} << 62
+                                        : max_of(5 * k * k + 5 * k, 2 * x * k + 2 * k * k + k);
         double* rwork = c.array<double>("RWORK", lrwork, out);
         c.run_lapack([&](zor_int* info) {
             f(&jobz, &m, &n, a, &lda, s, u, &ldu, vt, &ldvt, work, &lwork, rwork, iwork, info, 1);
@@ -602,7 +611,7 @@ void dgelsd_(Call& c) {
     const zor_int m = c.dimension("M"), n = c.dimension("N"), nrhs = c.dimension("NRHS");
     const zor_int lda = c.leading("LDA", m), ldb = c.leading("LDB", max_of(m, n));
     const double rcond = c.real("RCOND");
-    const std::int64_t k = min_of(m, n);
+    const std::int64_t k = max_of(min_of(m, n), 0);
     std::int64_t least = 1;
     if (k > 0 && nrhs >= 0) {
         const std::int64_t levels =

@@ -694,7 +694,7 @@ const ArgumentCase kBidiagonalArgumentCases[] = {
     {"DLALSD", -4,
      [] {
          zint rank = 0;
-         return info_of(lalsd, 'U', 25, 2, 0, g_d, g_e, g_m, 2, 0.0, rank, g_m, g_i);
+         return info_of(lalsd, 'U', 25, 2, -1, g_d, g_e, g_m, 2, 0.0, rank, g_m, g_i);
      }},
     {"DLALSD", -8,
      [] {

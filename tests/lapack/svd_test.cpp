@@ -621,6 +621,33 @@ TEST(GelsdRank, DecidedByRcond) {
     for (zint i = 0; i < 3; ++i) EXPECT_EQ(b(i, 0), 0.0);
 }
 
+// No right-hand side: the same singular values (to the bit) and rank as with one, on both sides
+// of lalsd's leaf size and of the QR crossover.
+TEST(GelsdRank, NoRightHandSideStillGivesValuesAndRank) {
+    Random random(11);
+    for (const auto& [m, n] : {std::pair{6, 3}, std::pair{3, 6}, std::pair{80, 60}, std::pair{200, 60}}) {
+        const zint k = std::min(m, n);
+        std::vector<double> values(static_cast<std::size_t>(k));
+        for (zint i = 0; i < k; ++i) values[static_cast<std::size_t>(i)] = i < k / 2 ? 1.0 / (i + 1) : 1e-14;
+        const Mat<double> a = with_values<double>(random, m, n, values);
+        std::vector<double> s[2];
+        zint rank[2] = {-1, -1};
+        for (const zint nrhs : {0, 1}) {
+            Mat<double> f = a, b(std::max(m, n), std::max<zint>(nrhs, 1));
+            std::vector<double> work(static_cast<std::size_t>(gelsd_work_sizes(m, n, nrhs).minimal));
+            std::vector<zint> iwork(static_cast<std::size_t>(gelsd_iwork_size(m, n)));
+            s[nrhs].resize(static_cast<std::size_t>(k));
+            zint info = 0;
+            gelsd(m, n, nrhs, f.data(), m, b.data(), b.ld, s[nrhs].data(), 1e-10, rank[nrhs], work.data(),
+                  static_cast<zint>(work.size()), iwork.data(), info);
+            ASSERT_EQ(info, 0) << m << "x" << n << " nrhs " << nrhs;
+        }
+        EXPECT_EQ(rank[0], rank[1]) << m << "x" << n;
+        EXPECT_EQ(rank[0], k / 2) << m << "x" << n;
+        EXPECT_EQ(s[0], s[1]) << m << "x" << n;
+    }
+}
+
 // NaN or infinity in A: the bidiagonal solver reports failure (info > 0) without hanging, and
 // iwork(1) still answers the size it needs.
 TEST(GelsdNonFinite, ReportsFailure) {

@@ -66,7 +66,9 @@ zint lalsd_iwork_size(zint n, zint smlsiz) {
 
 void lalsd(char uplo, zint smlsiz, zint n, zint nrhs, double* d, double* e, double* b, zint ldb, double rcond,
            zint& rank, double* work, zint* iwork, zint& info) {
-    info = check_arguments("DLALSD", {{n < 0, 3}, {nrhs < 1, 4}, {ldb < 1 || ldb < n, 8}});
+    // No right-hand side is allowed (the published routine wants one): gelsd then still gets the
+    // singular values and the rank.
+    info = check_arguments("DLALSD", {{n < 0, 3}, {nrhs < 0, 4}, {ldb < 1 || ldb < n, 8}});
     if (info != 0) return;
     const double eps = dlamch("E");
     const double rcnd = (rcond <= 0.0 || rcond >= 1.0) ? eps : rcond;
@@ -159,6 +161,7 @@ void lalsd(char uplo, zint smlsiz, zint n, zint nrhs, double* d, double* e, doub
     };
     const auto apply = [&](zint icompq, zint first, zint size, double* from, zint ldfrom, double* to,
                            zint ldto) {
+        if (nrhs == 0) return;  // nothing to carry through the tree
         const auto w = [&](zint offset) { return work + offset + first; };
         const auto iw = [&](zint offset) { return iwork + offset + first; };
         lalsa(icompq, smlsiz, size, nrhs, from, ldfrom, to, ldto, w(at.u), n, w(at.vt), iw(at.k), w(at.difl),

@@ -6,12 +6,14 @@
 
 #if ZOR_LEVEL == 4
 
-#pragma GCC target("avx512f,fma")
+#include <immintrin.h>
+
+ZOR_TARGET_BEGIN("avx512f,fma")
+#if !defined(__clang__)
 // GCC 12 flags the undefined pass-through operand inside its own AVX-512 intrinsics (its bug 105593).
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #pragma GCC diagnostic ignored "-Wuninitialized"
-
-#include <immintrin.h>
+#endif
 
 #include "blas/simd.hpp"
 #include "lapack/kernels/reduction.hpp"
@@ -29,5 +31,7 @@ const ReductionKernels& reduction_kernels_avx512() {
 }
 
 }  // namespace zor::avx
+
+ZOR_TARGET_END
 
 #endif

@@ -6,9 +6,9 @@
 
 #if ZOR_LEVEL == 4
 
-#pragma GCC target("fma")
-
 #include <immintrin.h>
+
+ZOR_TARGET_BEGIN("fma")
 
 #include "blas/simd.hpp"
 #include "lapack/kernels/reduction.hpp"
@@ -26,5 +26,7 @@ const ReductionKernels& reduction_kernels_fma() {
 }
 
 }  // namespace zor::avx
+
+ZOR_TARGET_END
 
 #endif

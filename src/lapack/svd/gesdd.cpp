@@ -58,6 +58,10 @@ GesddPlan plan_gesdd(char jobz, zint m, zint n, zint lwork) {
     GesddPlan p{false, 1, 1, 0, 0, true, 0};
     const zint k = min_of(m, n), mx = max_of(m, n);
     if (k == 0) return p;
+    if (k > kLargestOrder) {
+        p.minimal = p.optimal = kUnattainable;
+        return p;
+    }
     const Job job = job_of(jobz);
     const bool tall = m >= n;
     constexpr bool complex = kIsComplex<T>;

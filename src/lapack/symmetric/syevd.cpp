@@ -52,6 +52,11 @@ template <class T>
 Layout layout_of(bool vectors, char uplo, zint n) {
     Layout l;
     if (n <= 1) return l;
+    if (n > kLargestOrder) {
+        l.lwork_min = l.lrwork_min = l.liwork_min = kUnattainable;
+        l.lwork_opt = l.lrwork_opt = l.liwork_opt = kUnattainable;
+        return l;
+    }
     const zint nn = n * n;
     const char opts[2] = {uplo, '\0'};
     const zint nb = ilaenv(1, routine_name<T>("DSYTRD", "ZHETRD"), opts, n, -1, -1, -1);
