@@ -4,12 +4,13 @@
 // (Q from dgeqrf's reflectors) at n = 500, 1000, 2000 and 4000; the symmetric and Hermitian
 // eigenproblem dsyevd and zheevd without ("-n") and with ("-v") vectors at the same orders; the
 // nonsymmetric eigenproblem (dgehrd, dgeev without and with vectors, zgeev with right vectors,
-// dgees with Schur vectors) at n = 250, 500, 1000 and 2000; the SVD by divide and conquer dgesdd
-// and zgesdd (values only, "N", and the leading vectors, "S") and the least-squares solve dgelsd
-// (ten right-hand sides, rcond -1) at n = 500, 1000, 2000 and on the tall 4000 x 500 (nominal
+// dgees with Schur vectors) at n = 250, 500, 1000 and 2000; the generalized eigenproblem (dggev with
+// both sets of vectors, zggev with right vectors, dgges with Schur vectors) at n = 250, 500, 1000; the SVD by
+// divide and conquer dgesdd and zgesdd (values only, "N", and the leading vectors, "S") and the least-squares
+// solve dgelsd (ten right-hand sides, rcond -1) at n = 500, 1000, 2000 and on the tall 4000 x 500 (nominal
 // counts: 4mn² - 4n³/3 for the reduction, twice that with vectors, four times as much for complex
-// data); dgemm at all these orders as the ceiling to read them against; in GFLOP/s (the usual operation counts; nominal ones for the
-// eigenproblems), single-threaded. Every call works on a fresh copy of its
+// data); dgemm at all these orders as the ceiling to read them against; in GFLOP/s (the usual operation
+// counts; nominal ones for the eigenproblems), single-threaded. Every call works on a fresh copy of its
 // input; the time of the copy is measured alone and taken off.
 //
 // The peers to compare with: openblas-avx512 (OpenBLAS's own LU, Cholesky, QR and eigenproblem
@@ -53,6 +54,17 @@ using Syevd = void(const char*, const char*, const int*, double*, const int*, do
                    int*, const int*, int*, std::size_t, std::size_t);
 using Heevd = void(const char*, const char*, const int*, double*, const int*, double*, double*, const int*,
                    double*, const int*, int*, const int*, int*, std::size_t, std::size_t);
+// The generalized eigenproblem (complex arrays as pairs of doubles; zggev's rwork last but one).
+using Dggev = void(const char*, const char*, const int*, double*, const int*, double*, const int*, double*,
+                   double*, double*, double*, const int*, double*, const int*, double*, const int*, int*,
+                   std::size_t, std::size_t);
+using Zggev = void(const char*, const char*, const int*, double*, const int*, double*, const int*, double*,
+                   double*, double*, const int*, double*, const int*, double*, const int*, double*, int*,
+                   std::size_t, std::size_t);
+using Select3 = int(const double*, const double*, const double*);
+using Dgges = void(const char*, const char*, const char*, Select3*, const int*, double*, const int*, double*,
+                   const int*, int*, double*, double*, double*, double*, const int*, double*, const int*,
+                   double*, const int*, int*, int*, std::size_t, std::size_t, std::size_t);
 // dgesdd and zgesdd (complex arrays as pairs of doubles; zgesdd takes rwork before iwork), dgelsd.
 using Dgesdd = void(const char*, const int*, const int*, double*, const int*, double*, double*, const int*,
                     double*, const int*, double*, const int*, int*, int*, std::size_t);
@@ -278,6 +290,81 @@ double measure_eigen(const bench::Library& library, const std::string& routine, 
     return -1;
 }
 
+// The generalized eigenproblem on a random pencil (A, B), with the optimal workspace: dggev with
+// both sets of vectors (dggev-vv), zggev with right vectors (zggev-nv), dgges with both sets of
+// Schur vectors, unsorted (dgges-v). A and B are copied afresh for every call.
+double measure_generalized(const bench::Library& library, const std::string& routine, int n) {
+    const bool complex = routine[0] == 'z';
+    const std::size_t nn = static_cast<std::size_t>(n) * n * (complex ? 2 : 1);
+    const bool long_calls = static_cast<double>(n) * n * n * (complex ? 4 : 1) > 1e8;
+    // A and B side by side in one array, so that one copy restores both.
+    Array ab(2 * nn), w(2 * nn);
+    fill_random(ab.get(), 2 * nn, 0x6E6E7u + static_cast<std::uint64_t>(n));
+    double* a = w.get();
+    double* b = w.get() + nn;
+    std::vector<double> alpha(static_cast<std::size_t>(2 * n)), alphai(static_cast<std::size_t>(n)),
+        beta(static_cast<std::size_t>(2 * n)), v1(nn), v2(nn), rwork(static_cast<std::size_t>(8 * n));
+    int info = 0;
+    const int one = 1;
+    const char yes = 'V', no = 'N';
+    if (routine == "dggev-vv") {
+        auto* f = library.function<Dggev>("dggev_");
+        if (!f) return -1;
+        std::vector<double> work = optimal_work(
+            [&](const int* lwork, double* answer) {
+                f(&yes, &yes, &n, a, &n, b, &n, alpha.data(), alphai.data(), beta.data(), v1.data(), &n,
+                  v2.data(), &n, answer, lwork, &info, 1, 1);
+            },
+            false);
+        const int lwork = static_cast<int>(work.size());
+        return timed_on_copy(
+            ab, w,
+            [&] {
+                f(&yes, &yes, &n, a, &n, b, &n, alpha.data(), alphai.data(), beta.data(), v1.data(), &n,
+                  v2.data(), &n, work.data(), &lwork, &info, 1, 1);
+            },
+            long_calls);
+    }
+    if (routine == "zggev-nv") {
+        auto* f = library.function<Zggev>("zggev_");
+        if (!f) return -1;
+        std::vector<double> work = optimal_work(
+            [&](const int* lwork, double* answer) {
+                f(&no, &yes, &n, a, &n, b, &n, alpha.data(), beta.data(), v1.data(), &one, v2.data(), &n,
+                  answer, lwork, rwork.data(), &info, 1, 1);
+            },
+            true);
+        const int lwork = static_cast<int>(work.size() / 2);
+        return timed_on_copy(
+            ab, w,
+            [&] {
+                f(&no, &yes, &n, a, &n, b, &n, alpha.data(), beta.data(), v1.data(), &one, v2.data(), &n,
+                  work.data(), &lwork, rwork.data(), &info, 1, 1);
+            },
+            long_calls);
+    }
+    if (routine == "dgges-v") {
+        auto* f = library.function<Dgges>("dgges_");
+        if (!f) return -1;
+        int sdim = 0, bwork = 0;
+        std::vector<double> work = optimal_work(
+            [&](const int* lwork, double* answer) {
+                f(&yes, &yes, &no, nullptr, &n, a, &n, b, &n, &sdim, alpha.data(), alphai.data(), beta.data(),
+                  v1.data(), &n, v2.data(), &n, answer, lwork, &bwork, &info, 1, 1, 1);
+            },
+            false);
+        const int lwork = static_cast<int>(work.size());
+        return timed_on_copy(
+            ab, w,
+            [&] {
+                f(&yes, &yes, &no, nullptr, &n, a, &n, b, &n, &sdim, alpha.data(), alphai.data(), beta.data(),
+                  v1.data(), &n, v2.data(), &n, work.data(), &lwork, &bwork, &info, 1, 1, 1);
+            },
+            long_calls);
+    }
+    return -1;
+}
+
 // The eigenvalues (routine "dsyevd-n", "zheevd-n") or eigenvalues and vectors ("-v") of a random
 // symmetric (Hermitian) matrix, lower triangle, with the optimal workspaces the library answers.
 double measure_symmetric(const bench::Library& library, const std::string& routine, int n) {
@@ -395,6 +482,8 @@ double measure(const bench::Library& library, const std::string& routine, int n)
     if (routine == "dgehrd" || routine == "dgeev-nn" || routine == "dgeev-vv" || routine == "zgeev-nv" ||
         routine == "dgees-v")
         return measure_eigen(library, routine, n);
+    if (routine == "dggev-vv" || routine == "zggev-nv" || routine == "dgges-v")
+        return measure_generalized(library, routine, n);
     if (routine == "dgeqrf" || routine == "zgeqrf" || routine == "dgelqf" || routine == "dgeqp3" ||
         routine == "dorgqr")
         return measure_orthogonal(library, routine, n);
@@ -483,6 +572,10 @@ double flops(const std::string& routine, double n) {
     if (routine == "dgeev-vv") return 26.33 * cube;
     if (routine == "zgeev-nv") return 4 * 26.33 * cube;
     if (routine == "dgees-v") return 25 * cube;
+    // The generalized eigenproblem, nominal: the QZ reduction and iteration with both Q and Z,
+    // 66 n³ (complex: four times that; zggev-nv forms Z only, counted the same).
+    if (routine == "dggev-vv" || routine == "dgges-v") return 66 * cube;
+    if (routine == "zggev-nv") return 4 * 66 * cube;
     // The eigenproblem: the reduction (4/3 n³), and with vectors the product with its Q (2 n³); the
     // divide-and-conquer merges, which depend on the deflation, are not counted.
     if (routine == "dsyevd-n") return 4 * cube / 3;
@@ -497,6 +590,7 @@ const char* const kRoutines[] = {"dgetrf", "zgetrf", "dpotrf", "zpotrf",
 const char* const kOrthogonal[] = {"dgeqrf", "zgeqrf", "dgelqf", "dgeqp3", "dorgqr", "dgemm"};
 const char* const kEigen[] = {"dgehrd", "dgeev-nn", "dgeev-vv", "zgeev-nv", "dgees-v"};
 const char* const kSymmetric[] = {"dsyevd-n", "dsyevd-v", "zheevd-n", "zheevd-v"};
+const char* const kGeneralized[] = {"dggev-vv", "zggev-nv", "dgges-v"};
 
 // The SVD cases: routine and jobz as the case's first word ("dgesdd-S").
 const char* const kSvd[] = {"dgesdd-N", "dgesdd-S", "zgesdd-N", "zgesdd-S", "dgelsd"};
@@ -532,6 +626,11 @@ int main(int argc, char** argv) {
     }
     for (const char* routine : kEigen) {
         for (const int n : {250, 500, 1000, 2000}) {
+            benchmark.cases.push_back({std::string(routine) + " n=" + std::to_string(n), flops(routine, n)});
+        }
+    }
+    for (const char* routine : kGeneralized) {
+        for (const int n : {250, 500, 1000}) {
             benchmark.cases.push_back({std::string(routine) + " n=" + std::to_string(n), flops(routine, n)});
         }
     }

@@ -277,6 +277,91 @@ ZOR_FORTRAN_API void dgelsd(const zor_int* m, const zor_int* n, const zor_int* n
                             double* b, const zor_int* ldb, double* s, const double* rcond, zor_int* rank,
                             double* work, const zor_int* lwork, zor_int* iwork, zor_int* info);
 
+/* ---- The generalized eigenproblem ------------------------------------------------------------- */
+
+/* Reduces the pencil (A, B), B upper triangular, to Hessenberg-triangular form Q^H A Z, Q^H B Z by
+ * rotations on rows and columns ilo .. ihi; compq, compz "N" (none), "I" (Q := the rotations), "V"
+ * (Q := Q times them). */
+ZOR_FORTRAN_API void dgghrd(const char* compq, const char* compz, const zor_int* n, const zor_int* ilo,
+                            const zor_int* ihi, double* a, const zor_int* lda, double* b, const zor_int* ldb,
+                            double* q, const zor_int* ldq, double* z, const zor_int* ldz, zor_int* info,
+                            size_t compq_length, size_t compz_length);
+ZOR_FORTRAN_API void zgghrd(const char* compq, const char* compz, const zor_int* n, const zor_int* ilo,
+                            const zor_int* ihi, zor_complex_double* a, const zor_int* lda, zor_complex_double* b,
+                            const zor_int* ldb, zor_complex_double* q, const zor_int* ldq, zor_complex_double* z,
+                            const zor_int* ldz, zor_int* info, size_t compq_length, size_t compz_length);
+/* The QZ iteration on a Hessenberg-triangular pair: the generalized eigenvalues (alpha, beta) and
+ * (job "S") the generalized Schur form, with Q and Z as in dgghrd. lwork >= max(1, n); zhgeqz takes
+ * rwork of n doubles. */
+ZOR_FORTRAN_API void dhgeqz(const char* job, const char* compq, const char* compz, const zor_int* n,
+                            const zor_int* ilo, const zor_int* ihi, double* h, const zor_int* ldh, double* t,
+                            const zor_int* ldt, double* alphar, double* alphai, double* beta, double* q,
+                            const zor_int* ldq, double* z, const zor_int* ldz, double* work, const zor_int* lwork,
+                            zor_int* info, size_t job_length, size_t compq_length, size_t compz_length);
+ZOR_FORTRAN_API void zhgeqz(const char* job, const char* compq, const char* compz, const zor_int* n,
+                            const zor_int* ilo, const zor_int* ihi, zor_complex_double* h, const zor_int* ldh,
+                            zor_complex_double* t, const zor_int* ldt, zor_complex_double* alpha,
+                            zor_complex_double* beta, zor_complex_double* q, const zor_int* ldq,
+                            zor_complex_double* z, const zor_int* ldz, zor_complex_double* work,
+                            const zor_int* lwork, double* rwork, zor_int* info, size_t job_length,
+                            size_t compq_length, size_t compz_length);
+/* Right and/or left eigenvectors of a generalized Schur pair (S, P), all, selected, or all
+ * back-transformed by the Q and Z given in vl and vr; work of 6n (dtgevc), 2n with rwork of 2n
+ * doubles (ztgevc). */
+ZOR_FORTRAN_API void dtgevc(const char* side, const char* howmny, const zor_int* select, const zor_int* n,
+                            const double* s, const zor_int* lds, const double* p, const zor_int* ldp, double* vl,
+                            const zor_int* ldvl, double* vr, const zor_int* ldvr, const zor_int* mm, zor_int* m,
+                            double* work, zor_int* info, size_t side_length, size_t howmny_length);
+ZOR_FORTRAN_API void ztgevc(const char* side, const char* howmny, const zor_int* select, const zor_int* n,
+                            const zor_complex_double* s, const zor_int* lds, const zor_complex_double* p,
+                            const zor_int* ldp, zor_complex_double* vl, const zor_int* ldvl, zor_complex_double* vr,
+                            const zor_int* ldvr, const zor_int* mm, zor_int* m, zor_complex_double* work,
+                            double* rwork, zor_int* info, size_t side_length, size_t howmny_length);
+/* The caller's choice of eigenvalues for dgges and zgges, in the Fortran convention: alpha (real and
+ * imaginary parts for dgges) and beta by reference, a logical answer, nonzero for selected. */
+typedef zor_int (*zor_dselect3)(const double* alphar, const double* alphai, const double* beta);
+typedef zor_int (*zor_zselect2)(const zor_complex_double* alpha, const zor_complex_double* beta);
+/* The generalized Schur factorization (A, B) = (Q S Z^H, Q T Z^H), optionally with the eigenvalues
+ * selctg chooses leading (sdim of them); info = n + 2: rounding changed the choice after
+ * reordering, n + 3: the reordering failed. lwork >= max(8n, 6n + 16) (dgges), max(1, 2n) with
+ * rwork of 8n doubles (zgges). */
+ZOR_FORTRAN_API void dgges(const char* jobvsl, const char* jobvsr, const char* sort, zor_dselect3 selctg,
+                           const zor_int* n, double* a, const zor_int* lda, double* b, const zor_int* ldb,
+                           zor_int* sdim, double* alphar, double* alphai, double* beta, double* vsl,
+                           const zor_int* ldvsl, double* vsr, const zor_int* ldvsr, double* work,
+                           const zor_int* lwork, zor_int* bwork, zor_int* info, size_t jobvsl_length,
+                           size_t jobvsr_length, size_t sort_length);
+ZOR_FORTRAN_API void zgges(const char* jobvsl, const char* jobvsr, const char* sort, zor_zselect2 selctg,
+                           const zor_int* n, zor_complex_double* a, const zor_int* lda, zor_complex_double* b,
+                           const zor_int* ldb, zor_int* sdim, zor_complex_double* alpha, zor_complex_double* beta,
+                           zor_complex_double* vsl, const zor_int* ldvsl, zor_complex_double* vsr,
+                           const zor_int* ldvsr, zor_complex_double* work, const zor_int* lwork, double* rwork,
+                           zor_int* bwork, zor_int* info, size_t jobvsl_length, size_t jobvsr_length,
+                           size_t sort_length);
+/* Moves the diagonal block of the generalized Schur pair (A, B) at row ifst to row ilst, updating Q
+ * and Z (wantq, wantz nonzero); lwork >= 4n + 16 (dtgexc, n > 1). */
+ZOR_FORTRAN_API void dtgexc(const zor_int* wantq, const zor_int* wantz, const zor_int* n, double* a,
+                            const zor_int* lda, double* b, const zor_int* ldb, double* q, const zor_int* ldq,
+                            double* z, const zor_int* ldz, zor_int* ifst, zor_int* ilst, double* work,
+                            const zor_int* lwork, zor_int* info);
+ZOR_FORTRAN_API void ztgexc(const zor_int* wantq, const zor_int* wantz, const zor_int* n, zor_complex_double* a,
+                            const zor_int* lda, zor_complex_double* b, const zor_int* ldb, zor_complex_double* q,
+                            const zor_int* ldq, zor_complex_double* z, const zor_int* ldz, const zor_int* ifst,
+                            zor_int* ilst, zor_int* info);
+/* The generalized eigenvalues (alpha, beta) of the pencil (A, B) and its left and right eigenvectors,
+ * each scaled so that its largest component has |re| + |im| = 1. lwork >= max(1, 8n) (dggev),
+ * max(1, 2n) with rwork of 8n doubles (zggev). */
+ZOR_FORTRAN_API void dggev(const char* jobvl, const char* jobvr, const zor_int* n, double* a, const zor_int* lda,
+                           double* b, const zor_int* ldb, double* alphar, double* alphai, double* beta, double* vl,
+                           const zor_int* ldvl, double* vr, const zor_int* ldvr, double* work, const zor_int* lwork,
+                           zor_int* info, size_t jobvl_length, size_t jobvr_length);
+ZOR_FORTRAN_API void zggev(const char* jobvl, const char* jobvr, const zor_int* n, zor_complex_double* a,
+                           const zor_int* lda, zor_complex_double* b, const zor_int* ldb, zor_complex_double* alpha,
+                           zor_complex_double* beta, zor_complex_double* vl, const zor_int* ldvl,
+                           zor_complex_double* vr, const zor_int* ldvr, zor_complex_double* work,
+                           const zor_int* lwork, double* rwork, zor_int* info, size_t jobvl_length,
+                           size_t jobvr_length);
+
 ZOR_EXTERN_C_END
 
 #endif

@@ -84,6 +84,11 @@ class Call {
     void cblas(std::initializer_list<Check> checks, const char* fortran = nullptr);
     // LAPACK: `name` is the upper-case name that is reported, blank-padded to six characters.
     void lapack(const char* name, std::initializer_list<Check> checks);
+    // LAPACK checks that read the caller's arrays (dtgevc counts the columns its selection needs
+    // from S): stated after the arrays, they apply when the checks before them passed.
+    void lapack_on_arrays(const char* name, std::initializer_list<Check> checks) {
+        if (!error_) lapack(name, checks);
+    }
     // No argument checks (CBLAS level 1, the auxiliaries): nothing is ever printed; `quick` says the
     // call must change nothing (N <= 0, say).
     void unchecked(bool quick = false);

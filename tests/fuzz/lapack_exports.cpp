@@ -645,6 +645,308 @@ void dgelsd_(Call& c) {
     });
 }
 
+// ---- the generalized eigenproblem ---------------------------------------------------------------
+
+// Whether a COMPQ-style letter asks for the matrix (I or V).
+bool wanted(char compq) {
+    return is(compq, "IV");
+}
+
+// gghrd: (COMPQ, COMPZ, N, ILO, IHI, A, LDA, B, LDB, Q, LDQ, Z, LDZ, INFO); 1 <= ILO, ILO - 1 <= IHI
+// <= N; Q and Z not referenced for "N".
+template <class T, auto f>
+void gghrd(Call& c, const char* name) {
+    const char compq = c.letter("COMPQ", "NIV"), compz = c.letter("COMPZ", "NIV");
+    const zor_int n = c.dimension("N"), ilo = c.dimension("ILO"), ihi = c.dimension("IHI");
+    const zor_int lda = c.leading("LDA", n), ldb = c.leading("LDB", n);
+    const zor_int ldq = c.leading("LDQ", n), ldz = c.leading("LDZ", n);
+    c.lapack(name, {{!is(compq, "NIV"), 1},
+                    {!is(compz, "NIV"), 2},
+                    {n < 0, 3},
+                    {ilo < 1, 4},
+                    {ihi > n || ihi < std::int64_t{ilo} - 1, 5},
+                    {lda < max1(n), 7},
+                    {ldb < max1(n), 9},
+                    {(wanted(compq) && ldq < n) || ldq < 1, 11},
+                    {(wanted(compz) && ldz < n) || ldz < 1, 13}});
+    T* a = c.matrix<T>("A", n, n, lda, Use::InOut);
+    T* b = c.matrix<T>("B", n, n, ldb, Use::InOut);
+    T* q = wanted(compq) ? c.matrix<T>("Q", n, n, ldq, Use::InOut) : c.array<T>("Q", 1, Use::Untouched);
+    T* z = wanted(compz) ? c.matrix<T>("Z", n, n, ldz, Use::InOut) : c.array<T>("Z", 1, Use::Untouched);
+    c.run_lapack([&](zor_int* info) {
+        f(&compq, &compz, &n, &ilo, &ihi, a, &lda, b, &ldb, q, &ldq, z, &ldz, info, 1, 1);
+    });
+}
+
+// hgeqz: (JOB, COMPQ, COMPZ, N, ILO, IHI, H, LDH, T, LDT, ALPHAR, ALPHAI (ALPHA), BETA, Q, LDQ, Z,
+// LDZ, WORK, LWORK, [RWORK,] INFO); LWORK at least max(1, N); a query touches only WORK(1).
+template <class T, auto f>
+void hgeqz(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const char job = c.letter("JOB", "ES"), compq = c.letter("COMPQ", "NIV"),
+               compz = c.letter("COMPZ", "NIV");
+    const zor_int n = c.dimension("N"), ilo = c.dimension("ILO"), ihi = c.dimension("IHI");
+    const zor_int ldh = c.leading("LDH", n), ldt = c.leading("LDT", n);
+    const zor_int ldq = c.leading("LDQ", n), ldz = c.leading("LDZ", n);
+    const zor_int lwork = c.workspace("LWORK", max1(n));
+    const bool query = lwork == -1;
+    const int shift = complex ? 1 : 0;
+    c.lapack(name, {{!is(job, "ES"), 1},
+                    {!is(compq, "NIV"), 2},
+                    {!is(compz, "NIV"), 3},
+                    {n < 0, 4},
+                    {ilo < 1, 5},
+                    {ihi > n || ihi < std::int64_t{ilo} - 1, 6},
+                    {ldh < n, 8},
+                    {ldt < n, 10},
+                    {ldq < 1 || (wanted(compq) && ldq < n), 15 - shift},
+                    {ldz < 1 || (wanted(compz) && ldz < n), 17 - shift},
+                    {lwork < max1(n) && !query, 19 - shift}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    T* h = c.matrix<T>("H", n, n, ldh, out);
+    T* t = c.matrix<T>("T", n, n, ldt, out);
+    T* alpha = c.array<T>("ALPHA", n, out);
+    double* alphai = complex ? nullptr : c.array<double>("ALPHAI", n, out);
+    T* beta = c.array<T>("BETA", n, out);
+    T* q = wanted(compq) ? c.matrix<T>("Q", n, n, ldq, out) : c.array<T>("Q", 1, Use::Untouched);
+    T* z = wanted(compz) ? c.matrix<T>("Z", n, n, ldz, out) : c.array<T>("Z", 1, Use::Untouched);
+    T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+    if constexpr (complex) {
+        double* rwork = c.array<double>("RWORK", n, out);
+        c.run_lapack([&](zor_int* info) {
+            f(&job, &compq, &compz, &n, &ilo, &ihi, h, &ldh, t, &ldt, alpha, beta, q, &ldq, z, &ldz, work,
+              &lwork, rwork, info, 1, 1, 1);
+        });
+    } else {
+        c.run_lapack([&](zor_int* info) {
+            f(&job, &compq, &compz, &n, &ilo, &ihi, h, &ldh, t, &ldt, alpha, alphai, beta, q, &ldq, z, &ldz,
+              work, &lwork, info, 1, 1, 1);
+        });
+    }
+}
+
+// tgevc: (SIDE, HOWMNY, SELECT, N, S, LDS, P, LDP, VL, LDVL, VR, LDVR, MM, M, WORK, [RWORK,] INFO).
+// The checks after LDP read the arrays: real S must have no two adjacent nonzero subdiagonal
+// entries (5) and P zeros beside S's 2 by 2 blocks (7); MM counts the columns howmny "S" needs (a
+// real pair two, chosen by either of its entries).
+template <class T, auto f>
+void tgevc(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const char side = c.letter("SIDE", "RLB"), howmny = c.letter("HOWMNY", "ASB");
+    const zor_int n = c.dimension("N"), lds = c.leading("LDS", n), ldp = c.leading("LDP", n);
+    const zor_int ldvl = c.leading("LDVL", n), ldvr = c.leading("LDVR", n), mm = c.dimension("MM");
+    c.lapack(
+        name,
+        {{!is(side, "RLB"), 1}, {!is(howmny, "ASB"), 2}, {n < 0, 4}, {lds < max1(n), 6}, {ldp < max1(n), 8}});
+    const bool left = is(side, "LB"), right = is(side, "RB"), chosen = is(howmny, "S");
+    const zor_int* select = c.array<zor_int>("SELECT", chosen ? n : 1, chosen ? Use::In : Use::Untouched);
+    const T* s = c.matrix<T>("S", n, n, lds, Use::In);
+    const T* p = c.matrix<T>("P", n, n, ldp, Use::In);
+    bool sbad = false, pbad = false;
+    std::int64_t needed = n;
+    if (c.full_size() && n > 0) {
+        auto sub = [&](const T* m, zor_int ld, std::int64_t i, std::int64_t j) {
+            const T& x = m[i + j * std::int64_t{ld}];
+            if constexpr (complex) {
+                return x.real != 0 || x.imag != 0;
+            } else {
+                return x != 0;
+            }
+        };
+        for (std::int64_t j = 0; !complex && j + 1 < n; ++j) {
+            if (!sub(s, lds, j + 1, j)) continue;
+            if (sub(p, ldp, j + 1, j) || sub(p, ldp, j, j + 1)) pbad = true;
+            if (j + 2 < n && sub(s, lds, j + 2, j + 1)) sbad = true;
+        }
+        if (chosen) {
+            needed = 0;
+            for (std::int64_t j = 0; j < n; ++j) {
+                if (!complex && j + 1 < n && sub(s, lds, j + 1, j)) {
+                    if (select[j] != 0 || select[j + 1] != 0) needed += 2;
+                    ++j;
+                } else if (select[j] != 0) {
+                    ++needed;
+                }
+            }
+        }
+    }
+    c.lapack_on_arrays(name, {{sbad, 5},
+                              {pbad, 7},
+                              {ldvl < 1 || (left && ldvl < n), 10},
+                              {ldvr < 1 || (right && ldvr < n), 12},
+                              {mm < needed, 13}});
+    T* vl = left ? c.matrix<T>("VL", n, mm, ldvl, Use::InOut) : c.array<T>("VL", 1, Use::Untouched);
+    T* vr = right ? c.matrix<T>("VR", n, mm, ldvr, Use::InOut) : c.array<T>("VR", 1, Use::Untouched);
+    T* work = c.array<T>("WORK", (complex ? 2 : 6) * std::int64_t{n}, Use::InOut);
+    zor_int m = 0;
+    if constexpr (complex) {
+        double* rwork = c.array<double>("RWORK", 2 * std::int64_t{n}, Use::InOut);
+        c.run_lapack([&](zor_int* info) {
+            f(&side, &howmny, select, &n, s, &lds, p, &ldp, vl, &ldvl, vr, &ldvr, &mm, &m, work, rwork, info,
+              1, 1);
+        });
+    } else {
+        c.run_lapack([&](zor_int* info) {
+            f(&side, &howmny, select, &n, s, &lds, p, &ldp, vl, &ldvl, vr, &ldvr, &mm, &m, work, info, 1, 1);
+        });
+    }
+}
+
+// The arrays of ggev and gges, in their order: A, B, ALPHA (ALPHAR), ALPHAI (real data), BETA, the
+// left and right vectors (untouched when not wanted), WORK.
+template <class T>
+struct PencilArrays {
+    T *a, *b, *alpha;
+    double* alphai;
+    T *beta, *vl, *vr, *work;
+};
+
+template <class T>
+PencilArrays<T> pencil_arrays(Call& c, zor_int n, zor_int lda, zor_int ldb, const char* left, bool wantl,
+                              zor_int ldvl, const char* right, bool wantr, zor_int ldvr, zor_int lwork) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const Use out = lwork == -1 ? Use::Untouched : Use::InOut;
+    PencilArrays<T> p{};
+    p.a = c.matrix<T>("A", n, n, lda, out);
+    p.b = c.matrix<T>("B", n, n, ldb, out);
+    p.alpha = c.array<T>("ALPHA", n, out);
+    p.alphai = complex ? nullptr : c.array<double>("ALPHAI", n, out);
+    p.beta = c.array<T>("BETA", n, out);
+    p.vl = wantl ? c.matrix<T>(left, n, n, ldvl, out) : c.array<T>(left, 1, Use::Untouched);
+    p.vr = wantr ? c.matrix<T>(right, n, n, ldvr, out) : c.array<T>(right, 1, Use::Untouched);
+    p.work = c.array<T>("WORK", lwork == -1 ? 1 : lwork, Use::InOut);
+    return p;
+}
+
+// ggev: (JOBVL, JOBVR, N, A, LDA, B, LDB, ALPHAR, ALPHAI (ALPHA), BETA, VL, LDVL, VR, LDVR, WORK,
+// LWORK, [RWORK,] INFO); LWORK at least max(1, 8 N) (zggev: max(1, 2 N), RWORK of 8 N).
+template <class T, auto f>
+void ggev(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const char jobvl = c.letter("JOBVL", "NV"), jobvr = c.letter("JOBVR", "NV");
+    const zor_int n = c.dimension("N"), lda = c.leading("LDA", n), ldb = c.leading("LDB", n);
+    const zor_int ldvl = c.leading("LDVL", n), ldvr = c.leading("LDVR", n);
+    const std::int64_t least = max1((complex ? 2 : 8) * std::int64_t{n});
+    const zor_int lwork = c.workspace("LWORK", least);
+    const bool query = lwork == -1, wantl = is(jobvl, "V"), wantr = is(jobvr, "V");
+    const int shift = complex ? 1 : 0;
+    c.lapack(name, {{!is(jobvl, "NV"), 1},
+                    {!is(jobvr, "NV"), 2},
+                    {n < 0, 3},
+                    {lda < max1(n), 5},
+                    {ldb < max1(n), 7},
+                    {ldvl < 1 || (wantl && ldvl < n), 12 - shift},
+                    {ldvr < 1 || (wantr && ldvr < n), 14 - shift},
+                    {lwork < least && !query, 16 - shift}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    const PencilArrays<T> p = pencil_arrays<T>(c, n, lda, ldb, "VL", wantl, ldvl, "VR", wantr, ldvr, lwork);
+    T *a = p.a, *b = p.b, *alpha = p.alpha, *beta = p.beta, *vl = p.vl, *vr = p.vr, *work = p.work;
+    double* alphai = p.alphai;
+    if constexpr (complex) {
+        double* rwork = c.array<double>("RWORK", 8 * std::int64_t{n}, out);
+        c.run_lapack([&](zor_int* info) {
+            f(&jobvl, &jobvr, &n, a, &lda, b, &ldb, alpha, beta, vl, &ldvl, vr, &ldvr, work, &lwork, rwork,
+              info, 1, 1);
+        });
+    } else {
+        c.run_lapack([&](zor_int* info) {
+            f(&jobvl, &jobvr, &n, a, &lda, b, &ldb, alpha, alphai, beta, vl, &ldvl, vr, &ldvr, work, &lwork,
+              info, 1, 1);
+        });
+    }
+}
+
+// The caller's choice for gges, in the Fortran convention.
+zor_int choose_real(const double* alphar, const double*, const double* beta) {
+    return *alphar < *beta;
+}
+zor_int choose_complex(const zor_complex_double* alpha, const zor_complex_double*) {
+    return alpha->real < 0;
+}
+
+// gges: (JOBVSL, JOBVSR, SORT, SELCTG, N, A, LDA, B, LDB, SDIM, ALPHAR, ALPHAI (ALPHA), BETA, VSL,
+// LDVSL, VSR, LDVSR, WORK, LWORK, [RWORK,] BWORK, INFO); LWORK at least max(8 N, 6 N + 16) (1 for
+// N = 0; zgges: max(1, 2 N), RWORK of 8 N); BWORK only when sorting.
+template <class T, auto f>
+void gges(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const char jobvsl = c.letter("JOBVSL", "NV"), jobvsr = c.letter("JOBVSR", "NV"),
+               sort = c.letter("SORT", "NS");
+    const zor_int n = c.dimension("N"), lda = c.leading("LDA", n), ldb = c.leading("LDB", n);
+    const zor_int ldvsl = c.leading("LDVSL", n), ldvsr = c.leading("LDVSR", n);
+    const std::int64_t least = complex ? max1(2 * std::int64_t{n})
+                                       : (n <= 0 ? 1 : max_of(8 * std::int64_t{n}, 6 * std::int64_t{n} + 16));
+    const zor_int lwork = c.workspace("LWORK", least);
+    const bool query = lwork == -1, wantl = is(jobvsl, "V"), wantr = is(jobvsr, "V");
+    const int shift = complex ? 1 : 0;
+    c.lapack(name, {{!is(jobvsl, "NV"), 1},
+                    {!is(jobvsr, "NV"), 2},
+                    {!is(sort, "NS"), 3},
+                    {n < 0, 5},
+                    {lda < max1(n), 7},
+                    {ldb < max1(n), 9},
+                    {ldvsl < 1 || (wantl && ldvsl < n), 15 - shift},
+                    {ldvsr < 1 || (wantr && ldvsr < n), 17 - shift},
+                    {lwork < least && !query, 19 - shift}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    const PencilArrays<T> p =
+        pencil_arrays<T>(c, n, lda, ldb, "VSL", wantl, ldvsl, "VSR", wantr, ldvsr, lwork);
+    T *a = p.a, *b = p.b, *alpha = p.alpha, *beta = p.beta, *vsl = p.vl, *vsr = p.vr, *work = p.work;
+    double* alphai = p.alphai;
+    const bool sorting = is(sort, "S") && !query;
+    zor_int* bwork = c.array<zor_int>("BWORK", sorting ? n : 1, sorting ? Use::InOut : Use::Untouched);
+    zor_int sdim = 0;
+    if constexpr (complex) {
+        double* rwork = c.array<double>("RWORK", 8 * std::int64_t{n}, out);
+        c.run_lapack([&](zor_int* info) {
+            f(&jobvsl, &jobvsr, &sort, choose_complex, &n, a, &lda, b, &ldb, &sdim, alpha, beta, vsl, &ldvsl,
+              vsr, &ldvsr, work, &lwork, rwork, bwork, info, 1, 1, 1);
+        });
+    } else {
+        c.run_lapack([&](zor_int* info) {
+            f(&jobvsl, &jobvsr, &sort, choose_real, &n, a, &lda, b, &ldb, &sdim, alpha, alphai, beta, vsl,
+              &ldvsl, vsr, &ldvsr, work, &lwork, bwork, info, 1, 1, 1);
+        });
+    }
+}
+
+// tgexc: (WANTQ, WANTZ, N, A, LDA, B, LDB, Q, LDQ, Z, LDZ, IFST, ILST, [WORK, LWORK,] INFO); 1 <=
+// IFST, ILST <= N; dtgexc's LWORK at least 4 N + 16 (1 for N <= 1).
+template <class T, auto f>
+void tgexc(Call& c, const char* name) {
+    constexpr bool complex = std::is_same_v<T, Z>;
+    const zor_int wantq = c.dimension("WANTQ") & 1, wantz = c.dimension("WANTZ") & 1;
+    const zor_int n = c.dimension("N"), lda = c.leading("LDA", n), ldb = c.leading("LDB", n);
+    const zor_int ldq = c.leading("LDQ", n), ldz = c.leading("LDZ", n);
+    zor_int ifst = c.dimension("IFST"), ilst = c.dimension("ILST");
+    const std::int64_t least = n <= 1 ? 1 : 4 * std::int64_t{n} + 16;
+    const zor_int lwork = complex ? 1 : c.workspace("LWORK", least);
+    const bool query = !complex && lwork == -1;
+    c.lapack(name, {{n < 0, 3},
+                    {lda < max1(n), 5},
+                    {ldb < max1(n), 7},
+                    {ldq < 1 || (wantq && ldq < max1(n)), 9},
+                    {ldz < 1 || (wantz && ldz < max1(n)), 11},
+                    {ifst < 1 || ifst > n, 12},
+                    {ilst < 1 || ilst > n, 13},
+                    {!complex && lwork < least && !query, 15}});
+    const Use out = query ? Use::Untouched : Use::InOut;
+    T* a = c.matrix<T>("A", n, n, lda, out);
+    T* b = c.matrix<T>("B", n, n, ldb, out);
+    T* q = wantq ? c.matrix<T>("Q", n, n, ldq, out) : c.array<T>("Q", 1, Use::Untouched);
+    T* z = wantz ? c.matrix<T>("Z", n, n, ldz, out) : c.array<T>("Z", 1, Use::Untouched);
+    if constexpr (complex) {
+        c.run_lapack([&](zor_int* info) {
+            f(&wantq, &wantz, &n, a, &lda, b, &ldb, q, &ldq, z, &ldz, &ifst, &ilst, info);
+        });
+    } else {
+        T* work = c.array<T>("WORK", query ? 1 : lwork, Use::InOut);
+        c.run_lapack([&](zor_int* info) {
+            f(&wantq, &wantz, &n, a, &lda, b, &ldb, q, &ldq, z, &ldz, &ifst, &ilst, work, &lwork, info);
+        });
+    }
+}
+
 // ---- auxiliaries: no argument checks ------------------------------------------------------------
 
 void dlapy2_(Call& c) {
@@ -719,6 +1021,12 @@ constexpr Export kExports[] = {
     ZOR_FUZZ_EXPORT(zheevd, syevd, Z, "ZHEEVD"),
     ZOR_FUZZ_EXPORTS(gesdd, gesdd, "GESDD"),
     {"dgelsd", dgelsd_},
+    ZOR_FUZZ_EXPORTS(gghrd, gghrd, "GGHRD"),
+    ZOR_FUZZ_EXPORTS(hgeqz, hgeqz, "HGEQZ"),
+    ZOR_FUZZ_EXPORTS(tgevc, tgevc, "TGEVC"),
+    ZOR_FUZZ_EXPORTS(ggev, ggev, "GGEV"),
+    ZOR_FUZZ_EXPORTS(gges, gges, "GGES"),
+    ZOR_FUZZ_EXPORTS(tgexc, tgexc, "TGEXC"),
     {"dlapy2", dlapy2_},
     {"zdrot", zdrot_},
     {"zrotg_", zrotg_fuzz},

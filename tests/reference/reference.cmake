@@ -34,6 +34,15 @@ if(NOT WIN32 AND NOT ZOR_SANITIZER AND EXISTS ${ZOR_REFERENCE_PROGRAMS}/xlintstd
     zor_add_reference_test(xeigtstz eig/zbal.in)
     zor_add_reference_test(xeigtstd eig/dbak.in)
     zor_add_reference_test(xeigtstz eig/zbak.in)
+
+    # The generalized eigenproblem: the Hessenberg-triangular reduction, QZ and the eigenvectors
+    # (dgg.in, zgg.in), and the drivers (dgd.in, zgd.in: dgges and dggev, and reference LAPACK's
+    # blocked and expert drivers running on zor's QZ, eigenvectors and reordering).
+    zor_add_reference_test(xeigtstd eig/dgg.in)
+    zor_add_reference_test(xeigtstz eig/zgg.in)
+    zor_add_reference_test(xeigtstd eig/dgd.in)
+    zor_add_reference_test(xeigtstz eig/zgd.in)
+
     # The symmetric eigenproblem path (SEP) of the eigenvalue programs: dsyevd and zheevd.
     zor_add_reference_test(xeigtstd eig/dsep.in)
     zor_add_reference_test(xeigtstz eig/zsep.in)
