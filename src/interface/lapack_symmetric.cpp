@@ -1,6 +1,8 @@
 // The Fortran-style exports of the symmetric and Hermitian eigenproblem: scalars widened; iwork
-// copied as max(liwork, 1) 64-bit entries of which only iwork(1) goes back (the size a query
-// answers; the rest is the solver's workspace).
+// copied as 64-bit entries, as many as liwork gives up to what the solver uses (at least 1), of
+// which only iwork(1) goes back (the size a query answers; the rest is the solver's workspace).
+
+#include <algorithm>
 
 #include "interface/lapack_frame.hpp"
 #include "lapack/symmetric/symmetric.hpp"
@@ -19,9 +21,11 @@ void syevd_export(const char* name, const char* jobz, const char* uplo, const zo
     const zint n_ = widen(n), lda_ = widen(lda), lwork_ = widen(lwork), liwork_ = widen(liwork);
     const zint lrwork_ = lrwork != nullptr ? widen(lrwork) : 0;
     LapackCall call(name, info, zor::check_syevd<T>(*jobz, *uplo, n_, lda_, lwork_, lrwork_, liwork_));
-    zint* iwork_ = call.array(iwork, liwork_, Transfer::FirstOut, 1);
+    // A query keeps liwork = -1; otherwise the solver is given the entries copied.
+    const zint entries = liwork_ < 0 ? liwork_ : std::min(liwork_, zor::syevd_iwork_entries(*jobz, n_));
+    zint* iwork_ = call.array(iwork, entries, Transfer::FirstOut, 1);
     call.run([&](zint& i) {
-        zor::syevd(*jobz, *uplo, n_, a, lda_, w, work, lwork_, rwork, lrwork_, iwork_, liwork_, i);
+        zor::syevd(*jobz, *uplo, n_, a, lda_, w, work, lwork_, rwork, lrwork_, iwork_, entries, i);
     });
 }
 

@@ -176,6 +176,10 @@ void syevd(char jobz, char uplo, zint n, T* a, zint lda, double* w, T* work, zin
     answer_sizes();
 }
 
+zint syevd_iwork_entries(char jobz, zint n) {
+    return wants_vectors(jobz) && n > 1 ? 3 + 5 * n : 1;
+}
+
 }  // namespace zor
 
 ZOR_INSTANTIATE(syevd)

@@ -122,4 +122,8 @@ void syevd(char jobz, char uplo, zint n, T* a, zint lda, double* w, T* work, zin
 template <class T>
 zint check_syevd(char jobz, char uplo, zint n, zint lda, zint lwork, zint lrwork, zint liwork);
 
+// The integer workspace syevd uses at most (its published least liwork): the export copies no
+// more of the caller's iwork than this, however large liwork is.
+zint syevd_iwork_entries(char jobz, zint n);
+
 }  // namespace zor
