@@ -64,19 +64,27 @@ inline std::vector<FamilyCase> family_cases(std::initializer_list<zint> small,
     return cases;
 }
 
+// A random reflector H = I - tau v vᴴ of order n (real v unless complex); false when v is zero.
+inline bool random_reflector(Random& random, zint n, bool complex, std::vector<Exact>& v, Exact& tau) {
+    v.assign(static_cast<std::size_t>(n), Exact{});
+    long double squares = 0;
+    for (auto& x : v) {
+        x = {random.uniform(), complex ? random.uniform() : 0.0};
+        squares += x.re * x.re + x.im * x.im;
+    }
+    if (squares == 0) return false;
+    tau = {2 / squares, 0};
+    return true;
+}
+
 // Q B Qᴴ for a dense unitary Q (two random reflectors), in long double.
 inline Wide similar(Random& random, const Wide& b, bool complex) {
     const zint n = b.rows;
     Wide c = b;
     for (int r = 0; r < 2; ++r) {
-        std::vector<Exact> v(static_cast<std::size_t>(n));
-        long double squares = 0;
-        for (auto& x : v) {
-            x = {random.uniform(), complex ? random.uniform() : 0.0};
-            squares += x.re * x.re + x.im * x.im;
-        }
-        if (squares == 0) continue;
-        const Exact tau{2 / squares, 0};
+        std::vector<Exact> v;
+        Exact tau;
+        if (!random_reflector(random, n, complex, v, tau)) continue;
         apply_reflector(c, v, tau, false);
         // C := C H (H Hermitian): (H Cᴴ)ᴴ.
         Wide ct = op(c, 'C');

@@ -62,14 +62,9 @@ void mix(Random& random, Wide& a, Wide& b, bool complex) {
     const zint n = a.rows;
     for (int side = 0; side < 2; ++side) {
         for (int r = 0; r < 2; ++r) {
-            std::vector<Exact> v(static_cast<std::size_t>(n));
-            long double squares = 0;
-            for (auto& x : v) {
-                x = {random.uniform(), complex ? random.uniform() : 0.0};
-                squares += x.re * x.re + x.im * x.im;
-            }
-            if (squares == 0) continue;
-            const Exact tau{2 / squares, 0};
+            std::vector<Exact> v;
+            Exact tau;
+            if (!random_reflector(random, n, complex, v, tau)) continue;
             for (Wide* m : {&a, &b}) {
                 if (side == 0) {
                     apply_reflector(*m, v, tau, false);
